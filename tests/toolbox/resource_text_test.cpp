@@ -1,0 +1,224 @@
+// The text form of resource files: what is printed reads back byte for byte, and files that do
+// not follow the format are refused with the file and the line.
+#include "toolbox/resources.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace toolbox;
+
+namespace {
+
+constexpr ResType kVrnx = 0x56524E58;   // 'VRNX'
+constexpr ResType kData = 0x44415441;   // 'DATA'
+
+std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+
+Resource MakeList(int16_t id, std::vector<std::string> entries, std::string name = "")
+{
+    Resource resource;
+    resource.type = kStringListType;
+    resource.id = id;
+    resource.name = std::move(name);
+    resource.strings = std::move(entries);
+    return resource;
+}
+
+Resource MakeData(ResType type, int16_t id, const std::string& bytes, std::string name = "")
+{
+    Resource resource;
+    resource.type = type;
+    resource.id = id;
+    resource.name = std::move(name);
+    resource.data = Bytes(bytes);
+    return resource;
+}
+
+void ExpectSameResources(const ResourceFile& expected, const ResourceFile& actual)
+{
+    ASSERT_EQ(expected.All().size(), actual.All().size());
+    for (size_t i = 0; i < expected.All().size(); ++i) {
+        const Resource& a = expected.All()[i];
+        const Resource& b = actual.All()[i];
+        SCOPED_TRACE("resource " + std::to_string(i));
+        EXPECT_EQ(a.type, b.type);
+        EXPECT_EQ(a.id, b.id);
+        EXPECT_EQ(a.name, b.name);
+        EXPECT_EQ(a.data, b.data);
+        EXPECT_EQ(a.strings, b.strings);
+    }
+}
+
+std::string ParseError(const std::string& text)
+{
+    ResourceFile file;
+    std::string error;
+    EXPECT_FALSE(file.Parse(text, "bad.rsrc", error)) << text;
+    return error;
+}
+
+}  // namespace
+
+TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
+{
+    std::string allBytes;
+    for (int b = 0; b < 256; ++b)
+        allBytes += static_cast<char>(b);
+    std::string longText;   // long enough to be split over several lines, with characters at the cuts
+    for (int i = 0; i < 40; ++i)
+        longText += "Trommel \xC3\xA4\xE2\x82\xAC\xF0\x9F\xA5\x81 ";
+
+    ResourceFile original;
+    original.Put(MakeList(20001, {"say \"hi\" \\ back", "two\nlines\tand tab", std::string("zero\0byte", 9), "",
+                                  "Caf\xC3\xA9 \xE2\x80\x93 \xE3\x83\x89\xE3\x83\xA9\xE3\x83\xA0", "stray \xFF\xC3 bytes",
+                                  "# not a comment", "\x01\x7F\r"},
+                          "Alerts \"quoted\" # too"));
+    original.Put(MakeList(-32768, {}));
+    original.Put(MakeData(kStringType, 32767, "single string"));
+    original.Put(MakeData(kVrnx, 20000, std::string("1\0", 2), "tamberlyne"));
+    original.Put(MakeData(kData, 0, allBytes));
+    original.Put(MakeData(kData, 1, ""));
+    original.Put(MakeData(kData, 2, "line one\nline two\n\nlast without end"));
+    original.Put(MakeData(kData, 3, longText));
+    original.Put(MakeData(0x61275C01, 4, "odd type code"));   // a ' \ and a control byte in the type
+    Resource dialog;
+    dialog.type = kDialogLayoutType;
+    dialog.id = 20129;
+    dialog.strings = {"title = \"Grooves\"", "size = 400 300", "item 1 = button 320 260 390 280 \"OK\""};
+    original.Put(dialog);
+
+    const std::string printed = original.Print();
+    ResourceFile reread;
+    std::string error;
+    ASSERT_TRUE(reread.Parse(printed, "printed", error)) << error << "\n" << printed;
+    ExpectSameResources(original, reread);
+    EXPECT_EQ(printed, reread.Print());
+
+    // Text stays readable: one text line per line of the text, binary data goes to hex.
+    EXPECT_NE(printed.find("    text = \"line one\\n\"\n    text = \"line two\\n\"\n    text = \"\\n\"\n"),
+              std::string::npos);
+    EXPECT_NE(printed.find("    text = \"1\\0\"\n"), std::string::npos);
+    EXPECT_NE(printed.find("    hex = 00 01 02 03"), std::string::npos);
+    EXPECT_NE(printed.find("Caf\xC3\xA9"), std::string::npos);
+}
+
+TEST(ResourceText, ReadsAHandWrittenFile)
+{
+    const std::string text =
+        "\xEF\xBB\xBF# a comment line\r\n"
+        "resource 'STR#' 20000 \"Menu\" {   # trailing comment\r\n"
+        "\r\n"
+        "    1 = \"Fill \\x41 # kept\"\r\n"
+        "\t2=\"\"\r\n"
+        "}\r\n"
+        "resource 'VRNX' 20000 \"tamberlyne\" {\n"
+        "    text = \"1\\0\"\n"
+        "    hex = 0aFF 7f   # three bytes\n"
+        "    text = \"\\01\"\n"
+        "}\n"
+        "resource 'STR ' -5 {\n"
+        "}";
+    ResourceFile file;
+    std::string error;
+    ASSERT_TRUE(file.Parse(text, "hand.rsrc", error)) << error;
+    ASSERT_EQ(file.All().size(), 3u);
+
+    const Resource* menu = file.Find(kStringListType, 20000);
+    ASSERT_NE(menu, nullptr);
+    EXPECT_EQ(menu->name, "Menu");
+    EXPECT_EQ(menu->strings, (std::vector<std::string>{"Fill A # kept", ""}));
+
+    const Resource* setting = file.Find(kVrnx, 20000);
+    ASSERT_NE(setting, nullptr);
+    EXPECT_EQ(setting->data, (std::vector<uint8_t>{'1', 0, 0x0A, 0xFF, 0x7F, 0, '1'}));
+
+    const Resource* empty = file.Find(kStringType, -5);
+    ASSERT_NE(empty, nullptr);
+    EXPECT_TRUE(empty->data.empty());
+    EXPECT_TRUE(empty->name.empty());
+}
+
+TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
+{
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"resource 'STR ' 1 {\n    text = \"a\\q\"\n}\n", "bad.rsrc:2: unknown escape '\\q' in a string"},
+        {"# one\n\nresource 'STR#' 5 {\n    1 = \"x\"\n", "bad.rsrc:3: resource 'STR#' 5 is not closed (a line with '}' is missing)"},
+        {"resource 'STR' 1 {\n}\n", "bad.rsrc:1: a resource type has exactly 4 characters, 'STR' has 3"},
+        {"resource 'STR ' 40000 {\n}\n", "bad.rsrc:1: resource id 40000 is out of range (-32768 to 32767)"},
+        {"resource 'STR#' 1 {\n    1 = \"a\"\n    3 = \"c\"\n}\n",
+         "bad.rsrc:3: entry 3 is out of order: entries count from 1 without gaps, this one must be 2"},
+        {"resource 'STR ' 1 {\n}\n\nresource 'STR ' 1 \"again\" {\n}\n",
+         "bad.rsrc:4: resource 'STR ' 1 appears twice (first at line 1)"},
+        {"resource 'STR ' 1 {\n    text = \"open\n}\n", "bad.rsrc:2: string is not closed (strings end on the line they start)"},
+        {"resource 'DATA' 1 {\n    hex = 0a b\n}\n", "bad.rsrc:2: odd number of hex digits (each byte takes two)"},
+        {"resource 'DATA' 1 {\n    hex = 0g\n}\n", "bad.rsrc:2: expected hex digits, found 'g'"},
+        {"resource 'VRNX' 1 {\n    txt = \"1\"\n}\n",
+         "bad.rsrc:2: expected 'text = \"...\"' or 'hex = ...' in the data of resource 'VRNX' 1, found 'txt'"},
+        {"resource 'STR ' 1 {\n    text = \"caf\xE9\"\n}\n",
+         "bad.rsrc:2: invalid UTF-8 (resource files are UTF-8 text; write other bytes as \\xHH escapes)"},
+        {"}\n", "bad.rsrc:1: '}' without an open resource"},
+        {"resources 'STR ' 1 {\n", "bad.rsrc:1: expected 'resource', found 'resources'"},
+        {"resource 'STR ' 1\n}\n", "bad.rsrc:1: expected '{' at the end of the resource header, found the end of the line"},
+        {"resource 'STR#' 1 {\n    1 = \"a\" \"b\"\n}\n", "bad.rsrc:2: unexpected '\"b\"' at the end of the line"},
+        {"resource 'DLOG' 1 {\n    item 1 = slider 0 0 10 10\n}\n",
+         "bad.rsrc:2: unknown item kind 'slider' (known: button, radio, checkbox, popup, user, static)"},
+        {"resource 'DLOG' 1 {\n    item 2 = button 50 0 10 10 \"OK\"\n}\n",
+         "bad.rsrc:2: the right edge lies left of the left edge"},
+        {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n", "bad.rsrc:3: item 2 appears twice"},
+        {"resource 'DLOG' 1 {\n    colour = 3\n}\n", "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item)"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(ParseError(text), expected);
+}
+
+TEST(ResourceText, AFailedParseKeepsWhatWasThere)
+{
+    ResourceFile file;
+    std::string error;
+    ASSERT_TRUE(file.Parse("resource 'STR ' 1 {\n    text = \"kept\"\n}\n", "good", error));
+    EXPECT_FALSE(file.Parse("resource 'STR ' 2 {\n", "bad", error));
+    ASSERT_EQ(file.All().size(), 1u);
+    EXPECT_EQ(file.All()[0].data, Bytes("kept"));
+}
+
+TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
+{
+    const std::string text =
+        "resource 'DLOG' 20129 \"Groove\" {\n"
+        "    title   =   \"Fill with Drum Groove\"   # window title\n"
+        "    size = 420 300\n"
+        "    item 1 = button 330 260 400 280 \"OK\"\n"
+        "    item 4 = user  20 40 220 240\n"
+        "    item 8=popup 240 64 400 84 \"Staff:\"\n"
+        "}\n";
+    ResourceFile file;
+    std::string error;
+    ASSERT_TRUE(file.Parse(text, "dlog.rsrc", error)) << error;
+    const Resource* resource = file.Find(kDialogLayoutType, 20129);
+    ASSERT_NE(resource, nullptr);
+    EXPECT_EQ(resource->strings, (std::vector<std::string>{"title = \"Fill with Drum Groove\"", "size = 420 300",
+                                                           "item 1 = button 330 260 400 280 \"OK\"",
+                                                           "item 4 = user 20 40 220 240",
+                                                           "item 8 = popup 240 64 400 84 \"Staff:\""}));
+
+    DialogLayout layout;
+    ASSERT_TRUE(ReadDialogLayout(*resource, layout, error)) << error;
+    EXPECT_EQ(layout.title, "Fill with Drum Groove");
+    EXPECT_EQ(layout.width, 420);
+    EXPECT_EQ(layout.height, 300);
+    ASSERT_EQ(layout.items.size(), 3u);
+    EXPECT_EQ(layout.items[1].number, 4);
+    EXPECT_EQ(layout.items[1].kind, DialogItemKind::kUserItem);
+    EXPECT_TRUE(layout.items[1].label.empty());
+    EXPECT_EQ(layout.items[2].kind, DialogItemKind::kPopup);
+    EXPECT_EQ(layout.items[2].rect.left, 240);
+    EXPECT_EQ(layout.items[2].rect.bottom, 84);
+    EXPECT_EQ(layout.items[2].label, "Staff:");
+
+    Resource broken = *resource;
+    broken.strings.push_back("size = 1 1");
+    EXPECT_FALSE(ReadDialogLayout(broken, layout, error));
+    EXPECT_EQ(error, "line 6: the dialog has a size already");
+}

@@ -1,0 +1,175 @@
+#include "dialog_layout.h"
+
+#include "text_syntax.h"
+
+#include <algorithm>
+
+namespace toolbox {
+
+namespace {
+
+struct KindName {
+    DialogItemKind kind;
+    const char* name;
+};
+
+constexpr KindName kKindNames[] = {
+    {DialogItemKind::kButton, "button"},  {DialogItemKind::kRadio, "radio"},
+    {DialogItemKind::kCheckbox, "checkbox"}, {DialogItemKind::kPopup, "popup"},
+    {DialogItemKind::kUserItem, "user"},  {DialogItemKind::kStaticText, "static"},
+};
+
+const char* NameOf(DialogItemKind kind)
+{
+    for (const KindName& entry : kKindNames) {
+        if (entry.kind == kind)
+            return entry.name;
+    }
+    return "user";
+}
+
+bool KindNamed(const std::string& name, DialogItemKind& kind)
+{
+    for (const KindName& entry : kKindNames) {
+        if (name == entry.name) {
+            kind = entry.kind;
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string KnownKinds()
+{
+    std::string list;
+    for (const KindName& entry : kKindNames)
+        list += (list.empty() ? "" : ", ") + std::string(entry.name);
+    return list;
+}
+
+bool ReadRect(text::LineCursor& cursor, DialogRect& rect, std::string& error)
+{
+    if (!cursor.ReadInt16("left edge", rect.left, error) || !cursor.ReadInt16("top edge", rect.top, error) ||
+        !cursor.ReadInt16("right edge", rect.right, error) ||
+        !cursor.ReadInt16("bottom edge", rect.bottom, error))
+        return false;
+    if (rect.right < rect.left) {
+        error = "the right edge lies left of the left edge";
+        return false;
+    }
+    if (rect.bottom < rect.top) {
+        error = "the bottom edge lies above the top edge";
+        return false;
+    }
+    return true;
+}
+
+bool ExpectEnd(text::LineCursor& cursor, std::string& error)
+{
+    if (cursor.AtEnd())
+        return true;
+    error = "unexpected " + cursor.Upcoming() + " at the end of the line";
+    return false;
+}
+
+std::string FormatItem(const DialogItemSpec& item)
+{
+    std::string line = "item " + std::to_string(item.number) + " = " + NameOf(item.kind);
+    for (int16_t edge : {item.rect.left, item.rect.top, item.rect.right, item.rect.bottom})
+        line += " " + std::to_string(edge);
+    if (!item.label.empty())
+        line += " " + text::Quote(item.label);
+    return line;
+}
+
+}  // namespace
+
+bool DialogLayoutReader::ReadLine(const std::string& line, std::string& normalized, std::string& error)
+{
+    text::LineCursor cursor(line);
+    const std::string key = cursor.ReadWord();
+    if (key == "title") {
+        if (haveTitle_) {
+            error = "the dialog has a title already";
+            return false;
+        }
+        std::string title;
+        if (!cursor.Expect('=', "after 'title'", error) || !cursor.ReadQuoted(title, error) ||
+            !ExpectEnd(cursor, error))
+            return false;
+        layout_.title = title;
+        haveTitle_ = true;
+        normalized = "title = " + text::Quote(title);
+        return true;
+    }
+    if (key == "size") {
+        if (haveSize_) {
+            error = "the dialog has a size already";
+            return false;
+        }
+        long width = 0;
+        long height = 0;
+        if (!cursor.Expect('=', "after 'size'", error) || !cursor.ReadNumber(1, INT16_MAX, "width", width, error) ||
+            !cursor.ReadNumber(1, INT16_MAX, "height", height, error) || !ExpectEnd(cursor, error))
+            return false;
+        layout_.width = static_cast<int16_t>(width);
+        layout_.height = static_cast<int16_t>(height);
+        haveSize_ = true;
+        normalized = "size = " + std::to_string(width) + " " + std::to_string(height);
+        return true;
+    }
+    if (key == "item") {
+        DialogItemSpec item;
+        long number = 0;
+        if (!cursor.ReadNumber(1, INT16_MAX, "item number", number, error) ||
+            !cursor.Expect('=', "after the item number", error))
+            return false;
+        item.number = static_cast<int16_t>(number);
+        const bool duplicate = std::any_of(layout_.items.begin(), layout_.items.end(),
+                                           [&](const DialogItemSpec& other) { return other.number == item.number; });
+        if (duplicate) {
+            error = "item " + std::to_string(number) + " appears twice";
+            return false;
+        }
+        const std::string kind = cursor.ReadWord();
+        if (!KindNamed(kind, item.kind)) {
+            error = "unknown item kind " + (kind.empty() ? cursor.Upcoming() : "'" + kind + "'") + " (known: " +
+                    KnownKinds() + ")";
+            return false;
+        }
+        if (!ReadRect(cursor, item.rect, error))
+            return false;
+        if (cursor.NextIsQuote() && !cursor.ReadQuoted(item.label, error))
+            return false;
+        if (!ExpectEnd(cursor, error))
+            return false;
+        normalized = FormatItem(item);
+        layout_.items.push_back(std::move(item));
+        return true;
+    }
+    error = key.empty() ? "expected a dialog line (title, size or item), found " + cursor.Upcoming()
+                        : "unknown dialog key '" + key + "' (known: title, size, item)";
+    return false;
+}
+
+bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::string& error)
+{
+    try {
+        DialogLayoutReader reader;
+        for (size_t i = 0; i < resource.strings.size(); ++i) {
+            std::string normalized;
+            std::string what;
+            if (!reader.ReadLine(resource.strings[i], normalized, what)) {
+                error = "line " + std::to_string(i + 1) + ": " + what;
+                return false;
+            }
+        }
+        layout = reader.Layout();
+        return true;
+    } catch (...) {
+        error = "out of memory";
+        return false;
+    }
+}
+
+}  // namespace toolbox
