@@ -1,0 +1,39 @@
+#include "stavio/app/commands.h"
+
+#include <sstream>
+
+namespace stavio::app {
+
+const std::vector<Command>& Commands()
+{
+    static const std::vector<Command> commands = {
+        {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
+    };
+    return commands;
+}
+
+std::string UsageText()
+{
+    std::ostringstream text;
+    text << "Usage: tamberlyne [options] <command> [arguments]\n"
+            "\n"
+            "The reference host for the Tamberlyne plug-in: it loads plug-in bundles through the\n"
+            "host's binary interface and runs their commands on a score document.\n"
+            "\n"
+            "Commands:\n";
+    for (const Command& command : Commands()) {
+        std::string head = std::string(command.name) + (command.arguments[0] != '\0' ? " " : "") + command.arguments;
+        text << "  " << head << std::string(head.size() < 20 ? 20 - head.size() : 1, ' ') << command.summary << "\n";
+    }
+    text << "\n"
+            "Options:\n"
+            "  --plugins DIR       the plug-in folder (default: PlugIns beside the program)\n"
+            "  --pose newer|older  present the host as a newer one (plug-in finds host functions by\n"
+            "                      name; the default) or an older one (plug-in copies the table)\n"
+            "  -h, --help          show this text\n"
+            "\n"
+            "Exit status: 0 success, 1 failure, 2 wrong usage.\n";
+    return text.str();
+}
+
+}  // namespace stavio::app

@@ -1,0 +1,29 @@
+// The commands of `tamberlyne`. Each runs with its parsed command line and writes its results
+// to `out` and its complaints to `err`; it returns the process's exit status.
+#pragma once
+
+#include "stavio/app/command_line.h"
+
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+namespace stavio::app {
+
+constexpr int kExitOk = 0;
+constexpr int kExitFailure = 1;
+constexpr int kExitUsage = 2;
+
+struct Command {
+    const char* name;
+    const char* arguments;   // how the arguments read in the usage text
+    const char* summary;
+    int (*run)(const CommandLine& line, std::ostream& out, std::ostream& err);
+};
+
+const std::vector<Command>& Commands();
+std::string UsageText();
+
+int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+
+}  // namespace stavio::app

@@ -1,0 +1,37 @@
+// The `tamberlyne` command: the reference host on the command line.
+#include "stavio/app/command_line.h"
+#include "stavio/app/commands.h"
+
+#include <exception>
+#include <iostream>
+
+int main(int argc, char** argv)
+{
+    using namespace stavio::app;
+    try {
+        CommandLine line;
+        std::string error;
+        if (!ParseCommandLine(argc, argv, line, error)) {
+            std::cerr << "tamberlyne: " << error << "\n\n" << UsageText();
+            return kExitUsage;
+        }
+        if (line.help || line.command == "help") {
+            std::cout << UsageText();
+            return kExitOk;
+        }
+        if (line.command.empty()) {
+            std::cerr << "tamberlyne: no command given\n\n" << UsageText();
+            return kExitUsage;
+        }
+        for (const Command& command : Commands()) {
+            if (line.command == command.name) {
+                return command.run(line, std::cout, std::cerr);
+            }
+        }
+        std::cerr << "tamberlyne: unknown command \"" << line.command << "\"\n\n" << UsageText();
+        return kExitUsage;
+    } catch (const std::exception& failure) {
+        std::cerr << "tamberlyne: " << failure.what() << "\n";
+        return kExitFailure;
+    }
+}

@@ -1,0 +1,145 @@
+#include "stavio/document/record_store.h"
+
+namespace stavio {
+
+namespace {
+const RecordStore::Records kNoRecords;
+
+bool HasIncidences(KeyKind kind) { return kind != KeyKind::Number; }
+}  // namespace
+
+const RecordStore::Bytes* RecordStore::Find(EXTAG tag, const RecordKey& key) const
+{
+    auto records = tags_.find(tag);
+    if (records == tags_.end()) {
+        return nullptr;
+    }
+    auto record = records->second.find(key);
+    return record == records->second.end() ? nullptr : &record->second;
+}
+
+RecordStore::Bytes* RecordStore::Find(EXTAG tag, const RecordKey& key)
+{
+    return const_cast<Bytes*>(static_cast<const RecordStore*>(this)->Find(tag, key));
+}
+
+void RecordStore::Put(EXTAG tag, const RecordKey& key, Bytes bytes)
+{
+    tags_[tag][key] = std::move(bytes);
+}
+
+bool RecordStore::Create(EXTAG tag, KeyKind kind, RecordKey& key, Bytes bytes)
+{
+    const Records& records = All(tag);
+    RecordKey chosen = key;
+    if (chosen.group1 == kPickNumber) {
+        uint16_t highest = records.empty() ? 0 : records.rbegin()->first.group1;
+        if (highest >= kPickNumber - 1) {
+            return false;
+        }
+        chosen.group1 = static_cast<uint16_t>(highest + 1);
+        if (HasIncidences(kind)) {
+            chosen.inci = 0;
+        }
+    }
+    if (!HasIncidences(kind)) {
+        chosen.group2 = 0;
+        chosen.inci = 0;
+    } else if (chosen.inci == kAppendIncidence) {
+        chosen.inci = IncidenceCount(tag, chosen);
+        if (chosen.inci == kAppendIncidence) {
+            return false;
+        }
+    }
+    if (kind == KeyKind::Other) {
+        chosen.group2 = 0;
+    }
+    if (records.count(chosen) != 0) {
+        return false;
+    }
+    tags_[tag].emplace(chosen, std::move(bytes));
+    key = chosen;
+    return true;
+}
+
+bool RecordStore::Delete(EXTAG tag, KeyKind kind, const RecordKey& key)
+{
+    auto found = tags_.find(tag);
+    if (found == tags_.end() || found->second.erase(key) == 0) {
+        return false;
+    }
+    if (found->second.empty()) {
+        tags_.erase(found);
+        return true;
+    }
+    if (!HasIncidences(kind)) {
+        return true;
+    }
+    Records& records = found->second;
+    // Move the later incidences of the group down by one, lowest first.
+    for (auto later = records.upper_bound(key); later != records.end() && later->first.SameGroup(key);) {
+        RecordKey lower = later->first;
+        lower.inci = static_cast<uint16_t>(lower.inci - 1);
+        Bytes bytes = std::move(later->second);
+        later = records.erase(later);
+        records.emplace(lower, std::move(bytes));
+    }
+    return true;
+}
+
+std::optional<std::pair<RecordKey, const RecordStore::Bytes*>> RecordStore::Next(EXTAG tag,
+                                                                                 const RecordKey& key) const
+{
+    const Records& records = All(tag);
+    auto next = records.upper_bound(key);
+    if (next == records.end()) {
+        return std::nullopt;
+    }
+    return std::make_pair(next->first, &next->second);
+}
+
+std::optional<std::pair<RecordKey, const RecordStore::Bytes*>> RecordStore::Previous(EXTAG tag,
+                                                                                     const RecordKey& key) const
+{
+    const Records& records = All(tag);
+    auto notBefore = records.lower_bound(key);
+    if (notBefore == records.begin()) {
+        return std::nullopt;
+    }
+    auto previous = std::prev(notBefore);
+    return std::make_pair(previous->first, &previous->second);
+}
+
+const RecordStore::Records& RecordStore::All(EXTAG tag) const
+{
+    auto found = tags_.find(tag);
+    return found == tags_.end() ? kNoRecords : found->second;
+}
+
+size_t RecordStore::Count(EXTAG tag) const { return All(tag).size(); }
+
+uint16_t RecordStore::IncidenceCount(EXTAG tag, const RecordKey& key) const
+{
+    const Records& records = All(tag);
+    RecordKey first = key;
+    first.inci = 0;
+    uint16_t count = 0;
+    for (auto record = records.lower_bound(first); record != records.end() && record->first.SameGroup(key);
+         ++record) {
+        count = static_cast<uint16_t>(record->first.inci + 1);
+    }
+    return count;
+}
+
+std::vector<EXTAG> RecordStore::Tags() const
+{
+    std::vector<EXTAG> tags;
+    for (const auto& [tag, records] : tags_) {
+        if (!records.empty()) {
+            tags.push_back(tag);
+        }
+    }
+    return tags;
+}
+
+}  // namespace stavio

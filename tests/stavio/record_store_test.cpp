@@ -1,0 +1,297 @@
+// The document's record store as a plug-in sees it: keys, sizes, versions and the host's rules
+// for new numbers, incidences, deletion and walking.
+#include "sdk/sdk.h"
+#include "stavio/document/canonical.h"
+#include "stavio/document/document.h"
+#include "stavio/document_builder.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace stavio {
+namespace {
+
+constexpr EVERSION kV5 = 0x05000000;
+constexpr EVERSION kV8 = 0x08000000;
+constexpr EVERSION kV9 = 0x09000000;
+constexpr EVERSION kV10 = 0x0A000000;
+constexpr EXTAG kOtherTag = MakeTag('o', 't', 'Q', 'Z');
+
+EDataID Other(uint16_t cmper, int16_t inci)
+{
+    EDataID id{};
+    id.other.cmper = cmper;
+    id.other.inci = inci;
+    return id;
+}
+
+EDTGeneric Words(int16_t first)
+{
+    EDTGeneric record{};
+    record.words[0] = first;
+    return record;
+}
+
+int16_t FirstWordAt(const Document& doc, uint16_t cmper, int16_t inci)
+{
+    EDataID key = Other(cmper, inci);
+    EDTGeneric record{};
+    int32_t size = sizeof(record);
+    return doc.LoadRecord(kOtherTag, &key, &record, &size, kPluginApiVersion) != 0 ? record.words[0] : -1;
+}
+
+TEST(StavioRecordStore, MeasureSpecIsKnownInBothLayoutsAndConvertsBetweenThem)
+{
+    Document doc = DocumentBuilder().Measures(2, 3, 1024).Build();
+    EDataID key = Other(2, 0);
+
+    EDTMeasureSpec2005 wide{};
+    int32_t size = sizeof(wide);
+    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &wide, &size, kV10), 1);
+    EXPECT_EQ(size, 26);
+    EXPECT_EQ(wide.beats, 3);
+    wide.frontSpaceExtra = 5;
+    wide.backSpaceExtra = 7;
+    ASSERT_EQ(doc.SaveRecord(kTagMeasureSpec, &key, &wide, 26, kV10), 1);
+
+    // The 24-byte layout sees everything but the last word, and saving it keeps that word.
+    EDTMeasureSpec narrow{};
+    size = sizeof(narrow);
+    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &narrow, &size, kV9), 1);
+    EXPECT_EQ(size, 24);
+    EXPECT_EQ(narrow.frontSpaceExtra, 5);
+    narrow.beats = 6;
+    ASSERT_EQ(doc.SaveRecord(kTagMeasureSpec, &key, &narrow, 24, 0x09FFFFFF), 1);
+    size = sizeof(wide);
+    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &wide, &size, 0x0C000000), 1);
+    EXPECT_EQ(wide.beats, 6);
+    EXPECT_EQ(wide.backSpaceExtra, 7);
+}
+
+TEST(StavioRecordStore, RefusesSizesAndVersionsItDoesNotKnow)
+{
+    Document doc = DocumentBuilder().Measures(1).Staff("Drums").Build();
+    EDataID key = Other(1, 0);
+    unsigned char buffer[128] = {};
+    struct Case {
+        EXTAG tag;
+        int32_t size;
+        EVERSION version;
+    };
+    const Case refused[] = {
+        {kTagMeasureSpec, 24, kV10},       // 24 bytes belong to 0x09xxxxxx only
+        {kTagMeasureSpec, 26, 0x09FFFFFF},  // 26 bytes from 0x0A000000 on
+        {kTagMeasureSpec, 25, kV10},
+        {kTagMeasureSpec, 24, 0x05000000},
+        {kTagStaffSpec, 102, 0x07FFFFFF},
+        {kTagStaffSpec, 66, kV8},
+        {kTagTextBlock, 26, kV8},
+        {kTagGfhold, 12, kV8},
+        {MakeTag('o', 't', 'Q', 'Z'), 14, kV10},
+        {MakeTag('Z', 'Z', 'Z', 'Z'), 12, kV10},
+    };
+    for (const Case& request : refused) {
+        int32_t size = request.size;
+        EXPECT_EQ(doc.LoadRecord(request.tag, &key, buffer, &size, request.version), 0)
+            << std::hex << request.tag << " " << request.size << " " << request.version;
+        EXPECT_EQ(doc.SaveRecord(request.tag, &key, buffer, request.size, request.version), 0);
+        EXPECT_EQ(doc.CreateRecord(request.tag, &key, buffer, request.size, request.version), 0);
+    }
+    int32_t size = 24;
+    EXPECT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, buffer, &size, kV9), 1) << "the right request still works";
+}
+
+TEST(StavioRecordStore, SizeQueryAnswersTheLayoutOfTheVersionOrNothingForAMissingRecord)
+{
+    Document doc = DocumentBuilder().Measures(1).Build();
+    EDataID key = Other(1, 0);
+    int32_t size = 0;
+    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kV9), 1);
+    EXPECT_EQ(size, 24);
+    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(size, 26);
+    key = Other(2, 0);
+    EXPECT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kV9), 0);
+}
+
+TEST(StavioRecordStore, VariableTextFillsOnlyUpToTheCallersSize)
+{
+    Document doc;
+    const int16_t block = AddTextBlock(doc, "Drum Set");
+    ASSERT_GT(block, 0);
+    EXPECT_EQ(TextBlockText(doc, block), "Drum Set");
+
+    EDataID blockKey = Other(static_cast<uint16_t>(block), 0);
+    EDTTextBlock2004 spec{};
+    int32_t size = sizeof(spec);
+    ASSERT_EQ(doc.LoadRecord(kTagTextBlock, &blockKey, &spec, &size, kV9), 1);
+    EDataID textKey{};
+    textKey.text.textnum = static_cast<uint16_t>(spec.textID);
+    size = 256;
+    ASSERT_EQ(doc.LoadRecord(kTagTextBody, &textKey, nullptr, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(size, 8);
+
+    char buffer[8];
+    std::memset(buffer, '#', sizeof(buffer));
+    size = 4;
+    ASSERT_EQ(doc.LoadRecord(kTagTextBody, &textKey, buffer, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(size, 4);
+    EXPECT_EQ(std::string(buffer, 8), "Drum####");
+}
+
+TEST(StavioRecordStore, CreateWithoutNumberTakesTheOneAfterTheHighest)
+{
+    Document doc;
+    EDTGeneric record = Words(1);
+    EDataID key = Other(kPickNumber, 0);
+    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    EXPECT_EQ(key.other.cmper, 1) << "an empty tag starts at 1";
+    key = Other(9, 0);
+    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    key = Other(5, 0);
+    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    key = Other(kPickNumber, 3);
+    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    EXPECT_EQ(key.other.cmper, 10);
+    EXPECT_EQ(key.other.inci, 0);
+    key = Other(9, 0);
+    EXPECT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 0) << "the key is taken";
+}
+
+TEST(StavioRecordStore, AppendedIncidencesFollowTheLastAndDeletionShiftsLaterOnesDown)
+{
+    Document doc;
+    for (int16_t value = 10; value <= 13; ++value) {
+        EDataID key = Other(4, -1);
+        EDTGeneric record = Words(value);
+        ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+        EXPECT_EQ(key.other.inci, value - 10);
+    }
+    EDataID neighbour = Other(5, 0);
+    EDTGeneric record = Words(50);
+    ASSERT_EQ(doc.SaveRecord(kOtherTag, &neighbour, &record, 12, kPluginApiVersion), 1);
+
+    EDataID doomed = Other(4, 1);
+    ASSERT_EQ(doc.DeleteRecord(kOtherTag, &doomed, kPluginApiVersion), 1);
+    EXPECT_EQ(FirstWordAt(doc, 4, 0), 10);
+    EXPECT_EQ(FirstWordAt(doc, 4, 1), 12);
+    EXPECT_EQ(FirstWordAt(doc, 4, 2), 13);
+    EXPECT_EQ(FirstWordAt(doc, 4, 3), -1);
+    EXPECT_EQ(FirstWordAt(doc, 5, 0), 50) << "another group does not move";
+    doomed = Other(4, 7);
+    EXPECT_EQ(doc.DeleteRecord(kOtherTag, &doomed, kPluginApiVersion), 0);
+    doomed = Other(4, -1);
+    EXPECT_EQ(doc.SaveRecord(kOtherTag, &doomed, &record, 12, kPluginApiVersion), 0) << "save never appends";
+}
+
+TEST(StavioRecordStore, NextAndPreviousWalkKeysInOrder)
+{
+    Document doc;
+    for (auto [cmper, inci] : {std::pair<uint16_t, int16_t>{3, 0}, {1, 1}, {1, 0}}) {
+        EDataID key = Other(cmper, inci);
+        EDTGeneric record = Words(static_cast<int16_t>(cmper * 10 + inci));
+        ASSERT_EQ(doc.SaveRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    }
+    EDataID key = Other(0, 0);
+    std::vector<int16_t> seen;
+    EDTGeneric record{};
+    int32_t size = sizeof(record);
+    while (doc.NextRecord(kOtherTag, &key, &record, &size, kPluginApiVersion) != 0) {
+        seen.push_back(record.words[0]);
+        EXPECT_EQ(record.words[0], key.other.cmper * 10 + key.other.inci) << "the key moves with the record";
+    }
+    EXPECT_EQ(seen, (std::vector<int16_t>{10, 11, 30}));
+
+    key = Other(3, 0);
+    ASSERT_EQ(doc.PreviousRecord(kOtherTag, &key, &record, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(key.other.cmper, 1);
+    EXPECT_EQ(key.other.inci, 1);
+    key = Other(1, 0);
+    EXPECT_EQ(doc.PreviousRecord(kOtherTag, &key, &record, &size, kPluginApiVersion), 0);
+    size = 10;
+    key = Other(0, 0);
+    EXPECT_EQ(doc.NextRecord(kOtherTag, &key, &record, &size, kPluginApiVersion), 0) << "wrong size refused";
+}
+
+TEST(StavioRecordStore, OlderStaffSpecIsTheFirst66BytesAndOlderTextBlockCarriesTheTextNumber)
+{
+    Document doc = DocumentBuilder().Measures(1).Staff("Bass", "B.").Build();
+    EDataID key = Other(1, 0);
+    EDTStaffSpec2003 spec{};
+    int32_t size = sizeof(spec);
+    ASSERT_EQ(doc.LoadRecord(kTagStaffSpec, &key, &spec, &size, kV8), 1);
+    spec.range[0] = 42;
+    ASSERT_EQ(doc.SaveRecord(kTagStaffSpec, &key, &spec, sizeof(spec), kV8), 1);
+
+    unsigned char older[66];
+    size = sizeof(older);
+    ASSERT_EQ(doc.LoadRecord(kTagStaffSpec, &key, older, &size, kV5), 1);
+    EXPECT_EQ(std::memcmp(older, &spec, 66), 0);
+    older[0] = 9;   // botBarlineOffset
+    ASSERT_EQ(doc.SaveRecord(kTagStaffSpec, &key, older, 66, kV5), 1);
+    size = sizeof(spec);
+    ASSERT_EQ(doc.LoadRecord(kTagStaffSpec, &key, &spec, &size, kV8), 1);
+    EXPECT_EQ(spec.botBarlineOffset, 9);
+    EXPECT_EQ(spec.range[0], 42) << "the older layout leaves the newer fields alone";
+
+    EDataID blockKey = Other(static_cast<uint16_t>(spec.fullName), 0);
+    int16_t oldBlock[24];
+    size = 48;
+    ASSERT_EQ(doc.LoadRecord(kTagTextBlock, &blockKey, oldBlock, &size, kV8), 1);
+    EDataID textKey{};
+    textKey.text.textnum = static_cast<uint16_t>(oldBlock[0]);
+    char name[16] = {};
+    size = sizeof(name);
+    ASSERT_EQ(doc.LoadRecord(kTagTextBody, &textKey, name, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(std::string(name, static_cast<size_t>(size)), "Bass");
+}
+
+TEST(StavioRecordStore, FrameDetailFillsTheCallersFrameArrayAndKeepsTheHostsNumbersOnSave)
+{
+    Document doc = DocumentBuilder().Measures(2).Staff("Drums").Build();
+    const int16_t hostFrames[kMaxLayers] = {7, 0, 3, 0};
+    ASSERT_TRUE(doc.SetFrameNumbers(1, 2, hostFrames));
+
+    EDataID key{};
+    key.detail = EDetailID{1, 2, 0};
+    int16_t frames[kMaxLayers] = {-1, -1, -1, -1};
+    EDTGfhold2004 hold{};
+    hold.frame = frames;
+    int32_t size = kGfhold2004Size;
+    ASSERT_EQ(doc.LoadRecord(kTagGfhold, &key, &hold, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(size, kGfhold2004Size);
+    EXPECT_EQ(std::vector<int16_t>(frames, frames + 4), (std::vector<int16_t>{7, 0, 3, 0}));
+
+    hold.clef = kPercussionClef;
+    frames[0] = 99;
+    ASSERT_EQ(doc.SaveRecord(kTagGfhold, &key, &hold, kGfhold2004Size, kPluginApiVersion), 1);
+    int16_t kept[kMaxLayers] = {};
+    ASSERT_TRUE(doc.FrameNumbers(1, 2, kept));
+    EXPECT_EQ(kept[0], 7);
+    hold = EDTGfhold2004{};   // no frame array: the clef alone
+    ASSERT_EQ(doc.LoadRecord(kTagGfhold, &key, &hold, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(hold.clef, kPercussionClef);
+}
+
+TEST(StavioRecordStore, CreatingAStaffSpecAddsAStaffToTheMainList)
+{
+    Document doc = DocumentBuilder().Measures(3).Staff("Piano").Staff("Bass").Build();
+    EDataID key = Other(kPickNumber, 0);
+    ASSERT_EQ(doc.CreateRecord(kTagStaffSpec, &key, nullptr, sizeof(EDTStaffSpec2003), kPluginApiVersion), 1);
+    EXPECT_EQ(key.other.cmper, 3);
+    EXPECT_EQ(doc.StaffCount(), 3);
+    EXPECT_EQ(doc.SlotToInst(3, 0), 3);
+
+    EDataID listKey = Other(0, 2);   // slot 3 of list 0
+    EDTInstrumentUsed entry{};
+    int32_t size = sizeof(entry);
+    ASSERT_EQ(doc.LoadRecord(kTagInstrumentUsed, &listKey, &entry, &size, kPluginApiVersion), 1);
+    EXPECT_EQ(entry.inst, 3);
+    EXPECT_EQ(int32_t{entry.separ}, -2 * kStaffSpacing);
+    int16_t frames[kMaxLayers];
+    EXPECT_TRUE(doc.FrameNumbers(3, 3, frames)) << "the new staff has a frame detail in every measure";
+}
+
+}  // namespace
+}  // namespace stavio

@@ -1,0 +1,131 @@
+// The host functions a plug-in calls about the score, reached through the table a plug-in's
+// main receives.
+#include "stavio/document_builder.h"
+#include "stavio/host.h"
+#include "tests/stavio/test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace stavio {
+namespace {
+
+class StavioScoreServices : public ::testing::Test {
+protected:
+    StavioScoreServices() : host_(HostSettings{HostPose::Newer, "", "/opt/stavio/Application"})
+    {
+        host_.SetDocument(DocumentBuilder()
+                              .Measures(8, 4, 1024)
+                              .TimeSignatureFrom(5, 6, 512)
+                              .Staff("Piano", "Pno.")
+                              .Staff("Drum Set", "Dr.")
+                              .Build());
+    }
+    const StavioFuncs& Table() const { return host_.FunctionTable(); }
+
+    Host host_;
+};
+
+TEST_F(StavioScoreServices, SlotsAndInstrumentsMapBothWaysAndAnswerZeroOutsideTheList)
+{
+    EXPECT_EQ(Table().SX_SlotToInst(1, 0, kPluginApiVersion), 1);
+    EXPECT_EQ(Table().SX_SlotToInst(2, 0, kPluginApiVersion), 2);
+    EXPECT_EQ(Table().SX_SlotToInst(3, 0, kPluginApiVersion), 0);
+    EXPECT_EQ(Table().SX_SlotToInst(0, 0, kPluginApiVersion), 0);
+    EXPECT_EQ(Table().SX_SlotToInst(1, 1, kPluginApiVersion), 0) << "list 1 is empty";
+    EXPECT_EQ(Table().SX_InstToSlot(2, 0, kPluginApiVersion), 2);
+    EXPECT_EQ(Table().SX_InstToSlot(9, 0, kPluginApiVersion), 0);
+
+    // Taking slot 1 out of the list moves the drum staff up to slot 1.
+    EDataID slot1{};
+    slot1.other = EOtherID{0, 0};
+    ASSERT_EQ(Table().SX_DeleteEData(kTagInstrumentUsed, &slot1, kPluginApiVersion), 1);
+    EXPECT_EQ(Table().SX_SlotToInst(1, 0, kPluginApiVersion), 2);
+    EXPECT_EQ(Table().SX_InstToSlot(1, 0, kPluginApiVersion), 0);
+}
+
+TEST_F(StavioScoreServices, MeasureDurationIsBeatsTimesDivbeat)
+{
+    EXPECT_EQ(Table().SX_GetMeasureDuration(0, 1, kPluginApiVersion), 4096);
+    EXPECT_EQ(Table().SX_GetMeasureDuration(0, 4, kPluginApiVersion), 4096);
+    EXPECT_EQ(Table().SX_GetMeasureDuration(0, 5, kPluginApiVersion), 3072);
+    EXPECT_EQ(Table().SX_GetMeasureDuration(0, 9, kPluginApiVersion), 0);
+    EXPECT_EQ(Table().SX_GetMeasureDuration(0, 0, kPluginApiVersion), 0);
+}
+
+TEST_F(StavioScoreServices, NoteToMidiCountsMajorScaleStepsFromMiddleC)
+{
+    struct Case {
+        int16_t tcd;
+        int16_t alteration;
+        int32_t key;
+    };
+    const Case cases[] = {{0, 0, 60},  {1, 0, 62},  {2, 0, 64},   {3, 0, 65},  {6, 0, 71},  {7, 0, 72},
+                          {3, 1, 66},  {6, -1, 70}, {-1, 0, 59},  {-3, 0, 55}, {-7, 0, 48}, {-8, 0, 47},
+                          {-10, 0, 43}, {-6, -1, 49}, {14, 0, 84}};
+    for (const Case& note : cases) {
+        EXNOTE n{};
+        n.tcd = note.tcd;
+        n.alteration = note.alteration;
+        EXPECT_EQ(Table().SX_NoteToMidi(&n, 0, kPluginApiVersion), note.key) << note.tcd << " " << note.alteration;
+        EXPECT_EQ(Table().SX_NoteToMidi(&n, 3, kPluginApiVersion), note.key) << "the key signature changes nothing";
+    }
+    EXPECT_EQ(Table().SX_NoteToMidi(nullptr, 0, kPluginApiVersion), -1);
+}
+
+TEST_F(StavioScoreServices, RegionsPathAndFixedAnswers)
+{
+    EREGION selection{};
+    EREGION document{};
+    EXPECT_EQ(Table().SX_GetCurERegions(&selection, &document, kPluginApiVersion), 0) << "nothing selected";
+    EXPECT_EQ(document.end.IUslot, 2);
+    EXPECT_EQ(document.end.meas, 8);
+    EXPECT_EQ(TIME_EDU{document.end.duraPos}, kEndOfMeasure);
+    EXPECT_EQ(document.start.meas, 1);
+
+    EFSSPEC folder{};
+    ASSERT_EQ(Table().SX_GetStavioPathMac(&folder, kPluginApiVersion), 1);
+    EXPECT_STREQ(folder.folder, "/opt/stavio");
+    EXPECT_STREQ(folder.name, "Application");
+    EXPECT_EQ(Table().SX_GetStavioPathMac(nullptr, kPluginApiVersion), 0);
+
+    EXPECT_EQ(Table().SX_GetMaxLayers(kPluginApiVersion), 4);
+    EXPECT_EQ(Table().SX_IsMachO(kPluginApiVersion), 1);
+    EXPECT_EQ(Table().SX_RedrawMusic(kPluginApiVersion), 1);
+    EXPECT_EQ(host_.RedrawCount(), 1);
+}
+
+TEST_F(StavioScoreServices, FunctionsNotOfferedYetAnswerFailureWithoutHarm)
+{
+    EXPECT_EQ(Table().SX_LoadQVF(0, 1, 1, 0, 0, kPluginApiVersion), nullptr);
+    EXPECT_EQ(Table().SX_ProcessMidiData(nullptr, kPluginApiVersion), -1);
+    char name[8] = "xxxxxxx";
+    EXPECT_EQ(Table().SX_FontNumToName(1, name, sizeof(name), kPluginApiVersion), 0);
+    EXPECT_STREQ(name, "");
+    EXPECT_EQ(Table().SX_GetDlgCntl(nullptr, 1, kPluginApiVersion), nullptr);
+    const auto untyped = reinterpret_cast<int32_t (*)()>(Table().SX_RebeamRegion);
+    EXPECT_EQ(untyped(), 0);
+    const auto unnamed = reinterpret_cast<int32_t (*)()>(Table().unnamedQuery62);
+    ASSERT_NE(unnamed, nullptr);
+}
+
+TEST(StavioFunctionTable, NewerPoseOffersEverySlotAndOlderPoseOnlyAnOlderHostsSlots)
+{
+    for (HostPose pose : {HostPose::Newer, HostPose::Older}) {
+        Host host(HostSettings{pose, "", ""});
+        const StavioFuncs& table = host.FunctionTable();
+        EXPECT_EQ(table.size, sizeof(StavioFuncs));
+        EXPECT_EQ(table.version, pose == HostPose::Newer ? kNewerHostVersion : kOlderHostVersion);
+        const auto* bytes = reinterpret_cast<const unsigned char*>(&table);
+        for (int slot = kFirstFunctionSlot; slot <= kLastFunctionSlot; ++slot) {
+            void* entry = nullptr;
+            std::memcpy(&entry, bytes + SlotOffset(slot), sizeof(entry));
+            const bool offered = pose == HostPose::Newer || slot <= 76;
+            EXPECT_EQ(entry != nullptr, offered) << "slot " << slot;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace stavio
