@@ -1,0 +1,222 @@
+// Dialogs built from layout resources found through the resource chain: items and their states,
+// controls, pop-up menus, ending, and the handles that travel through other interfaces.
+#include "toolbox/dialogs.h"
+
+#include "test_support.h"
+
+#include <gtest/gtest.h>
+
+using namespace toolbox;
+using toolbox_test::TempFolder;
+using toolbox_test::WriteText;
+
+namespace {
+
+constexpr int16_t kGrooveLayout = 20129;
+
+class ToolboxDialogs : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        WriteText(folder_ / "dialogs.rsrc",
+                  "resource 'DLOG' 20129 \"Groove\" {\n"
+                  "    title = \"Fill with Drum Groove\"\n"
+                  "    size = 420 300\n"
+                  "    item 1 = button 330 260 400 280 \"OK\"\n"
+                  "    item 2 = button 240 260 310 280 \"Cancel\"\n"
+                  "    item 4 = user 20 40 220 240\n"
+                  "    item 5 = static 20 16 220 32 \"Grooves:\"\n"
+                  "    item 6 = radio 240 40 400 58 \"Existing staff\"\n"
+                  "    item 9 = checkbox 240 100 400 118 \"Slashes\"\n"
+                  "    item 8 = popup 240 64 400 84 \"Staff:\"\n"
+                  "    item 3 = user 10 10 410 290\n"
+                  "}\n"
+                  "resource 'DLOG' 7 {\n"
+                  "    item 1 = button 10 10 50 30 \"Go\"\n"
+                  "    item 2 = static 10 40 90 70\n"
+                  "}\n");
+        ASSERT_GT(OpenResFile(FileSpec{folder_.Path(), "dialogs.rsrc"}, true), 0);
+        ASSERT_EQ(NewDialog(kGrooveLayout, dialog_), kNoErr);
+    }
+    void TearDown() override
+    {
+        DisposeAllDialogs();
+        CloseAllResFiles();
+    }
+
+    TempFolder folder_;
+    Dialog* dialog_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(ToolboxDialogs, AreBuiltFromTheLayoutResourceInTheChain)
+{
+    EXPECT_EQ(dialog_->LayoutId(), kGrooveLayout);
+    EXPECT_EQ(dialog_->Title(), "Fill with Drum Groove");
+    EXPECT_EQ(dialog_->ContentRect(), (DialogRect{0, 0, 420, 300}));
+    EXPECT_FALSE(dialog_->IsShown());
+    ASSERT_EQ(dialog_->Items().size(), 8u);
+    EXPECT_EQ(dialog_->Items()[6].Number(), 8);   // layout order, not number order
+    const DialogItem* ok = dialog_->Item(1);
+    ASSERT_NE(ok, nullptr);
+    EXPECT_EQ(ok->Kind(), DialogItemKind::kButton);
+    EXPECT_EQ(ok->Label(), "OK");
+    EXPECT_EQ(ok->Rect(), (DialogRect{330, 260, 400, 280}));
+    EXPECT_EQ(dialog_->Item(7), nullptr);
+    EXPECT_EQ(dialog_->Port().VisibleRegion(), dialog_->ContentRect());
+
+    // Without a size the content area is the items' extent.
+    Dialog* small = nullptr;
+    ASSERT_EQ(NewDialog(7, small), kNoErr);
+    EXPECT_EQ(small->ContentRect(), (DialogRect{0, 0, 90, 70}));
+}
+
+TEST_F(ToolboxDialogs, MissingOrBrokenLayoutsAreRefusedWithAReason)
+{
+    Dialog* dialog = reinterpret_cast<Dialog*>(this);
+    std::string problem;
+    EXPECT_EQ(NewDialog(999, dialog, &problem), kResourceNotFound);
+    EXPECT_EQ(dialog, nullptr);
+    EXPECT_EQ(problem, "dialog layout 'DLOG' 999: not found");
+
+    Resource broken;
+    broken.type = kDialogLayoutType;
+    broken.id = 30;
+    broken.strings = {"title = \"Broken\"", "item 1 = slider 0 0 10 10"};
+    ASSERT_EQ(AddResource(broken), kNoErr);
+    EXPECT_EQ(NewDialog(30, dialog, &problem), kBadResourceFile);
+    EXPECT_EQ(dialog, nullptr);
+    EXPECT_NE(problem.find("'DLOG' 30: line 2: unknown item kind 'slider'"), std::string::npos) << problem;
+    EXPECT_EQ(LiveDialogs().size(), 1u);
+}
+
+TEST_F(ToolboxDialogs, ControlValuesStayWithinTheirRange)
+{
+    EXPECT_EQ(dialog_->ItemValue(6), 0);
+    EXPECT_EQ(dialog_->SetItemValue(6, 1), kNoErr);
+    EXPECT_EQ(dialog_->ItemValue(6), 1);
+    EXPECT_EQ(dialog_->SetItemValue(9, 5), kNoErr);
+    EXPECT_EQ(dialog_->ItemValue(9), 1);
+    EXPECT_EQ(dialog_->SetItemValue(9, -3), kNoErr);
+    EXPECT_EQ(dialog_->ItemValue(9), 0);
+
+    DialogItem* popup = dialog_->Item(8);
+    EXPECT_EQ(popup->Value(), 1);
+    popup->SetMaximum(5);
+    popup->SetValue(4);
+    popup->SetMaximum(3);   // the value follows the range down
+    EXPECT_EQ(popup->Value(), 3);
+    popup->SetMinimum(7);   // a minimum above the maximum raises it
+    EXPECT_EQ(popup->Maximum(), 7);
+    EXPECT_EQ(popup->Value(), 7);
+    popup->SetMaximum(2);   // a maximum below the minimum lowers it
+    EXPECT_EQ(popup->Minimum(), 2);
+    EXPECT_EQ(popup->Value(), 2);
+
+    // User items and static text hold no value; missing items answer 0 and kParamErr.
+    EXPECT_EQ(dialog_->SetItemValue(4, 3), kItemNotControl);
+    EXPECT_EQ(dialog_->SetItemValue(5, 3), kItemNotControl);
+    dialog_->Item(4)->SetMaximum(10);
+    dialog_->Item(4)->SetValue(3);
+    EXPECT_EQ(dialog_->ItemValue(4), 0);
+    EXPECT_EQ(dialog_->SetItemValue(77, 1), kParamErr);
+    EXPECT_EQ(dialog_->ItemValue(77), 0);
+}
+
+TEST_F(ToolboxDialogs, ItemAsControlRefusesUserItemsStaticTextAndMissingItems)
+{
+    DialogItem* control = nullptr;
+    EXPECT_EQ(dialog_->ItemAsControl(8, control), kNoErr);
+    EXPECT_EQ(control, dialog_->Item(8));
+    EXPECT_EQ(LiveControl(static_cast<void*>(control)), control);
+    EXPECT_EQ(dialog_->ItemAsControl(4, control), kItemNotControl);
+    EXPECT_EQ(control, nullptr);
+    ASSERT_EQ(dialog_->ItemAsControl(1, control), kNoErr);
+    EXPECT_EQ(dialog_->ItemAsControl(5, control), kItemNotControl);
+    EXPECT_EQ(control, nullptr);
+    EXPECT_EQ(dialog_->ItemAsControl(0, control), kParamErr);
+    EXPECT_EQ(LiveControl(dialog_->Item(4)), nullptr);
+}
+
+TEST_F(ToolboxDialogs, EnablingShowingAndFindingItems)
+{
+    EXPECT_EQ(dialog_->FindItem(Point{350, 270}), 1);
+    EXPECT_EQ(dialog_->FindItem(Point{400, 270}), 3);   // right edges lie outside; item 3 lies behind
+    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 4);    // the first in layout order wins
+    EXPECT_EQ(dialog_->FindItem(Point{415, 295}), 0);
+
+    EXPECT_EQ(dialog_->EnableItem(1, false), kNoErr);
+    EXPECT_FALSE(dialog_->Item(1)->IsEnabled());
+    EXPECT_EQ(dialog_->FindItem(Point{350, 270}), 1);   // disabled items are found
+    EXPECT_EQ(dialog_->ShowItem(4, false), kNoErr);
+    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 3);    // hidden ones are not
+    EXPECT_EQ(dialog_->ShowItem(4, true), kNoErr);
+    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 4);
+    EXPECT_EQ(dialog_->EnableItem(99, true), kParamErr);
+    EXPECT_EQ(dialog_->ShowItem(99, true), kParamErr);
+
+    DialogRect rect;
+    EXPECT_EQ(dialog_->ItemRect(4, rect), kNoErr);
+    EXPECT_EQ(rect, (DialogRect{20, 40, 220, 240}));
+    EXPECT_EQ(dialog_->ItemRect(99, rect), kParamErr);
+}
+
+TEST_F(ToolboxDialogs, PopupMenusCollectEntriesAndWidenTheirRange)
+{
+    DialogItem* popup = dialog_->Item(8);
+    EXPECT_EQ(popup->AppendMenuEntry("Drums"), kNoErr);
+    EXPECT_EQ(popup->AppendMenuEntry("Bass"), kNoErr);
+    EXPECT_EQ(popup->AppendMenuEntry("Piano"), kNoErr);
+    EXPECT_EQ(popup->MenuEntryCount(), 3);
+    EXPECT_EQ(*popup->MenuEntryText(2), "Bass");
+    EXPECT_EQ(popup->MenuEntryText(0), nullptr);
+    EXPECT_EQ(popup->MenuEntryText(4), nullptr);
+    EXPECT_EQ(popup->Maximum(), 3);
+    popup->SetValue(3);
+    EXPECT_EQ(popup->Value(), 3);
+
+    // A range set wider by the program is not narrowed by appending.
+    popup->SetMaximum(10);
+    popup->AppendMenuEntry("Guitar");
+    EXPECT_EQ(popup->Maximum(), 10);
+    popup->ClearMenu();
+    EXPECT_EQ(popup->MenuEntryCount(), 0);
+    EXPECT_EQ(dialog_->Item(1)->AppendMenuEntry("nope"), kItemNotControl);
+}
+
+TEST_F(ToolboxDialogs, EndingIsFinalAndHandlesDieWithTheDialog)
+{
+    int flags = 0;
+    dialog_->SetUserData(&flags);
+    EXPECT_EQ(dialog_->UserData(), &flags);
+    dialog_->SetShown(true);
+    EXPECT_TRUE(dialog_->IsShown());
+
+    EXPECT_FALSE(dialog_->HasEnded());
+    dialog_->End(2);
+    dialog_->End(1);
+    EXPECT_TRUE(dialog_->HasEnded());
+    EXPECT_EQ(dialog_->Result(), 2);
+
+    void* handle = dialog_;
+    void* control = dialog_->Item(1);
+    EXPECT_EQ(LiveDialog(handle), dialog_);
+    EXPECT_EQ(LiveDialog(&flags), nullptr);
+    EXPECT_EQ(LiveDialog(nullptr), nullptr);
+    DisposeDialog(dialog_);
+    DisposeDialog(dialog_);   // a second time is ignored
+    EXPECT_EQ(LiveDialog(handle), nullptr);
+    EXPECT_EQ(LiveControl(control), nullptr);
+    EXPECT_TRUE(LiveDialogs().empty());
+}
+
+TEST(ToolboxMouseDownWords, CarryYAndModifiersBothWays)
+{
+    for (int y : {0, 1, 299, -5, 32767, -32768}) {
+        const intptr_t word = PackMouseDownWord(y, kShiftKey | kCommandKey);
+        EXPECT_EQ(MouseDownY(word), y);
+        EXPECT_EQ(MouseDownModifiers(word), kShiftKey | kCommandKey);
+    }
+    EXPECT_EQ(MouseDownModifiers(PackMouseDownWord(-1, kNoModifiers)), kNoModifiers);
+}

@@ -1,0 +1,265 @@
+// List controls: rows and cells, the selection rules of clicks, double clicks, scrolling and
+// hit testing, and when a list draws.
+#include "toolbox/dialogs.h"
+
+#include <gtest/gtest.h>
+
+using namespace toolbox;
+
+namespace {
+
+// A one-column list of rows "row 0", "row 1" ... in a view 100 wide and 5 rows (80 px) high at
+// (20, 40), with its vertical scroll bar from x = 120 to 135.
+class ToolboxLists : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        dialog_ = NewDialogFromLayout(DialogLayout{"Lists", 300, 300, {}});
+        ASSERT_NE(dialog_, nullptr);
+    }
+    void TearDown() override { DisposeAllDialogs(); }
+
+    ListControl* MakeList(int rows, bool singleSelection, int columns = 1)
+    {
+        ListSpec spec;
+        spec.view = DialogRect{20, 40, 120, 120};
+        spec.columns = columns;
+        spec.singleSelection = singleSelection;
+        ListControl* list = nullptr;
+        EXPECT_EQ(dialog_->NewList(spec, list), kNoErr);
+        list->AddRows(rows, 0);
+        for (int row = 0; row < rows; ++row) {
+            for (int column = 0; column < columns; ++column)
+                list->SetCellText(Cell{row, column}, "row " + std::to_string(row));
+        }
+        return list;
+    }
+
+    // The middle of a row as it is shown now.
+    static Point RowPoint(const ListControl& list, int row)
+    {
+        const DialogRect rect = list.CellRect(Cell{row, 0});
+        return Point{rect.left + 5, rect.top + 8};
+    }
+
+    static std::vector<int> SelectedRows(const ListControl& list)
+    {
+        std::vector<int> rows;
+        for (Cell cell{0, 0}; list.FindSelectedCell(cell); ++cell.row) {
+            rows.push_back(cell.row);
+            if (cell.row + 1 >= list.Rows())
+                break;
+        }
+        return rows;
+    }
+
+    Dialog* dialog_ = nullptr;
+};
+
+}  // namespace
+
+TEST_F(ToolboxLists, RowsAreAddedAndDeletedAroundTheirCells)
+{
+    ListControl* list = MakeList(3, true);
+    EXPECT_EQ(list->AddRows(2, 1), 1);     // before row 1
+    EXPECT_EQ(list->AddRows(1, 99), 5);    // past the end: appended
+    EXPECT_EQ(list->AddRows(-1, 0), -1);
+    EXPECT_EQ(list->Rows(), 6);
+    EXPECT_EQ(*list->CellText(Cell{0, 0}), "row 0");
+    EXPECT_EQ(*list->CellText(Cell{1, 0}), "");
+    EXPECT_EQ(*list->CellText(Cell{3, 0}), "row 1");
+    EXPECT_EQ(list->CellText(Cell{6, 0}), nullptr);
+    EXPECT_EQ(list->CellText(Cell{0, 1}), nullptr);
+    EXPECT_EQ(list->SetCellText(Cell{-1, 0}, "x"), kParamErr);
+
+    list->DeleteRows(10, 4);   // as many as there are
+    EXPECT_EQ(list->Rows(), 4);
+    list->DeleteRows(1, 4);    // past the end: nothing
+    EXPECT_EQ(list->Rows(), 4);
+    list->DeleteRows(0, 3);    // a count of 0 empties the list
+    EXPECT_EQ(list->Rows(), 0);
+
+    ListControl* refused = nullptr;
+    ListSpec noColumns;
+    noColumns.columns = 0;
+    EXPECT_EQ(dialog_->NewList(noColumns, refused), kParamErr);
+    EXPECT_EQ(refused, nullptr);
+}
+
+TEST_F(ToolboxLists, NextCellWalksRowByRowFromTheFirstCell)
+{
+    ListControl* list = MakeList(2, false, 3);
+    std::vector<std::pair<int, int>> visited;
+    Cell cell{0, 0};
+    do {
+        visited.emplace_back(cell.row, cell.column);
+    } while (list->NextCell(cell));
+    EXPECT_EQ(visited, (std::vector<std::pair<int, int>>{{0, 0}, {0, 1}, {0, 2}, {1, 0}, {1, 1}, {1, 2}}));
+    EXPECT_EQ(cell, (Cell{1, 2}));
+
+    list->SetSelected(Cell{1, 1}, true);
+    Cell from{0, 2};
+    ASSERT_TRUE(list->FindSelectedCell(from));
+    EXPECT_EQ(from, (Cell{1, 1}));
+    EXPECT_TRUE(list->FindSelectedCell(from));   // at the cell itself
+    from = Cell{1, 2};
+    EXPECT_FALSE(list->FindSelectedCell(from));
+    EXPECT_EQ(from, (Cell{1, 2}));
+}
+
+TEST_F(ToolboxLists, ClicksInASingleSelectionListSelectOneCellWhateverTheKeys)
+{
+    ListControl* list = MakeList(4, true);
+    EXPECT_EQ(list->LastClick(), kNoCell);
+    list->Click(RowPoint(*list, 1), kNoModifiers, 1000);
+    list->Click(RowPoint(*list, 3), kShiftKey, 5000);
+    EXPECT_EQ(SelectedRows(*list), std::vector<int>{3});
+    list->Click(RowPoint(*list, 2), kCommandKey, 9000);
+    EXPECT_EQ(SelectedRows(*list), std::vector<int>{2});
+    EXPECT_EQ(list->LastClick(), (Cell{2, 0}));
+    list->SetSelected(Cell{0, 0}, true);   // also when the program selects
+    EXPECT_EQ(SelectedRows(*list), std::vector<int>{0});
+}
+
+TEST_F(ToolboxLists, ShiftExtendsAndCommandTogglesInAMultiSelectionList)
+{
+    ListControl* list = MakeList(5, false);
+    list->Click(RowPoint(*list, 1), kNoModifiers, 1000);
+    list->Click(RowPoint(*list, 3), kShiftKey, 2000);
+    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 2, 3}));
+    list->Click(RowPoint(*list, 2), kCommandKey, 3000);
+    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 3}));
+    list->Click(RowPoint(*list, 4), kCommandKey, 4000);
+    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 3, 4}));
+    list->Click(RowPoint(*list, 0), kNoModifiers, 5000);
+    EXPECT_EQ(SelectedRows(*list), std::vector<int>{0});
+
+    // Below the last row: a plain click deselects everything, Shift keeps it.
+    MakeList(0, false);
+    ListControl* shortList = dialog_->Lists().back().get();
+    shortList->AddRows(2, 0);
+    shortList->SetSelected(Cell{1, 0}, true);
+    const Point empty{30, 110};
+    ASSERT_FALSE(shortList->CellAt(empty));
+    shortList->Click(empty, kShiftKey, 100);
+    EXPECT_TRUE(shortList->IsSelected(Cell{1, 0}));
+    shortList->Click(empty, kNoModifiers, 200);
+    EXPECT_FALSE(shortList->IsSelected(Cell{1, 0}));
+    EXPECT_EQ(shortList->LastClick(), kNoCell);
+}
+
+TEST_F(ToolboxLists, ASecondClickOnTheSameCellInTimeIsADoubleClick)
+{
+    SetDoubleClickInterval(400);
+    ListControl* list = MakeList(4, true);
+    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1000));
+    EXPECT_TRUE(list->Click(RowPoint(*list, 1), kNoModifiers, 1400));    // at the limit
+    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1500));   // a third starts over
+    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1901));   // too late
+    EXPECT_FALSE(list->Click(RowPoint(*list, 2), kNoModifiers, 2000));   // another cell
+    EXPECT_FALSE(list->Click(RowPoint(*list, 2), kNoModifiers, 1990));   // the clock went back
+    EXPECT_TRUE(list->Click(RowPoint(*list, 2), kNoModifiers, 2100));
+    EXPECT_EQ(list->LastClick(), (Cell{2, 0}));
+
+    // Rows moving under the cell break the pair.
+    list->Click(RowPoint(*list, 3), kNoModifiers, 3000);
+    list->AddRows(1, 0);
+    EXPECT_FALSE(list->Click(RowPoint(*list, 3), kNoModifiers, 3100));
+    SetDoubleClickInterval(500);
+}
+
+TEST_F(ToolboxLists, ScrollingMovesRowsUnderTheViewWithinLimits)
+{
+    ListControl* list = MakeList(12, true);
+    EXPECT_EQ(list->VisibleRows(), 5);
+    EXPECT_EQ(list->CellAt(Point{25, 40}), (Cell{0, 0}));
+    EXPECT_EQ(list->CellAt(Point{25, 119}), (Cell{4, 0}));
+    EXPECT_FALSE(list->CellAt(Point{120, 50}));   // the scroll bar is no cell
+    EXPECT_FALSE(list->CellAt(Point{25, 39}));
+
+    list->Scroll(0, 3);
+    EXPECT_EQ(list->TopRow(), 3);
+    EXPECT_EQ(list->CellAt(Point{25, 40}), (Cell{3, 0}));
+    EXPECT_EQ(list->CellRect(Cell{3, 0}), (DialogRect{20, 40, 120, 56}));
+    EXPECT_EQ(list->CellRect(Cell{0, 0}), (DialogRect{20, -8, 120, 8}));
+    list->Scroll(0, 100);
+    EXPECT_EQ(list->TopRow(), 7);   // the last row at the bottom
+    list->Scroll(5, -100);
+    EXPECT_EQ(list->TopRow(), 0);
+    EXPECT_EQ(list->LeftColumn(), 0);
+
+    // Deleting rows pulls the view back.
+    list->Scroll(0, 7);
+    list->DeleteRows(6, 6);
+    EXPECT_EQ(list->TopRow(), 1);
+    EXPECT_EQ(list->VisibleRows(), 5);
+
+    // A view that is not a whole number of rows high shows the last one in part.
+    list->Resize(100, 70);
+    EXPECT_EQ(list->View(), (DialogRect{20, 40, 120, 110}));
+    EXPECT_EQ(list->TopRow(), 1);
+    EXPECT_EQ(list->VisibleRows(), 5);
+    list->Scroll(0, 10);
+    EXPECT_EQ(list->TopRow(), 2);   // now four whole rows fill the view
+    EXPECT_EQ(list->VisibleRows(), 4);
+}
+
+TEST_F(ToolboxLists, AutoScrollShowsTheFirstSelectedCellAndScrollBarsScroll)
+{
+    ListControl* list = MakeList(20, true);
+    list->SetSelected(Cell{9, 0}, true);
+    list->AutoScroll();
+    EXPECT_EQ(list->TopRow(), 5);   // just far enough: row 9 at the bottom
+    list->SetSelected(Cell{2, 0}, true);
+    list->AutoScroll();
+    EXPECT_EQ(list->TopRow(), 2);
+    list->AutoScroll();
+    EXPECT_EQ(list->TopRow(), 2);
+
+    const DialogRect bar = *list->VerticalScrollBar();
+    EXPECT_EQ(bar, (DialogRect{120, 40, 135, 120}));
+    EXPECT_FALSE(list->Click(Point{125, 115}, kNoModifiers, 0));   // down arrow
+    EXPECT_EQ(list->TopRow(), 3);
+    list->Click(Point{125, 42}, kNoModifiers, 0);                  // up arrow
+    EXPECT_EQ(list->TopRow(), 2);
+    list->Click(Point{125, 100}, kNoModifiers, 0);                 // below the thumb: a page down
+    EXPECT_EQ(list->TopRow(), 7);
+    list->Click(Point{125, 56}, kNoModifiers, 0);                  // above it: a page up
+    EXPECT_EQ(list->TopRow(), 2);
+    EXPECT_EQ(SelectedRows(*list), std::vector<int>{2});
+    EXPECT_FALSE(list->HorizontalScrollBar());
+    EXPECT_EQ(list->Bounds(), (DialogRect{20, 40, 135, 120}));
+}
+
+TEST_F(ToolboxLists, DrawingOffDefersTheDrawingToTheNextUpdate)
+{
+    ListControl* list = MakeList(0, true);
+    const int drawnBefore = list->DrawCount();
+    list->SetDrawing(false);
+    list->AddRows(3, 0);
+    list->SetCellText(Cell{0, 0}, "Rock");
+    list->SetSelected(Cell{0, 0}, true);
+    EXPECT_EQ(list->DrawCount(), drawnBefore);
+    EXPECT_TRUE(list->NeedsUpdate());
+
+    list->Update(DialogRect{0, 0, 10, 10});   // elsewhere: nothing to draw
+    EXPECT_TRUE(list->NeedsUpdate());
+    list->Update(dialog_->ContentRect());
+    EXPECT_EQ(list->DrawCount(), drawnBefore + 1);
+    EXPECT_FALSE(list->NeedsUpdate());
+    ASSERT_EQ(list->LastDrawn().cells.size(), 3u);
+    EXPECT_EQ(list->LastDrawn().cells[0].text, "Rock");
+    EXPECT_TRUE(list->LastDrawn().cells[0].selected);
+    EXPECT_EQ(list->LastDrawn().cells[2].rect, (DialogRect{20, 72, 120, 88}));
+
+    list->SetDrawing(true);
+    list->Activate(false);
+    EXPECT_EQ(list->DrawCount(), drawnBefore + 2);
+    EXPECT_FALSE(list->LastDrawn().active);
+    list->Activate(false);   // no change, no drawing
+    EXPECT_EQ(list->DrawCount(), drawnBefore + 2);
+
+    dialog_->DisposeList(list);
+    EXPECT_FALSE(dialog_->OwnsList(list));
+    EXPECT_TRUE(dialog_->Lists().empty());
+}
