@@ -40,15 +40,35 @@ int32_t SX_GetStavioPathMac(EFSSPEC* folder, EVERSION version = kPluginApiVersio
 int32_t SX_KillTimer(EDLG dialog, int32_t timerId, EVERSION version);                   // nothing
 int32_t SX_GetCurERegions(EREGION* selection, EREGION* document, EVERSION version = kPluginApiVersion);
 int32_t SX_RedrawMusic(EVERSION version = kPluginApiVersion);
+// Document and window calls of newer hosts that the groove command does not need; each answers
+// 0 (or does nothing) on a host without the slot.
+int32_t SX_SetCurERegionMac(const EREGION* region, EVERSION version = kPluginApiVersion);
+int32_t SX_GetCurrentOrmegaDocument(EVERSION version = kPluginApiVersion);
+int32_t SX_SetCurrentOrmegaDocument(int32_t document, EVERSION version = kPluginApiVersion);
+int32_t SX_GetNextOrmegaDocument(int32_t document, EVERSION version = kPluginApiVersion);
+int32_t SX_GetDocumentPathMac(EFSSPEC* file, EVERSION version = kPluginApiVersion);
+int32_t SX_RebuildMenuSystem(EVERSION version = kPluginApiVersion);
+int32_t SX_EnableBusyDetection(int32_t enable, EVERSION version = kPluginApiVersion);
+int32_t SX_IsOrmegaDocumentDirty(EVERSION version = kPluginApiVersion);
+int32_t SX_DeleteMidiExpressions(const EREGION* region, EVERSION version = kPluginApiVersion);
+int32_t SX_DeleteTempoRecords(const EREGION* region, EVERSION version = kPluginApiVersion);
+int32_t SX_GetWindowCount(EVERSION version = kPluginApiVersion);
+int32_t SX_GetCurrentWindow(EVERSION version = kPluginApiVersion);
+int32_t SX_CloseCurrentDocumentWindow(EVERSION version = kPluginApiVersion);
 
 // ---- Edit brackets -------------------------------------------------------------------------------
+// Start always counts, even when the host cannot open a bracket; End and Cancel never take the
+// depth below 0, and an End without a Start answers 1 without reaching the host.
 int32_t SX_StartStavioEdit(const char* undoName, EVERSION version = kPluginApiVersion);
 int32_t SX_EndStavioEdit(EVERSION version = kPluginApiVersion);
 void SX_CancelStavioEdit(EVERSION version = kPluginApiVersion);
 
-// ---- Version-gated with a toolbox fallback -------------------------------------------------------
+// ---- Version-gated with a platform fallback: the host is asked only when the caller's version is
+// above 0x0b01ffff and the slot (read once, on the first call) is filled -------------------------------------------------------
 int32_t SX_ShowHideDlgItem(EDLG dialog, int32_t item, int32_t show, EVERSION version);
 ECONTROL SX_GetDlgCntl(EDLG dialog, int32_t item, EVERSION version);
 
 // ---- Missing API told to the user ----------------------------------------------------------------
+// Tells the user when the host has no chord analysis and answers 0. The version passed on is at
+// least 0x0b000000.
 int32_t SX_AnalyzeChord(const EREGION* region, char* result, int32_t capacity, EVERSION version);

@@ -24,7 +24,7 @@ struct FolderItem {
 };
 
 // Makes a specification from a folder and a name (the name may not contain '/'). The item need
-// not exist: kNoErr when the folder exists, kDirNotFound when it does not (the specification is
+// not exist: kNoErr when the folder exists, kDirNotFound when it does not (the file spec is
 // filled all the same), kBadName for an empty name, ".", ".." or a name with '/'.
 OSErr MakeFileSpec(const std::string& folder, const std::string& name, FileSpec& spec);
 // Splits a path at its last '/' ("name" alone gives an empty folder, the current one).

@@ -1,0 +1,142 @@
+// The real bundle, loaded by the reference host on both table paths and driven only through
+// what the module exports.
+#include "tests/plugin/plugin_test_support.h"
+#include "toolbox/resources.h"
+
+#include <dlfcn.h>
+#include <gtest/gtest.h>
+
+using stavio::HostPose;
+
+namespace stavio {
+void PrintTo(HostPose pose, std::ostream* out)
+{
+    *out << (pose == HostPose::Older ? "older host" : "newer host");
+}
+}  // namespace stavio
+
+namespace {
+
+std::string MenuText(size_t entry)
+{
+    toolbox::ResourceFile file;
+    std::string error;
+    EXPECT_TRUE(toolbox::LoadResourceFile(plugin_test::BundleResourcePath(), file, error)) << error;
+    const toolbox::Resource* list = file.Find(toolbox::kStringListType, 20000);
+    return list != nullptr ? list->strings.at(entry - 1).substr(0, 63) : "";
+}
+
+EREGION Region(uint16_t meas, TIME_EDU startPos)
+{
+    return EREGION{EMUSICPOINT{0, 1, meas, startPos}, EMUSICPOINT{0, 2, meas, kEndOfMeasure}};
+}
+
+class BundleInHost : public ::testing::TestWithParam<HostPose> {
+protected:
+    void SetUp() override
+    {
+        host_.SetDocument(stavio::DocumentBuilder().Measures(4).Staff("Drum Set").Staff("Piano").Build());
+        ASSERT_TRUE(host_.LoadBundle(plugin_test::BundlePath())) << host_.Failures().back().reason;
+    }
+    void TearDown() override
+    {
+        host_.UnloadPlugins();
+        toolbox::CloseAllResFiles();
+    }
+    std::vector<int32_t> AskedQuestions() const
+    {
+        std::vector<int32_t> ids;
+        for (const auto& alert : frontEnd_.Alerts()) {
+            EXPECT_EQ(alert.request.style, kAlertQuestion);
+            ids.push_back(alert.request.stringId);
+        }
+        return ids;
+    }
+
+    stavio::ScriptedFrontEnd frontEnd_;
+    stavio::Host host_{stavio::HostSettings{GetParam(), "", ""}, &frontEnd_};
+};
+
+}  // namespace
+
+TEST_P(BundleInHost, EnumeratesItsCommandFromItsResources)
+{
+    ASSERT_EQ(host_.Plugins().size(), 1u);
+    const stavio::PluginInfo& plugin = host_.Plugins()[0];
+    EXPECT_EQ(plugin.interfaceVersion, 0x09000000u);
+    EXPECT_EQ(plugin.initFlags, 0u);
+    EXPECT_EQ(plugin.MenuItem(), MenuText(1));
+    EXPECT_EQ(plugin.StatusText(), MenuText(2));
+    EXPECT_EQ(plugin.UndoText(), MenuText(3));
+    EXPECT_EQ(host_.MenuStatus(0), 1);
+}
+
+TEST_P(BundleInHost, SelectionQuestionsDecideWhetherTheDialogOpens)
+{
+    frontEnd_.AddAnswer(kAlertAnswerNo);
+    EXPECT_EQ(host_.Invoke(0, nullptr), 0);
+    EXPECT_TRUE(host_.DialogRequests().empty());
+    frontEnd_.AddAnswer(kAlertAnswerYes);
+    EXPECT_EQ(host_.Invoke(0, nullptr), 0);
+    EXPECT_EQ(host_.DialogRequests().size(), 1u);
+
+    const EREGION fromBeatTwo = Region(2, 1024);
+    frontEnd_.AddAnswer(kAlertAnswerNo);
+    EXPECT_EQ(host_.Invoke(0, &fromBeatTwo), 0);
+    EXPECT_EQ(host_.DialogRequests().size(), 1u);
+    frontEnd_.AddAnswer(kAlertAnswerYes);
+    EXPECT_EQ(host_.Invoke(0, &fromBeatTwo), 0);
+    EXPECT_EQ(host_.DialogRequests().size(), 2u);
+    EXPECT_EQ(AskedQuestions(), (std::vector<int32_t>{0x4E210001, 0x4E210001, 0x4E21000B, 0x4E21000B}));
+    EXPECT_NE(frontEnd_.Alerts()[0].request.text.find('?'), std::string::npos);   // the bundle's own text
+}
+
+// The host resolves the handler for its pose: the first word of a transition vector on the
+// older path, the pointer itself on the newer one. Either way it must be the plug-in's code.
+TEST_P(BundleInHost, WholeMeasuresOpenTheGrooveDialogWithTheHandlerInTheHostsForm)
+{
+    const EREGION selection = Region(1, 0);
+    EXPECT_EQ(host_.Invoke(0, &selection), 0);
+    EXPECT_TRUE(frontEnd_.Alerts().empty());
+    ASSERT_EQ(host_.DialogRequests().size(), 1u);
+    const stavio::DialogRequest& dialog = host_.DialogRequests()[0];
+    EXPECT_EQ(dialog.dialogId, 20129);
+    EXPECT_EQ(dialog.modal, 1);
+    Dl_info info{};
+    ASSERT_NE(dladdr(reinterpret_cast<const void*>(dialog.handler), &info), 0);
+    EXPECT_EQ(std::string(info.dli_fname), host_.Plugins()[0].modulePath);
+    EXPECT_EQ(dialog.handler(nullptr, kDlgMsgInit, 0, 0, dialog.flags), 0);
+}
+
+INSTANTIATE_TEST_SUITE_P(PluginBundle, BundleInHost, ::testing::Values(HostPose::Older, HostPose::Newer),
+                         [](const auto& info) { return info.param == HostPose::Older ? "CopyPath" : "NamePath"; });
+
+TEST(PluginBundleMain, ReplyCarriesEntryPointsOnlyOnTheCopyPath)
+{
+    const std::string module = plugin_test::BundlePath() + "/libtamberlyne.so";
+    void* handle = dlopen(module.c_str(), RTLD_NOW | RTLD_LOCAL);
+    ASSERT_NE(handle, nullptr) << dlerror();
+    auto mainEntry = reinterpret_cast<SXMainEntry>(dlsym(handle, "main"));
+    ASSERT_NE(mainEntry, nullptr);
+    for (HostPose pose : {HostPose::Older, HostPose::Newer}) {
+        stavio::Host host(stavio::HostSettings{pose, "", ""});
+        StavioFuncs table = host.FunctionTable();
+        SXPluginFuncs reply{};
+        ASSERT_EQ(mainEntry(&table, &reply), 1);
+        EXPECT_EQ(reply.size, 32u);
+        EXPECT_EQ(reply.version, 0x0c000000u);
+        const bool copyPath = pose == HostPose::Older;
+        const std::pair<const void*, const char*> entries[] = {
+            {reinterpret_cast<const void*>(reply.fpGetversion), "Ext_getversion"},
+            {reinterpret_cast<const void*>(reply.fpInit), "Ext_init"},
+            {reinterpret_cast<const void*>(reply.fpEnumerate), "Ext_enumerate"},
+            {reinterpret_cast<const void*>(reply.fpInvoke), "Ext_invoke"},
+            {reinterpret_cast<const void*>(reply.fpTerminate), "Ext_terminate"},
+            {reinterpret_cast<const void*>(reply.fpGetMenuStatus), "Ext_getmenustatus"},
+        };
+        for (const auto& [address, name] : entries) {
+            EXPECT_EQ(address, copyPath ? dlsym(handle, name) : nullptr) << name;
+        }
+    }
+    dlclose(handle);
+}
