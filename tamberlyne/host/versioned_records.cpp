@@ -51,7 +51,8 @@ bool AllZero(const unsigned char* bytes, size_t count)
 bool LoadPreZeroed(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version, int32_t zeroSize,
                    int32_t& result)
 {
-    const size_t count = static_cast<size_t>(std::clamp(size != nullptr ? *size : 0, 0, zeroSize));
+    const int32_t wanted = size != nullptr ? *size : 0;
+    const size_t count = wanted > 0 ? static_cast<size_t>(std::min(wanted, zeroSize)) : 0;
     std::memset(buffer, 0, count);
     if (HostLoad(tag, key, buffer, size, version) != 0) {
         return false;
