@@ -1,7 +1,8 @@
 # Two commands do everything on a fresh Debian machine:
 #   make demo   installs what is missing, builds, and runs the main job on the bundled defaults
-#   make test   installs what is missing, builds with the sanitizers, and runs every test
-# Both are thin layers over CMake; the build trees are build/ and build-test/.
+#   make test   installs what is missing, builds with the sanitizers, and runs every test,
+#               then fuzzes the MIDI cleaner for a bounded time (make fuzz)
+# Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
                    libbenchmark-dev
@@ -9,6 +10,7 @@ BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
 JOBS ?= $(shell nproc)
+FUZZ_SECONDS ?= 60
 
 .PHONY: all deps build demo test unit-tests fuzz bench clean
 
@@ -35,7 +37,20 @@ unit-tests: deps
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	ctest --test-dir $(TEST_BUILD) --output-on-failure -j $(JOBS)
 
-test: unit-tests
+# The optimised build is built too: its warnings differ from the sanitizer build's.
+test: unit-tests build
+	$(MAKE) --no-print-directory fuzz
+
+# The MIDI cleaner under libFuzzer (clang, own tree): seeds are the hand-made broken files of
+# fuzz/corpus and the groove library; new inputs collect in $(FUZZ_BUILD)/corpus. Any crash,
+# sanitizer report, leak, timeout or memory blow-up fails the target (kept in $(FUZZ_BUILD)/findings).
+fuzz: deps
+	cmake -S . -B $(FUZZ_BUILD) -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DTAMBERLYNE_FUZZ=ON -DTAMBERLYNE_TESTS=OFF
+	cmake --build $(FUZZ_BUILD) --target midi_fuzzer -j $(JOBS)
+	mkdir -p $(FUZZ_BUILD)/corpus $(FUZZ_BUILD)/findings
+	$(FUZZ_BUILD)/bin/midi_fuzzer -max_total_time=$(FUZZ_SECONDS) -timeout=10 -rss_limit_mb=2048 -max_len=16384 \
+	  -print_final_stats=1 -artifact_prefix=$(FUZZ_BUILD)/findings/ \
+	  $(FUZZ_BUILD)/corpus fuzz/corpus grooves/Tamberlyne
 
 bench: deps
 	cmake -S . -B $(BUILD) -G Ninja -DTAMBERLYNE_TESTS=OFF -DTAMBERLYNE_BENCH=ON

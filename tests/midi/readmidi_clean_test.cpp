@@ -1,0 +1,166 @@
+// The cleaner's passes, the meter check, hostile files, and equality with the byte-moving
+// reference on random valid files.
+#include <filesystem>
+
+#include "midi_test_support.h"
+
+namespace {
+Bytes Note(uint8_t status, uint8_t key, uint8_t delta = 0x00)
+{
+    return {delta, status, key, 0x64};
+}
+const Bytes kTempoTrack = Concat({{0x00, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20}, kEndOfTrack});
+
+class MidiCleaner : public MidiTest {};
+
+TEST_F(MidiCleaner, NonDrumTracksAreCutAndTheCountPatched)
+{
+    const Bytes piano = Concat({{0x00, 0xC0, 0x00}, Note(0x90, 60), Note(0x80, 60, 0x60), kEndOfTrack});
+    const Bytes drums = Concat({Note(0x99, 36), Note(0x99, 42, 0x60), kEndOfTrack});
+    const CleanOutcome out = Clean(Smf(1, 480, {kTempoTrack, piano, drums}));
+    ASSERT_TRUE(out.result);
+    EXPECT_TRUE(out.foundDrums);
+    EXPECT_FALSE(out.remapped);
+    EXPECT_EQ(out.image, Smf(1, 480, {kTempoTrack, drums}));
+    EXPECT_EQ(out.tpq, 480);
+    EXPECT_EQ(out.lastBar, 1);
+    EXPECT_EQ(out.lastTickInBar, 96);
+    EXPECT_EQ(out.meter.TPM, 1920);
+    EXPECT_TRUE(Alerts().empty());
+}
+
+TEST_F(MidiCleaner, HighKeysAreMovedInASecondPass)
+{
+    const Bytes drums = Concat({Note(0x99, 36), Note(0x99, 38), Note(0x99, 62), Note(0x89, 62, 0x30), kEndOfTrack});
+    const CleanOutcome out = Clean(Smf(1, 480, {kTempoTrack, drums}));
+    ASSERT_TRUE(out.result);
+    EXPECT_TRUE(out.remapped);
+    EXPECT_EQ(out.reverseMap[37], 62);
+    const SmfListing listing = ListSmf(out.image);
+    ASSERT_EQ(listing.tracks.size(), 2u);
+    EXPECT_EQ(listing.tracks[1][2].data1, 37);
+    EXPECT_EQ(listing.tracks[1][3].data1, 37);
+}
+
+TEST_F(MidiCleaner, FormatZeroNeutralisedMessagesCountAsKeyZeroInPassTwo)
+{
+    const Bytes track = Concat({{0x00, 0xC1, 0x20}, Note(0x91, 40), Note(0x99, 36), Note(0x99, 64), kEndOfTrack});
+    const CleanOutcome out = Clean(Smf(0, 96, {track}));
+    ASSERT_TRUE(out.result);
+    EXPECT_TRUE(out.remapped);
+    EXPECT_EQ(out.reverseMap[1], 64);   // the search starts above key 0, not above 36
+    const SmfListing listing = ListSmf(out.image);
+    ASSERT_EQ(listing.tracks.size(), 1u);
+    for (const SmfEvent& ev : listing.tracks[0])
+        if (ev.status != 0xFF) {
+                    EXPECT_EQ(ev.Channel(), 10);
+                }
+    EXPECT_EQ(listing.tracks[0][3].data1, 1);
+}
+
+TEST_F(MidiCleaner, OnlyTheFirstDrumTrackIsKept)
+{
+    const Bytes first = Concat({Note(0x99, 36), Note(0x89, 36, 0x60), kEndOfTrack});
+    const Bytes second = Concat({Note(0x99, 38, 0x70), Note(0x99, 38, 0x7F), kEndOfTrack});
+    const CleanOutcome out = Clean(Smf(1, 480, {kTempoTrack, first, second}));
+    ASSERT_TRUE(out.result);
+    EXPECT_EQ(out.image, Smf(1, 480, {kTempoTrack, first}));
+    EXPECT_EQ(out.lastBar, 1);
+    EXPECT_EQ(out.lastTickInBar, 96);
+}
+
+TEST_F(MidiCleaner, BadTrackStopsThePassWithEarlierTracksCleaned)
+{
+    const Bytes piano = Concat({Note(0x90, 60), kEndOfTrack});
+    const Bytes file = Concat({Smf(1, 480, {piano}, 2), Chunk("XTrk", kEndOfTrack)});
+    const CleanOutcome out = Clean(file);
+    EXPECT_FALSE(out.result);
+    EXPECT_EQ(Alerts(), std::vector<std::string>{"Invalid track chunk ID"});
+    EXPECT_EQ(out.image[23], 0x89);
+}
+
+TEST_F(MidiCleaner, MeterCheckWarnsOncePerFlag)
+{
+    ReaderHarness h(Smf(1, 480, {kEndOfTrack}));
+    h.reader.TPQ = 480;
+    EDTMeasureSpec measure{};
+    measure.beats = 3;
+    measure.divbeat = 1024;
+    bool reported = false;
+    h.reader.CheckTimeSignature(measure, reported, 3, 480, 1);
+    EXPECT_TRUE(Alerts().empty());
+    measure.beats = 4;
+    h.reader.CheckTimeSignature(measure, reported, 3, 480, 1);
+    h.reader.CheckTimeSignature(measure, reported, 3, 480, 1);
+    EXPECT_TRUE(reported);
+    EXPECT_EQ(Alerts(), std::vector<std::string>{"Time signature mismatch."});
+    reported = false;
+    measure.auxflag = 0x40;
+    h.reader.CheckTimeSignature(measure, reported, 3, 480, 1);
+    EXPECT_FALSE(reported);
+}
+
+// Malformed files: messages and a false result at worst, never a step outside the block
+// (the sanitizers watch), a hang or an overflow.
+TEST_F(MidiCleaner, HostileFilesAreSurvived)
+{
+    // The hand-made broken seeds of the fuzzer, then random damage to valid files.
+    for (const auto& entry : std::filesystem::directory_iterator(SourceDir() + "/fuzz/corpus")) {
+        const Bytes file = ReadFileBytes(entry.path().string());
+        Alerts().clear();
+        EXPECT_LE(Clean(file).image.size(), 2 * file.size()) << entry.path();
+        EXPECT_LE(Alerts().size(), 64u);   // a file of many broken tracks still shows a bounded few
+    }
+    std::mt19937 rng(11);
+    for (int i = 0; i < 300; ++i) {
+        Bytes file = RandomValidFile(rng);
+        for (int flips = 1 + int(rng() % 8); flips > 0; --flips) file[rng() % file.size()] = uint8_t(rng());
+        file.resize(1 + rng() % file.size());
+        Clean(file);
+    }
+}
+
+TEST_F(MidiCleaner, FullBlockFailsTheConversionInsteadOfOverflowing)
+{
+    const Bytes file = Smf(1, 480, {Concat({{0x00, 0xC0, 0x05, 0x00, 0xC0, 0x06}, Note(0x99, 36), kEndOfTrack})});
+    const CleanOutcome out = Clean(file, int32_t(file.size() + 1));
+    EXPECT_FALSE(out.result);
+    EXPECT_EQ(out.image.size(), file.size() + 1);
+}
+
+TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnRandomValidFiles)
+{
+    std::mt19937 rng(2024);
+    int secondPasses = 0;
+    for (int i = 0; i < 400; ++i) {
+        const Bytes file = RandomValidFile(rng);
+        const CleanOutcome fast = Clean(file);
+        const CleanOutcome slow = CleanByMovingBytes(file);
+        ASSERT_EQ(fast.image, slow.image) << "file " << i;
+        ASSERT_EQ(fast.result, slow.result);
+        ASSERT_EQ(fast.foundDrums, slow.foundDrums);
+        ASSERT_EQ(fast.remapped, slow.remapped);
+        ASSERT_EQ(fast.reverseMap, slow.reverseMap);
+        ASSERT_EQ(std::make_pair(fast.lastBar, fast.lastTickInBar), std::make_pair(slow.lastBar, slow.lastTickInBar));
+        secondPasses += fast.remapped;
+    }
+    EXPECT_GT(secondPasses, 50);
+}
+
+// Thousands of one-data-byte messages, each growing the kept track by a byte, both passes.
+TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnAManyInsertionFile)
+{
+    Bytes track;
+    for (int m = 0; m < 3000; ++m) {
+        const Bytes part = Concat({{0x00, uint8_t(m % 2 ? 0xC3 : 0xD5), uint8_t(m % 128)}, Note(0x99, 36, 0x10),
+                                   Note(0x99, uint8_t(m % 3 ? 38 : 63), 0x10), {0x05, 0x3E, 0x00}});
+        track.insert(track.end(), part.begin(), part.end());
+    }
+    const Bytes file = Smf(0, 480, {Concat({track, kEndOfTrack})});
+    const CleanOutcome fast = Clean(file);
+    ASSERT_TRUE(fast.result);
+    EXPECT_TRUE(fast.remapped);
+    EXPECT_EQ(fast.image.size(), file.size() + 3000);
+    EXPECT_EQ(fast.image, CleanByMovingBytes(file).image);
+}
+}  // namespace

@@ -1,0 +1,235 @@
+// Header validation, track walking, event records and the in-place edits of one track.
+#include "midi_test_support.h"
+
+namespace {
+using Alerts_ = std::vector<std::string>;
+const Bytes kTempo120 = {0x00, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20};
+
+struct HeaderCase {
+    Bytes file;
+    bool accepted;
+    Alerts_ alerts;
+};
+
+class MidiHeader : public MidiTest {};
+
+TEST_F(MidiHeader, EachProblemHasItsMessage)
+{
+    const Bytes track = Chunk("MTrk", kEndOfTrack);
+    const std::vector<HeaderCase> cases = {
+        {Concat({Chunk("MThx", {0, 1, 0, 1, 1, 0xE0}), track}), false, {"Invalid header chunk ID"}},
+        {Concat({Chunk("MThd", {0, 1, 0, 1, 1}), track}), false, {"Invalid header chunk length"}},
+        {Concat({Chunk("MThd", {0, 1, 0, 1, 1, 0xE0, 9, 9}), track}), true,
+         {"Header longer than version defined in Midi Specs 1.0 - additinal bytes ignored."}},
+        {Smf(3, 480, {kEndOfTrack}), false, {"Invalid format ID"}},
+        {Smf(1, 480, {}, 0), false, {"No tracks in file"}},
+        {Smf(2, 480, {kEndOfTrack, kEndOfTrack, kEndOfTrack}), true, {"Only track 1 will be read from a format 2 file."}},
+        {Smf(0, 480, {kEndOfTrack, kEndOfTrack}), false, {"Number of tracks should be 1 for format 0 files"}},
+        {Smf(1, 480, {kEndOfTrack, kEndOfTrack}), true, {}},
+    };
+    for (const HeaderCase& c : cases) {
+        Alerts().clear();
+        ReaderHarness h(c.file);
+        h.reader.InitVariables();
+        EXPECT_EQ(h.reader.ReadHeader(), c.accepted) << ::testing::PrintToString(c.alerts);
+        EXPECT_EQ(Alerts(), c.alerts);
+        const int32_t headerEnd = int32_t(c.file.size()) - h.reader.TrkCount * 12;
+        if (c.accepted) {
+            EXPECT_EQ(h.reader.inptr, headerEnd);
+        }
+    }
+    Alerts().clear();
+    ReaderHarness cut(Bytes{'M', 'T'});   // six bytes missing: one alert each
+    EXPECT_FALSE(cut.reader.ReadHeader());
+    Alerts_ expected(6, "Parsing error - trying to read beyond EOF.");
+    expected.push_back("Invalid header chunk ID");
+    EXPECT_EQ(Alerts(), expected);
+}
+
+TEST_F(MidiHeader, PlainHeaderSetsTheDefaultMeter)
+{
+    ReaderHarness h(Smf(1, 480, {kEndOfTrack, kEndOfTrack}));
+    h.reader.InitVariables();
+    ASSERT_TRUE(h.reader.ReadHeader());
+    EXPECT_EQ(h.reader.TPQ, 480);
+    EXPECT_EQ(h.reader.TrkCountIdx, 10);
+    const LEventRec& meter = h.reader.InitialMeterEvent;
+    EXPECT_EQ(meter.TPB, 480);
+    EXPECT_EQ(meter.TPM, 1920);
+    EXPECT_EQ(meter.BPM, 4);
+    EXPECT_EQ(meter.Denominator, 4);
+    EXPECT_EQ(h.reader.InitialTempoEvent.MicsPerBeat, 1000000);
+}
+
+TEST_F(MidiHeader, TimeCodeDivisionTakesTheUpperByteAsItStands)
+{
+    ReaderHarness h(Smf(1, 0xE728, {kEndOfTrack}));
+    h.reader.InitVariables();
+    ASSERT_TRUE(h.reader.ReadHeader());
+    EXPECT_EQ(h.reader.TPQ, 40 * 231);
+    EXPECT_EQ(Alerts(), Alerts_{"Unusual number of frames per second"});
+}
+
+// Runs LoadTrack over a format 1 file whose first track has `body`.
+struct TrackRun {
+    explicit TrackRun(const Bytes& body, bool mayHaveNotes = true, int pass = 1)
+        : h(Smf(1, 480, {body}))
+    {
+        h.reader.InitVariables();
+        h.reader.ReadHeader();
+        result = h.reader.LoadTrack(1, drums, mayHaveNotes, pass);
+    }
+    ReaderHarness h;
+    bool drums = false;
+    bool result = false;
+    std::vector<LEventRec> Events() const { return h.reader.Events.ToVector(); }
+};
+
+class MidiTrackWalk : public MidiTest {};
+
+TEST_F(MidiTrackWalk, TrackProblemsStopTheWalkWithTheirMessage)
+{
+    const std::vector<std::pair<Bytes, std::string>> cases = {
+        {{0x00, 0x40, 0x40}, "Running status is used but undefined"},
+        {{0x01, 0xFF, 0x58, 0x04, 0x04, 0x02, 0x18, 0x08}, "This Midi file contains time signature changes. This is not supported."},
+    };
+    for (const auto& c : cases) {
+        Alerts().clear();
+        TrackRun run(Concat({c.first, kEndOfTrack}));
+        EXPECT_FALSE(run.result);
+        EXPECT_EQ(Alerts(), Alerts_{c.second});
+    }
+    Alerts().clear();
+    ReaderHarness h(Concat({Smf(1, 480, {}, 1), Chunk("MTrx", kEndOfTrack)}));
+    bool drums = false;
+    h.reader.InitVariables();
+    h.reader.ReadHeader();
+    EXPECT_FALSE(h.reader.LoadTrack(1, drums, true, 1));
+    EXPECT_EQ(Alerts(), Alerts_{"Invalid track chunk ID"});
+}
+
+TEST_F(MidiTrackWalk, MissingEndOfTrackWarnsAndQueuesAStop)
+{
+    TrackRun run({0x00, 0x99, 0x24, 0x64, 0x83, 0x60, 0x89, 0x24, 0x00});
+    EXPECT_TRUE(run.result);
+    EXPECT_EQ(Alerts(), Alerts_{"End of track meta event missing"});
+    const auto events = run.Events();
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_TRUE(events[0].stop);
+    EXPECT_EQ(events[0].Tick, 480);
+    EXPECT_EQ(events[0].Beat, 2);
+}
+
+TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
+{
+    TrackRun run(Concat({{0x00, 0xFF, 0x58, 0x04, 0x06, 0x03, 0x18, 0x08}, kTempo120,
+                         {0x8B, 0x20, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},  // 1440 ticks later
+                         {0x78, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},        // 120 more
+                         kEndOfTrack}));
+    ASSERT_TRUE(run.result);
+    const LEventRec& meter = run.h.reader.InitialMeterEvent;
+    EXPECT_EQ(meter.TPB, 240);
+    EXPECT_EQ(meter.TPM, 1440);
+    EXPECT_EQ(meter.BPM, 6);
+    EXPECT_EQ(meter.Denominator, 8);
+    const auto events = run.Events();
+    ASSERT_EQ(events.size(), 3u);
+    EXPECT_EQ(events[0].MicsPerBeat, 500000);   // tempo and meter at one tick: one record
+    EXPECT_DOUBLE_EQ(events[0].Speed, 120.0);
+    EXPECT_EQ(events[0].BPM, 6);
+    EXPECT_EQ(run.h.reader.InitialTempoEvent.MicsPerBeat, 500000);
+    EXPECT_EQ(events[1].Tick, 1440);
+    EXPECT_EQ(events[1].Bar, 2);
+    EXPECT_EQ(events[1].tickinbar, 0);
+    EXPECT_EQ(events[1].Beat, 1);
+    EXPECT_EQ(events[1].EDUinbar, 0);
+    EXPECT_EQ(events[2].Tick, 1560);
+    EXPECT_EQ(events[2].tickinbar, 120);
+    EXPECT_EQ(events[2].Beat, 0);
+    EXPECT_EQ(events[2].EDUinbar, 512);
+    EXPECT_TRUE(events[2].stop);
+    EXPECT_TRUE(Alerts().empty());
+}
+
+TEST_F(MidiTrackWalk, OffbeatTimeSignatureIsShiftedBackOntoBeatOne)
+{
+    // A five-byte delta of -1 puts the time signature just before tick 0, off the beat.
+    TrackRun run(Concat({{0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0x58, 0x04, 0x03, 0x02, 0x18, 0x08}, kEndOfTrack}));
+    EXPECT_TRUE(run.result);
+    EXPECT_EQ(Alerts(), Alerts_{"Invalid offbeat time signature specification found and shifted backwards onto the full beat 1."});
+    EXPECT_EQ(run.h.reader.InitialMeterEvent.BPM, 3);
+    EXPECT_EQ(run.h.reader.InitialMeterEvent.Beat, 1);
+}
+
+TEST_F(MidiTrackWalk, ForeignMessagesAreNeutralisedAndDrumsKept)
+{
+    const Bytes body = Concat({{0x00, 0xC0, 0x05, 0x00, 0x99, 0x24, 0x64, 0x00, 0x90, 0x3C, 0x50, 0x00, 0x40, 0x50}, kEndOfTrack});
+    TrackRun run(body);
+    ASSERT_TRUE(run.result);
+    EXPECT_TRUE(run.drums);
+    EXPECT_EQ(run.h.Image(), Smf(1, 480, {Concat({{0x00, 0x89, 0x00, 0x40, 0x00, 0x99, 0x24, 0x64, 0x00, 0x89, 0x00, 0x40,
+                                                    0x00, 0x40, 0x50}, kEndOfTrack})}));
+    EXPECT_TRUE(run.h.reader.PitchUsed[0x24]);
+
+    TrackRun later(body, false);   // a track read after the drum track: drums go too
+    EXPECT_FALSE(later.drums);
+    const Bytes image = later.h.Image();
+    EXPECT_EQ(Bytes(image.begin() + 27, image.begin() + 30), (Bytes{0x89, 0x00, 0x40}));
+}
+
+TEST_F(MidiTrackWalk, SecondPassMovesHighKeysOntoFreeOnes)
+{
+    const Bytes body = Concat({{0x00, 0x99, 36, 100, 0x00, 0x99, 38, 100, 0x00, 0x99, 62, 100, 0x10, 62, 0x00}, kEndOfTrack});
+    TrackRun run(body, true, 2);
+    ASSERT_TRUE(run.result);
+    EXPECT_EQ(run.h.reader.PitchMappedTo[62], 37);
+    EXPECT_EQ(run.h.reader.PitchReverseMap[37], 62);
+    const Bytes image = run.h.Image();
+    EXPECT_EQ(image[22 + 10], 37);   // with its status byte
+    EXPECT_EQ(image[22 + 13], 37);   // with running status
+    TrackRun first(body, true, 1);
+    EXPECT_EQ(first.h.reader.PitchMappedTo[62], 0);
+    EXPECT_EQ(first.h.reader.highestpitchfound, 62);
+    EXPECT_EQ(first.h.reader.lowestpitchfound, 36);
+}
+
+TEST_F(MidiTrackWalk, ShortSystemExclusiveIsScannedToTheNextEndByte)
+{
+    // F0 01 F7: the four skipped bytes swallow the F7 and what follows; the scan finds the next.
+    TrackRun run(Concat({{0x00, 0xF0, 0x01, 0xF7, 0x00, 0x99, 0x24, 0x40, 0x00, 0xF7}, kEndOfTrack}));
+    EXPECT_TRUE(run.result);
+    EXPECT_FALSE(run.drums);
+    EXPECT_TRUE(Alerts().empty());
+
+    Alerts().clear();
+    TrackRun open(Bytes{0x00, 0xF0, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07});   // no end byte anywhere
+    EXPECT_TRUE(open.result);
+    EXPECT_EQ(Alerts(), (Alerts_{"Parsing error - trying to read beyond EOF.", "End of track meta event missing"}));
+}
+
+TEST_F(MidiTrackWalk, QueueKeepsTickOrderAndTheBarrier)
+{
+    ReaderHarness h(Bytes{0});
+    TMidiRead& r = h.reader;
+    auto record = [](int32_t tick, bool stop) {
+        LEventRec ev;
+        ev.Tick = tick;
+        ev.Bar = 7;
+        ev.stop = stop;
+        return ev;
+    };
+    r.Enqueue(record(100, false));
+    r.Enqueue(record(500, true));
+    r.Enqueue(record(600, false));   // later than the barrier: dropped
+    r.Enqueue(record(500, false));   // same tick: goes in before the barrier
+    r.Enqueue(record(50, false));
+    r.Enqueue(record(100, false));   // after the record of the same tick
+    std::vector<int32_t> ticks;
+    for (const LEventRec& ev : r.Events.ToVector()) ticks.push_back(ev.Tick * (ev.stop ? -1 : 1));
+    EXPECT_EQ(ticks, (std::vector<int32_t>{50, 100, 100, 500, -500}));
+    r.Events = EventQueue();
+    r.Enqueue(record(10, false));
+    r.CheckStop();
+    EXPECT_TRUE(r.Events.back().stop);
+}
+}  // namespace

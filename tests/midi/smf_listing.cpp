@@ -1,0 +1,93 @@
+// The independent Standard MIDI File reader of the tests.
+#include <stdexcept>
+
+#include "midi_test_support.h"
+
+namespace {
+struct Cursor {
+    const std::vector<uint8_t>& bytes;
+    size_t pos = 0;
+    size_t end = 0;
+    uint8_t Byte()
+    {
+        if (pos >= end) throw std::runtime_error("chunk ends inside an event");
+        return bytes[pos++];
+    }
+    uint32_t Fixed(int count)
+    {
+        uint32_t value = 0;
+        for (int i = 0; i < count; ++i) value = value << 8 | Byte();
+        return value;
+    }
+    uint32_t Variable()
+    {
+        uint32_t value = 0;
+        for (int i = 0; i < 4; ++i) {
+            const uint8_t b = Byte();
+            value = value << 7 | (b & 0x7F);
+            if (b < 0x80) return value;
+        }
+        throw std::runtime_error("variable-length number longer than four bytes");
+    }
+};
+
+std::vector<SmfEvent> ListTrack(Cursor& in)
+{
+    std::vector<SmfEvent> events;
+    int32_t tick = 0;
+    uint8_t running = 0;
+    while (in.pos < in.end) {
+        SmfEvent ev;
+        tick += static_cast<int32_t>(in.Variable());
+        ev.tick = tick;
+        uint8_t first = in.Byte();
+        if (first == 0xFF || first == 0xF0 || first == 0xF7) {
+            ev.status = first;
+            if (first == 0xFF) ev.data1 = in.Byte();
+            const uint32_t length = in.Variable();
+            if (length > in.end - in.pos) throw std::runtime_error("meta or sysex runs past its chunk");
+            in.pos += length;
+            running = 0;   // meta and system-exclusive events cancel running status
+            events.push_back(ev);
+            if (ev.status == 0xFF && ev.data1 == 0x2F) {
+                if (in.pos != in.end) throw std::runtime_error("bytes after end of track");
+                return events;
+            }
+            continue;
+        }
+        if (first < 0x80) {
+            if (running == 0) throw std::runtime_error("running status without a status");
+            ev.status = running;
+            ev.data1 = first;
+        } else {
+            if (first > 0xEF) throw std::runtime_error("system message in a track");
+            ev.status = running = first;
+            ev.data1 = in.Byte();
+        }
+        const uint8_t kind = ev.status & 0xF0;
+        if (kind != 0xC0 && kind != 0xD0) ev.data2 = in.Byte();
+        if (ev.data1 > 127 || ev.data2 > 127) throw std::runtime_error("data byte above 127");
+        events.push_back(ev);
+    }
+    throw std::runtime_error("track without end-of-track event");
+}
+}  // namespace
+
+SmfListing ListSmf(const std::vector<uint8_t>& bytes)
+{
+    SmfListing file;
+    Cursor in{bytes, 0, bytes.size()};
+    if (in.Fixed(4) != 0x4D546864 || in.Fixed(4) != 6) throw std::runtime_error("bad header chunk");
+    file.format = static_cast<int>(in.Fixed(2));
+    file.trackCountField = static_cast<int>(in.Fixed(2));
+    file.division = static_cast<int>(in.Fixed(2));
+    while (in.pos < bytes.size()) {
+        if (in.Fixed(4) != 0x4D54726B) throw std::runtime_error("chunk is not a track");
+        const uint32_t length = in.Fixed(4);
+        if (length > bytes.size() - in.pos) throw std::runtime_error("track chunk runs past the file");
+        Cursor track{bytes, in.pos, in.pos + length};
+        file.tracks.push_back(ListTrack(track));
+        in.pos += length;
+    }
+    return file;
+}
