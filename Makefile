@@ -37,9 +37,11 @@ unit-tests: deps
 	cmake --build $(TEST_BUILD) -j $(JOBS)
 	ctest --test-dir $(TEST_BUILD) --output-on-failure -j $(JOBS)
 
-# The optimised build is built too: its warnings differ from the sanitizer build's.
-test: unit-tests build
+# The optimised build is built too (its warnings differ from the sanitizer build's); the fuzz
+# run comes before the unit tests so that the test summary closes the output.
+test: build
 	$(MAKE) --no-print-directory fuzz
+	$(MAKE) --no-print-directory unit-tests
 
 # The MIDI cleaner under libFuzzer (clang, own tree): seeds are the hand-made broken files of
 # fuzz/corpus and the groove library; new inputs collect in $(FUZZ_BUILD)/corpus. Any crash,
