@@ -2,9 +2,13 @@
 
 #include "sdk/funcs.h"
 
+#include <sstream>
+
 namespace stavio {
 
 bool IsQuestion(int32_t style) { return style == kAlertQuestion; }
+
+void FrontEnd::RunDialog(DialogSession&) {}
 
 ScriptedFrontEnd::ScriptedFrontEnd(std::vector<int32_t> answers) : answers_(answers.begin(), answers.end()) {}
 
@@ -12,7 +16,7 @@ int32_t ScriptedFrontEnd::Alert(const AlertRequest& request)
 {
     int32_t answer = kAlertAnswerOk;
     if (IsQuestion(request.style)) {
-        answer = kAlertAnswerNo;
+        answer = defaultAnswer_;
         if (!answers_.empty()) {
             answer = answers_.front();
             answers_.pop_front();
@@ -20,6 +24,105 @@ int32_t ScriptedFrontEnd::Alert(const AlertRequest& request)
     }
     alerts_.push_back(Record{request, answer});
     return answer;
+}
+
+DialogAction DialogAction::PressItem(int16_t item)
+{
+    DialogAction action;
+    action.kind = Kind::Press;
+    action.item = item;
+    return action;
+}
+
+DialogAction DialogAction::ChooseEntry(int16_t item, int entry)
+{
+    DialogAction action;
+    action.kind = Kind::Choose;
+    action.item = item;
+    action.number = entry;
+    return action;
+}
+
+DialogAction DialogAction::ChooseEntryNamed(int16_t item, std::string text)
+{
+    DialogAction action;
+    action.kind = Kind::ChooseNamed;
+    action.item = item;
+    action.text = std::move(text);
+    return action;
+}
+
+DialogAction DialogAction::ClickListRow(int16_t item, int row)
+{
+    DialogAction action;
+    action.kind = Kind::ClickRow;
+    action.item = item;
+    action.number = row;
+    return action;
+}
+
+DialogAction DialogAction::ClickListRowNamed(int16_t item, std::string text)
+{
+    DialogAction action;
+    action.kind = Kind::ClickRowNamed;
+    action.item = item;
+    action.text = std::move(text);
+    return action;
+}
+
+DialogAction DialogAction::ClickAt(toolbox::Point point, toolbox::Modifiers modifiers)
+{
+    DialogAction action;
+    action.kind = Kind::Click;
+    action.point = point;
+    action.modifiers = modifiers;
+    return action;
+}
+
+DialogAction DialogAction::PressCloseBox()
+{
+    DialogAction action;
+    action.kind = Kind::CloseBox;
+    return action;
+}
+
+DialogAction DialogAction::LetTimersFire()
+{
+    DialogAction action;
+    action.kind = Kind::WaitForTimers;
+    return action;
+}
+
+std::string DialogAction::Describe() const
+{
+    std::ostringstream text;
+    switch (kind) {
+    case Kind::Press:
+        text << "press item " << item;
+        break;
+    case Kind::Choose:
+        text << "choose entry " << number << " of pop-up " << item;
+        break;
+    case Kind::ChooseNamed:
+        text << "choose \"" << this->text << "\" in pop-up " << item;
+        break;
+    case Kind::ClickRow:
+        text << "click row " << number << " of the list in item " << item;
+        break;
+    case Kind::ClickRowNamed:
+        text << "click \"" << this->text << "\" in the list in item " << item;
+        break;
+    case Kind::Click:
+        text << "click at (" << point.x << ", " << point.y << ")";
+        break;
+    case Kind::CloseBox:
+        text << "press the close box";
+        break;
+    case Kind::WaitForTimers:
+        text << "wait for the dialog's timers";
+        break;
+    }
+    return text.str();
 }
 
 }  // namespace stavio

@@ -32,6 +32,7 @@ struct Host::Impl {
     FrontEnd* frontEnd = nullptr;
     ScriptedFrontEnd silentFrontEnd;   // when nobody gave one: questions are answered No
     Document document;
+    FrameLedger frames;
     StavioFuncs table{};
     std::vector<PluginModule> modules;
     std::vector<PluginInfo> plugins;
@@ -84,6 +85,10 @@ std::string Host::PluginFolder() const
 Document& Host::document() { return impl_->document; }
 const Document& Host::document() const { return impl_->document; }
 void Host::SetDocument(Document doc) { impl_->document = std::move(doc); }
+
+FrameLedger& Host::Frames() { return impl_->frames; }
+size_t Host::LiveFrameCount() const { return impl_->frames.LiveCount(); }
+size_t Host::RefusedFrameFrees() const { return impl_->frames.RefusedFrees(); }
 
 FrontEnd& Host::frontEnd() { return impl_->frontEnd != nullptr ? *impl_->frontEnd : impl_->silentFrontEnd; }
 void Host::SetFrontEnd(FrontEnd* frontEnd) { impl_->frontEnd = frontEnd; }

@@ -7,6 +7,7 @@
 
 #include "sdk/sdk.h"
 #include "stavio/document/document.h"
+#include "stavio/frame_ledger.h"
 #include "stavio/front_end.h"
 
 #include <cstdint>
@@ -81,6 +82,13 @@ public:
     Document& document();
     const Document& document() const;
     void SetDocument(Document doc);
+
+    // Entry frames handed to plug-ins (SX_LoadQVF ... SX_FreeQVF). A command that frees every
+    // frame it loads leaves LiveFrameCount() where it was; RefusedFrameFrees() counts frees of
+    // frames that were not out (freed twice, or never the host's).
+    FrameLedger& Frames();
+    size_t LiveFrameCount() const;
+    size_t RefusedFrameFrees() const;
 
     FrontEnd& frontEnd();
     void SetFrontEnd(FrontEnd* frontEnd);   // null: a scripted front end with no answers

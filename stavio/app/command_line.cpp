@@ -54,7 +54,7 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& err
                 error = "option --pose takes \"newer\" or \"older\", not \"" + pose + "\"";
                 return false;
             }
-        } else if (argument.size() > 1 && argument[0] == '-') {
+        } else if (argument.size() > 1 && argument[0] == '-' && line.command.empty()) {
             error = "unknown option \"" + argument + "\"";
             return false;
         } else if (line.command.empty()) {

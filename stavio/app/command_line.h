@@ -11,7 +11,8 @@ namespace stavio::app {
 
 struct CommandLine {
     std::string command;                  // empty when none was given
-    std::vector<std::string> arguments;   // what follows the command, options taken out
+    std::vector<std::string> arguments;   // what follows the command, host options taken out (the
+                                          // command's own options stay, in order)
     HostSettings settings;
     bool help = false;
 };

@@ -1,5 +1,7 @@
 #include "stavio/app/commands.h"
 
+#include "stavio/app/fill_options.h"
+
 #include <sstream>
 
 namespace stavio::app {
@@ -8,6 +10,8 @@ const std::vector<Command>& Commands()
 {
     static const std::vector<Command> commands = {
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
+        {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)",
+         RunFillCommand, FillUsageText},
     };
     return commands;
 }

@@ -19,11 +19,13 @@ struct Command {
     const char* arguments;   // how the arguments read in the usage text
     const char* summary;
     int (*run)(const CommandLine& line, std::ostream& out, std::ostream& err);
+    std::string (*usage)() = nullptr;   // the command's own help text, if it has one
 };
 
 const std::vector<Command>& Commands();
 std::string UsageText();
 
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 
 }  // namespace stavio::app

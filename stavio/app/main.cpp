@@ -16,6 +16,12 @@ int main(int argc, char** argv)
             return kExitUsage;
         }
         if (line.help || line.command == "help") {
+            for (const Command& command : Commands()) {
+                if (line.command == command.name && command.usage != nullptr) {
+                    std::cout << command.usage();
+                    return kExitOk;
+                }
+            }
             std::cout << UsageText();
             return kExitOk;
         }

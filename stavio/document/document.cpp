@@ -2,6 +2,8 @@
 
 #include "sdk/tags.h"
 #include "stavio/document/canonical.h"
+#include "stavio/document/host_defaults.h"
+#include "stavio/document/staff_playback.h"
 
 #include <algorithm>
 #include <cstring>
@@ -49,7 +51,7 @@ ReadLayout ResolveReadLayout(const LayoutRegistry& registry, const TagLayouts& t
 
 Document::Document() : Document(LayoutRegistry::Standard()) {}
 
-Document::Document(const LayoutRegistry& registry) : registry_(&registry) {}
+Document::Document(const LayoutRegistry& registry) : registry_(&registry) { InstallHostDefaults(*this); }
 
 // ---- Records -----------------------------------------------------------------------------------------
 
@@ -104,7 +106,13 @@ int32_t Document::SaveRecord(EXTAG tag, const EDataID* key, const void* buffer, 
     if (HasIncidences(known->keyKind) && recordKey.inci == kAppendIncidence) {
         return 0;   // appending is what create is for
     }
+    if (!known->AcceptsKey(records_, recordKey)) {
+        return 0;
+    }
     if (known->variableSize) {
+        if (!known->AcceptsBytes(buffer, static_cast<size_t>(size))) {
+            return 0;
+        }
         const auto* bytes = static_cast<const uint8_t*>(buffer);
         records_.Put(tag, recordKey, RecordStore::Bytes(bytes, bytes + size));
         return 1;
@@ -126,8 +134,15 @@ int32_t Document::CreateRecord(EXTAG tag, EDataID* key, const void* buffer, int3
     if (key == nullptr || known == nullptr || size < 0) {
         return 0;
     }
+    RecordKey recordKey = KeyFromDataId(known->keyKind, *key);
+    if (!known->AcceptsKey(records_, recordKey)) {
+        return 0;
+    }
     RecordStore::Bytes canonical;
     if (known->variableSize) {
+        if (!known->AcceptsBytes(buffer, buffer != nullptr ? static_cast<size_t>(size) : 0)) {
+            return 0;
+        }
         if (buffer != nullptr) {
             const auto* bytes = static_cast<const uint8_t*>(buffer);
             canonical.assign(bytes, bytes + size);
@@ -142,7 +157,6 @@ int32_t Document::CreateRecord(EXTAG tag, EDataID* key, const void* buffer, int3
             layout->write(buffer, canonical);
         }
     }
-    RecordKey recordKey = KeyFromDataId(known->keyKind, *key);
     if (!records_.Create(tag, known->keyKind, recordKey, std::move(canonical))) {
         return 0;
     }
@@ -243,6 +257,7 @@ void Document::AfterCreate(EXTAG tag, const RecordKey& key)
             records_.Put(kTagGfhold, detail, BytesFrom(FrameHoldRecord{}));
         }
     }
+    AddStaffPlayback(*this, key.group1, DefaultStaffName(key.group1));
 }
 
 // ---- Score questions ----------------------------------------------------------------------------------
@@ -322,6 +337,18 @@ int32_t Document::AddStaff()
     }
     AfterCreate(kTagStaffSpec, key);
     return key.group1;
+}
+
+bool Document::StaffExists(int32_t inst) const
+{
+    return inst >= 1 && inst < kPickNumber &&
+           records_.Find(kTagStaffSpec, RecordKey::Other(static_cast<uint16_t>(inst), 0)) != nullptr;
+}
+
+bool Document::MeasureExists(int32_t meas) const
+{
+    return meas >= 1 && meas < kPickNumber &&
+           records_.Find(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0)) != nullptr;
 }
 
 bool Document::FrameNumbers(int32_t inst, int32_t meas, int16_t frames[kMaxLayers]) const

@@ -7,10 +7,15 @@
 
 #include "sdk/sdk.h"
 #include "stavio/document/edit_history.h"
+#include "stavio/document/entry_frames.h"
+#include "stavio/document/fonts.h"
 #include "stavio/document/layouts.h"
+#include "stavio/document/percussion_map.h"
 #include "stavio/document/record_store.h"
 
 #include <cstdint>
+#include <map>
+#include <optional>
 #include <string>
 
 namespace stavio {
@@ -19,6 +24,8 @@ constexpr int kMaxLayers = 4;
 constexpr uint16_t kMainInstrumentList = 0;
 constexpr int32_t kStaffSpacing = 300;   // vertical distance between staves the host adds
 
+// A new document carries the host's defaults (host_defaults.h): clef definitions, the font
+// table, the text-expression font preference and percussion map 1.
 class Document {
 public:
     Document();
@@ -72,6 +79,30 @@ public:
     // Frame numbers the host keeps per staff-measure layer (the 'SDGF' detail's `frame` array).
     bool FrameNumbers(int32_t inst, int32_t meas, int16_t frames[kMaxLayers]) const;
     bool SetFrameNumbers(int32_t inst, int32_t meas, const int16_t frames[kMaxLayers]);
+    bool StaffExists(int32_t inst) const;      // it has a staff specification
+    bool MeasureExists(int32_t meas) const;    // it has a measure specification
+
+    // ---- Entries (document_frames.cpp) ----------------------------------------------------------
+    // The entries of one staff-measure-layer (layer 0..3), empty when it holds nothing; nullopt
+    // when the staff or the measure does not exist or the layer is out of range.
+    std::optional<FrameContent> Frame(int32_t inst, int32_t meas, int32_t layer) const;
+    // Writes one staff-measure-layer. Entries without a number (entnum 0, or one already used
+    // earlier in the frame) get the document's next entry numbers, written back into
+    // `content`. The frame detail follows: the layer's frame number becomes non-zero (kept if
+    // it was already) when entries are written, 0 when none are. False, and nothing written,
+    // when the staff or measure does not exist or the layer is out of range.
+    bool SetFrame(int32_t inst, int32_t meas, int32_t layer, FrameContent& content);
+    // The layer's frame number in the frame detail (0: empty or no detail).
+    int16_t FrameNumber(int32_t inst, int32_t meas, int32_t layer) const;
+
+    // ---- Fonts and percussion maps ----------------------------------------------------------------
+    FontTable& Fonts() { return fonts_; }
+    const FontTable& Fonts() const { return fonts_; }
+    // Map `number`: null unless both its name record ('otDL' number) and its notes exist.
+    const PercussionMap* PercussionMapOf(int number) const;
+    // Puts the map's notes and its name record ('otDL' number, the name in 12 bytes).
+    void SetPercussionMap(int number, PercussionMap map);
+    void RemovePercussionMap(int number);
 
     // ---- Edit brackets and undo -----------------------------------------------------------------
     int32_t StartEdit(const std::string& undoName);
@@ -89,9 +120,13 @@ private:
     // (the whole size when there is no buffer).
     static int32_t DeliverBytes(const RecordStore::Bytes& bytes, void* buffer, int32_t* size);
     void AfterCreate(EXTAG tag, const RecordKey& key);
+    // The next value of one of the document's running numbers (1 after `limit`).
+    uint32_t NextNumber(uint16_t counter, uint32_t limit);
 
     const LayoutRegistry* registry_;
     RecordStore records_;
+    FontTable fonts_ = FontTable::Defaults();
+    std::map<int, PercussionMap> percussionMaps_;
     EditHistory<RecordStore> history_;
 };
 

@@ -15,6 +15,7 @@ constexpr EVERSION kV5 = 0x05000000;
 constexpr EVERSION kV8 = 0x08000000;
 constexpr EVERSION kV9 = 0x09000000;
 constexpr EVERSION kV10 = 0x0A000000;
+constexpr size_t kTextExpressionHeaderSize = sizeof(EDTTextExpressionHeader);
 
 template <typename Record>
 Bytes BytesOf(const Record& record)
@@ -157,6 +158,105 @@ TagLayouts GenericOther()
     return tag;
 }
 
+// Records that belong to a staff: the staff must exist. With `firstIncidenceOnly` the record
+// is one per staff, at incidence 0.
+std::function<bool(const RecordStore&, const RecordKey&)> StaffMustExist(bool firstIncidenceOnly)
+{
+    return [firstIncidenceOnly](const RecordStore& records, const RecordKey& key) {
+        if (firstIncidenceOnly && key.inci != 0) {
+            return false;
+        }
+        return key.group1 != 0 && key.group1 != kPickNumber &&
+               records.Find(kTagStaffSpec, RecordKey::Other(key.group1, 0)) != nullptr;
+    };
+}
+
+TagLayouts StaffStyle()
+{
+    TagLayouts tag;
+    tag.tag = kTagStaffStyle;
+    tag.name = "staff style";
+    tag.keyKind = KeyKind::Other;   // (style, 0)
+    tag.canonicalSize = sizeof(EDTStaffStyle2003);
+    tag.layouts = {PrefixLayout(sizeof(EDTStaffStyle2003), kV8, kAnyVersionLast)};
+    return tag;
+}
+
+TagLayouts StaffStyleAssignment()
+{
+    TagLayouts tag;
+    tag.tag = kTagStaffStyleAssign;
+    tag.name = "staff style assignment";
+    tag.keyKind = KeyKind::Other;   // (instrument, incidence)
+    tag.canonicalSize = sizeof(EDTStaffStyleAssign);
+    tag.layouts = {PrefixLayout(sizeof(EDTStaffStyleAssign), kAnyVersionFirst, kAnyVersionLast)};
+    tag.acceptsKey = StaffMustExist(false);
+    return tag;
+}
+
+// A text expression: the 12-byte header, then the text and its terminating zero.
+TagLayouts TextExpression()
+{
+    TagLayouts tag;
+    tag.tag = kTagTextExpression;
+    tag.name = "text expression definition";
+    tag.keyKind = KeyKind::Other;   // (expression, 0)
+    tag.variableSize = true;
+    tag.acceptsBytes = [](const uint8_t* bytes, size_t size) {
+        return bytes != nullptr && size > kTextExpressionHeaderSize &&
+               std::memchr(bytes + kTextExpressionHeaderSize, 0, size - kTextExpressionHeaderSize) != nullptr;
+    };
+    return tag;
+}
+
+TagLayouts DefaultFontPreference()
+{
+    TagLayouts tag;
+    tag.tag = kTagDefaultFontPref;
+    tag.name = "default font preference";
+    tag.keyKind = KeyKind::Other;   // (preference, 0); 6 is the text-expression font
+    tag.canonicalSize = sizeof(EDTFontPref);
+    tag.layouts = {PrefixLayout(sizeof(EDTFontPref), kAnyVersionFirst, kAnyVersionLast)};
+    return tag;
+}
+
+TagLayouts ClefDefinition()
+{
+    TagLayouts tag;
+    tag.tag = kTagClefDef;
+    tag.name = "clef definition";
+    tag.keyKind = KeyKind::Number;   // clef number
+    tag.canonicalSize = sizeof(EDTClefDef);
+    tag.layouts = {PrefixLayout(sizeof(EDTClefDef), kAnyVersionFirst, kAnyVersionLast)};
+    return tag;
+}
+
+TagLayouts DrumStaff()
+{
+    TagLayouts tag;
+    tag.tag = kTagDrumStaff;
+    tag.name = "drum staff";
+    tag.keyKind = KeyKind::Other;   // (instrument, 0)
+    tag.canonicalSize = sizeof(EDTDrumStaff);
+    tag.layouts = {PrefixLayout(sizeof(EDTDrumStaff), kAnyVersionFirst, kAnyVersionLast)};
+    tag.acceptsKey = StaffMustExist(true);
+    return tag;
+}
+
+// The playback assignment has had this 24-byte layout since version 0x0A010000; requests
+// naming an earlier version describe a layout this host does not keep.
+TagLayouts InstrumentUsage()
+{
+    TagLayouts tag;
+    tag.tag = kTagInstrumentUsage;
+    tag.name = "instrument usage";
+    tag.keyKind = KeyKind::Other;   // (instrument, 0)
+    tag.canonicalSize = sizeof(EDTInstrumentUsage);
+    tag.layouts = {PrefixLayout(sizeof(EDTInstrumentUsage), kInstrumentUsageVersion, kAnyVersionLast)};
+    tag.acceptsKey = StaffMustExist(true);
+    return tag;
+}
+
 }  // namespace
 
 EDTMeasureSpec2005 DefaultMeasureSpec()
@@ -182,6 +282,13 @@ std::vector<TagLayouts> StandardLayouts()
     tags.push_back(TextBlock());
     tags.push_back(TextBody());
     tags.push_back(FrameHold());
+    tags.push_back(StaffStyle());
+    tags.push_back(StaffStyleAssignment());
+    tags.push_back(TextExpression());
+    tags.push_back(DefaultFontPreference());
+    tags.push_back(ClefDefinition());
+    tags.push_back(DrumStaff());
+    tags.push_back(InstrumentUsage());
     tags.push_back(GenericOther());   // families last: an exact tag above wins
     return tags;
 }

@@ -8,6 +8,7 @@
 
 #include "sdk/types.h"
 #include "stavio/document/record_key.h"
+#include "stavio/document/record_store.h"
 
 #include <cstdint>
 #include <functional>
@@ -45,6 +46,22 @@ struct TagLayouts {
     size_t canonicalSize = 0;         // fixed-size tags only
     std::vector<RecordLayout> layouts;
     std::function<Bytes()> makeDefault;   // a new record's content; zeros when empty
+
+    // Optional checks on save and create: whether the document takes a record at this key as
+    // the caller gives it (kPickNumber and kAppendIncidence not yet resolved; a record that
+    // belongs to a staff needs the staff), and, for variable-size tags, whether the bytes are
+    // well formed.
+    std::function<bool(const RecordStore& records, const RecordKey& key)> acceptsKey;
+    std::function<bool(const uint8_t* bytes, size_t size)> acceptsBytes;
+
+    bool AcceptsKey(const RecordStore& records, const RecordKey& key) const
+    {
+        return !acceptsKey || acceptsKey(records, key);
+    }
+    bool AcceptsBytes(const void* bytes, size_t size) const
+    {
+        return !acceptsBytes || acceptsBytes(static_cast<const uint8_t*>(bytes), size);
+    }
 
     bool Matches(EXTAG candidate) const { return (candidate & mask) == (tag & mask); }
     Bytes DefaultRecord() const;

@@ -87,6 +87,18 @@ bool RecordStore::Delete(EXTAG tag, KeyKind kind, const RecordKey& key)
     return true;
 }
 
+bool RecordStore::Erase(EXTAG tag, const RecordKey& key)
+{
+    auto found = tags_.find(tag);
+    if (found == tags_.end() || found->second.erase(key) == 0) {
+        return false;
+    }
+    if (found->second.empty()) {
+        tags_.erase(found);
+    }
+    return true;
+}
+
 std::optional<std::pair<RecordKey, const RecordStore::Bytes*>> RecordStore::Next(EXTAG tag,
                                                                                  const RecordKey& key) const
 {

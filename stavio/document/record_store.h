@@ -30,6 +30,8 @@ public:
     // Removes the record; for kinds with incidences the later incidences of the group move
     // down by one. False when there is no such record.
     bool Delete(EXTAG tag, KeyKind kind, const RecordKey& key);
+    // Removes the record and nothing else moves. False when there is no such record.
+    bool Erase(EXTAG tag, const RecordKey& key);
 
     // The first record after / the last record before `key`, in key order.
     std::optional<std::pair<RecordKey, const Bytes*>> Next(EXTAG tag, const RecordKey& key) const;

@@ -11,7 +11,7 @@
 
 extern "C" {
 
-// Entry frames (later: the document's frames)
+// Entry frames
 STAVIO_EXPORT EXQVF2005a* SX_LoadQVF(int16_t IUlist, int16_t slot, int16_t meas, int16_t layer, int32_t flags,
                                      EVERSION version);
 STAVIO_EXPORT int32_t SX_SaveQVF(EXQVF2005a* frame, EVERSION version);

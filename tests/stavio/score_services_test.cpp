@@ -98,11 +98,10 @@ TEST_F(StavioScoreServices, RegionsPathAndFixedAnswers)
 
 TEST_F(StavioScoreServices, FunctionsNotOfferedYetAnswerFailureWithoutHarm)
 {
-    EXPECT_EQ(Table().SX_LoadQVF(0, 1, 1, 0, 0, kPluginApiVersion), nullptr);
     EXPECT_EQ(Table().SX_ProcessMidiData(nullptr, kPluginApiVersion), -1);
-    char name[8] = "xxxxxxx";
-    EXPECT_EQ(Table().SX_FontNumToName(1, name, sizeof(name), kPluginApiVersion), 0);
-    EXPECT_STREQ(name, "");
+    char chord[8] = "xxxxxxx";
+    EXPECT_EQ(Table().SX_AnalyzeChord(nullptr, chord, sizeof(chord), kPluginApiVersion), 0);
+    EXPECT_STREQ(chord, "");
     EXPECT_EQ(Table().SX_GetDlgCntl(nullptr, 1, kPluginApiVersion), nullptr);
     const auto untyped = reinterpret_cast<int32_t (*)()>(Table().SX_RebeamRegion);
     EXPECT_EQ(untyped(), 0);

@@ -220,3 +220,23 @@ TEST(ToolboxMouseDownWords, CarryYAndModifiersBothWays)
     }
     EXPECT_EQ(MouseDownModifiers(PackMouseDownWord(-1, kNoModifiers)), kNoModifiers);
 }
+
+TEST(ToolboxDialogLayouts, PopUpEntriesComeFromTheLayout)
+{
+    Resource layoutResource;
+    layoutResource.type = kDialogLayoutType;
+    layoutResource.id = 40;
+    layoutResource.strings = {"item 11 = popup 0 0 100 20 \"Style:\"",
+                              "entries 11 = \"Drum staff\" \"Percussion clef\" \"Slash notation\""};
+    DialogLayout layout;
+    std::string error;
+    ASSERT_TRUE(ReadDialogLayout(layoutResource, layout, error)) << error;
+    Dialog* dialog = NewDialogFromLayout(layout);
+    ASSERT_NE(dialog, nullptr);
+    const DialogItem* popup = dialog->Item(11);
+    ASSERT_EQ(popup->MenuEntryCount(), 3);
+    EXPECT_EQ(*popup->MenuEntryText(3), "Slash notation");
+    EXPECT_EQ(popup->Maximum(), 3);
+    EXPECT_EQ(popup->Value(), 1);
+    DisposeAllDialogs();
+}

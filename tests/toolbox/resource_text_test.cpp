@@ -167,7 +167,14 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
         {"resource 'DLOG' 1 {\n    item 2 = button 50 0 10 10 \"OK\"\n}\n",
          "bad.rsrc:2: the right edge lies left of the left edge"},
         {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n", "bad.rsrc:3: item 2 appears twice"},
-        {"resource 'DLOG' 1 {\n    colour = 3\n}\n", "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item)"},
+        {"resource 'DLOG' 1 {\n    colour = 3\n}\n", "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item, entries)"},
+        {"resource 'DLOG' 1 {\n    entries 3 = \"a\"\n}\n", "bad.rsrc:2: entries for item 3, which no earlier line makes"},
+        {"resource 'DLOG' 1 {\n    item 3 = radio 0 0 1 1\n    entries 3 = \"a\"\n}\n",
+         "bad.rsrc:3: entries for item 3, which is not a pop-up menu"},
+        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 =\n}\n",
+         "bad.rsrc:3: expected at least one quoted entry, found the end of the line"},
+        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 = \"a\"\n    entries 3 = \"b\"\n}\n",
+         "bad.rsrc:4: item 3 has its entries already"},
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(ParseError(text), expected);

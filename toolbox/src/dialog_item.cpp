@@ -12,6 +12,8 @@ DialogItem::DialogItem(const DialogItemSpec& spec, Dialog* owner)
         value_ = 1;
         minimum_ = 1;
         maximum_ = 1;
+        for (const std::string& entry : spec.entries)
+            AppendMenuEntry(entry);
     } else if (IsControl()) {
         maximum_ = 1;
     }

@@ -147,9 +147,52 @@ bool DialogLayoutReader::ReadLine(const std::string& line, std::string& normaliz
         layout_.items.push_back(std::move(item));
         return true;
     }
-    error = key.empty() ? "expected a dialog line (title, size or item), found " + cursor.Upcoming()
-                        : "unknown dialog key '" + key + "' (known: title, size, item)";
+    if (key == "entries")
+        return ReadEntries(cursor, normalized, error);
+    error = key.empty() ? "expected a dialog line (title, size, item or entries), found " + cursor.Upcoming()
+                        : "unknown dialog key '" + key + "' (known: title, size, item, entries)";
     return false;
+}
+
+// entries <n> = "<text>" ["<text>" ...]: the entries of pop-up item n, which an earlier line made.
+bool DialogLayoutReader::ReadEntries(text::LineCursor& cursor, std::string& normalized, std::string& error)
+{
+    long number = 0;
+    if (!cursor.ReadNumber(1, INT16_MAX, "item number", number, error) ||
+        !cursor.Expect('=', "after the item number", error))
+        return false;
+    const auto item = std::find_if(layout_.items.begin(), layout_.items.end(),
+                                   [&](const DialogItemSpec& spec) { return spec.number == number; });
+    if (item == layout_.items.end()) {
+        error = "entries for item " + std::to_string(number) + ", which no earlier line makes";
+        return false;
+    }
+    if (item->kind != DialogItemKind::kPopup) {
+        error = "entries for item " + std::to_string(number) + ", which is not a pop-up menu";
+        return false;
+    }
+    if (!item->entries.empty()) {
+        error = "item " + std::to_string(number) + " has its entries already";
+        return false;
+    }
+    std::vector<std::string> entries;
+    while (cursor.NextIsQuote()) {
+        std::string entry;
+        if (!cursor.ReadQuoted(entry, error))
+            return false;
+        entries.push_back(std::move(entry));
+    }
+    if (entries.empty()) {
+        error = "expected at least one quoted entry, found " + cursor.Upcoming();
+        return false;
+    }
+    if (!ExpectEnd(cursor, error))
+        return false;
+    normalized = "entries " + std::to_string(number) + " =";
+    for (const std::string& entry : entries)
+        normalized += " " + text::Quote(entry);
+    item->entries = std::move(entries);
+    return true;
 }
 
 bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::string& error)

@@ -2,6 +2,7 @@
 // them where they stand and ReadDialogLayout can read a whole resource.
 #pragma once
 
+#include "text_syntax.h"
 #include "toolbox/resources.h"
 
 #include <string>
@@ -16,6 +17,8 @@ public:
     const DialogLayout& Layout() const { return layout_; }
 
 private:
+    bool ReadEntries(text::LineCursor& cursor, std::string& normalized, std::string& error);
+
     DialogLayout layout_;
     bool haveTitle_ = false;
     bool haveSize_ = false;

@@ -75,6 +75,7 @@ struct DialogItemSpec {
     DialogItemKind kind = DialogItemKind::kUserItem;
     DialogRect rect;
     std::string label;                      // empty when the line gives none
+    std::vector<std::string> entries;       // a pop-up menu's entries from an `entries` line
 };
 
 struct DialogLayout {

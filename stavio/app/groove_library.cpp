@@ -1,0 +1,139 @@
+#include "stavio/app/groove_library.h"
+
+#include "toolbox/files.h"
+#include "toolbox/folders.h"
+
+#include <unistd.h>
+
+#include <filesystem>
+#include <system_error>
+
+namespace stavio::app {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// Copies the files (not the folders) of `from` into a new folder `to`, made whole under a
+// temporary name and renamed into place, so that a library is never left half-filled.
+bool CopyLibrary(const std::string& from, const std::string& to, int& copied, std::string& error)
+{
+    const std::string staging = to + ".partial-" + std::to_string(getpid());
+    std::error_code failure;
+    fs::remove_all(staging, failure);
+    if (!toolbox::EnsureFolder(staging)) {
+        error = "cannot create the folder " + staging;
+        return false;
+    }
+    copied = 0;
+    for (int index = 1;; ++index) {
+        const std::optional<toolbox::FolderItem> item = toolbox::FolderItemAt(from, index);
+        if (!item) {
+            break;
+        }
+        if (item->isFolder) {
+            continue;
+        }
+        std::vector<uint8_t> bytes;
+        if (toolbox::ReadWholeFile(toolbox::FileSpec{from, item->name}, bytes) != toolbox::kNoErr ||
+            toolbox::WriteWholeFile(toolbox::FileSpec{staging, item->name}, bytes.data(), bytes.size()) !=
+                toolbox::kNoErr) {
+            error = "cannot copy " + toolbox::FileSpec{from, item->name}.Path() + " into " + staging;
+            fs::remove_all(staging, failure);
+            return false;
+        }
+        ++copied;
+    }
+    fs::rename(staging, to, failure);
+    if (failure) {
+        fs::remove_all(staging, failure);
+        if (!toolbox::IsFolder(to)) {
+            error = "cannot put the groove library in place at " + to;
+            return false;
+        }
+    }
+    return true;
+}
+
+std::string WithoutTrailingSlashes(std::string path)
+{
+    while (path.size() > 1 && path.back() == '/') {
+        path.pop_back();
+    }
+    return path;
+}
+
+bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std::string& error)
+{
+    std::error_code failure;
+    const fs::path given = fs::absolute(WithoutTrailingSlashes(option), failure);
+    if (failure || !fs::exists(given, failure)) {
+        error = "the groove library " + option + " does not exist";
+        return false;
+    }
+    if (!fs::is_directory(given, failure)) {
+        error = "the groove library " + option + " is not a folder";
+        return false;
+    }
+    // The folder keeps the name it was given (a link named "Tamberlyne" works); only "." and
+    // ".." are looked up.
+    fs::path folder = given.lexically_normal();
+    if (folder.filename().empty() || folder.filename() == "." || folder.filename() == "..") {
+        folder = fs::canonical(given, failure);
+    }
+    if (folder.filename() != kGrooveFolderName) {
+        error = "the groove library must be a folder named \"" + std::string(kGrooveFolderName) +
+                "\" (the plug-in looks for that name), but " + option + " is named \"" +
+                folder.filename().string() + "\"";
+        return false;
+    }
+    library.folder = folder.string();
+    library.applicationFolder = folder.parent_path().string();
+    return true;
+}
+
+}  // namespace
+
+std::string BundledLibraryFolder()
+{
+    return toolbox::FileSpec{toolbox::ApplicationFolder(), kGrooveFolderName}.Path();
+}
+
+bool ResolveGrooveLibrary(const std::optional<std::string>& libraryOption, const std::string& bundled,
+                          GrooveLibrary& library, std::string& error)
+{
+    library = GrooveLibrary{};
+    if (libraryOption) {
+        return ResolveGivenLibrary(*libraryOption, library, error);
+    }
+    const std::string dataFolder = toolbox::UserDataFolder(true);
+    if (dataFolder.empty()) {
+        error = "cannot find a folder for the groove library: set XDG_DATA_HOME or HOME, or use --library DIR";
+        return false;
+    }
+    library.applicationFolder = toolbox::FileSpec{dataFolder, "tamberlyne"}.Path();
+    library.folder = toolbox::FileSpec{library.applicationFolder, kGrooveFolderName}.Path();
+    if (toolbox::IsFolder(library.folder)) {
+        return true;
+    }
+    if (!toolbox::IsFolder(bundled)) {
+        library.note = "there is no bundled groove library at " + bundled + " to fill " + library.folder + " from";
+        return true;
+    }
+    if (!toolbox::EnsureFolder(library.applicationFolder) ||
+        !CopyLibrary(bundled, library.folder, library.filledCount, error)) {
+        if (error.empty()) {
+            error = "cannot create the folder " + library.applicationFolder;
+        }
+        return false;
+    }
+    library.filledFrom = bundled;
+    return true;
+}
+
+bool IsWritableFolder(const std::string& folder)
+{
+    return access(folder.c_str(), W_OK | X_OK) == 0;
+}
+
+}  // namespace stavio::app

@@ -1,0 +1,81 @@
+#include "stavio/dialogs/dialog_text.h"
+
+#include "stavio/dialogs/dialog_session.h"
+
+#include <sstream>
+
+namespace stavio {
+
+namespace {
+
+const toolbox::ListControl* ListInside(const toolbox::Dialog& dialog, const toolbox::DialogRect& rect)
+{
+    for (const auto& list : dialog.Lists()) {
+        if (toolbox::RectsOverlap(list->Bounds(), rect)) {
+            return list.get();
+        }
+    }
+    return nullptr;
+}
+
+void WriteList(std::ostream& out, const toolbox::ListControl& list)
+{
+    if (list.Rows() == 0) {
+        out << "      (empty list)\n";
+    }
+    for (int row = 0; row < list.Rows(); ++row) {
+        const std::string* text = list.CellText(toolbox::Cell{row, 0});
+        out << (list.IsSelected(toolbox::Cell{row, 0}) ? "   > " : "     ") << (row < 9 ? " " : "") << row + 1
+            << "  " << (text != nullptr ? *text : std::string()) << "\n";
+    }
+}
+
+void WriteControl(std::ostream& out, const toolbox::DialogItem& item)
+{
+    out << "  [" << item.Number() << "] ";
+    switch (item.Kind()) {
+    case toolbox::DialogItemKind::kButton:
+        out << "<" << item.Label() << ">";
+        break;
+    case toolbox::DialogItemKind::kRadio:
+        out << (item.Value() != 0 ? "(*) " : "( ) ") << item.Label();
+        break;
+    case toolbox::DialogItemKind::kCheckbox:
+        out << (item.Value() != 0 ? "[x] " : "[ ] ") << item.Label();
+        break;
+    case toolbox::DialogItemKind::kPopup: {
+        const std::string* chosen = item.MenuEntryText(item.Value());
+        out << item.Label() << (item.Label().empty() ? "" : " ") << (chosen != nullptr ? *chosen : "(nothing)")
+            << "   [" << DescribeEntries(item) << "]";
+        break;
+    }
+    default:
+        break;
+    }
+    out << (item.IsEnabled() ? "" : "  (disabled)") << "\n";
+}
+
+}  // namespace
+
+std::string DescribeDialog(const toolbox::Dialog& dialog)
+{
+    std::ostringstream out;
+    out << "== " << (dialog.Title().empty() ? "Dialog" : dialog.Title()) << " ==\n";
+    for (const toolbox::DialogItem& item : dialog.Items()) {
+        if (!item.IsVisible()) {
+            continue;
+        }
+        if (item.Kind() == toolbox::DialogItemKind::kStaticText) {
+            out << item.Label() << "\n";
+        } else if (item.Kind() == toolbox::DialogItemKind::kUserItem) {
+            if (const toolbox::ListControl* list = ListInside(dialog, item.Rect())) {
+                WriteList(out, *list);
+            }
+        } else {
+            WriteControl(out, item);
+        }
+    }
+    return out.str();
+}
+
+}  // namespace stavio

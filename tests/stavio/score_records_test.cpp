@@ -1,0 +1,225 @@
+// The records the score-editing utilities use, as a plug-in reaches them through the table:
+// staff styles and their assignments, text expressions and their assignments, the instrument
+// list, the drum-staff records, and the host's refusal of wrong sizes, versions and keys.
+#include "stavio/document/text_expressions.h"
+#include "stavio/document_builder.h"
+#include "stavio/host.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <string>
+#include <vector>
+
+namespace stavio {
+namespace {
+
+constexpr EVERSION kV = kPluginApiVersion;
+
+EDataID Key(uint16_t cmper, int16_t inci)
+{
+    EDataID id{};
+    id.other = EOtherID{cmper, inci};
+    return id;
+}
+
+EXMEASRANGE Range(int16_t first, int16_t last)
+{
+    return EXMEASRANGE{EXMEASPOINT{first, 0}, EXMEASPOINT{last, kEndOfMeasure}};
+}
+
+class StavioScoreRecords : public ::testing::Test {
+protected:
+    StavioScoreRecords()
+    {
+        EDTStaffStyle2003 slash{};
+        slash.altFlag = 0x7101;
+        slash.mask2 = 0x1000;
+        host_.SetDocument(DocumentBuilder()
+                              .Measures(8)
+                              .Staff("Piano")
+                              .Staff("Drum Set")
+                              .StaffStyle(1, slash)
+                              .StaffStyle(5, EDTStaffStyle2003{})
+                              .StyleAssignment(2, 1, Range(1, 2))
+                              .StyleAssignment(2, 5, Range(3, 4))
+                              .StyleAssignment(2, 1, Range(5, 6))
+                              .TextExpression(1, "<HP off>", 529)
+                              .TextExpression(3, "rit.", 0)
+                              .ExpressionAssignment(2, 4, 1)
+                              .ExpressionAssignment(1, 4, 3)
+                              .Build());
+    }
+    const StavioFuncs& T() const { return host_.FunctionTable(); }
+
+    template <typename Record>
+    bool Load(EXTAG tag, uint16_t cmper, int16_t inci, Record& record, EVERSION version = kV) const
+    {
+        EDataID key = Key(cmper, inci);
+        int32_t size = sizeof(Record);
+        return T().SX_LoadEData(tag, &key, &record, &size, version) != 0;
+    }
+    int16_t StyleAt(uint16_t inst, int16_t inci) const
+    {
+        EDTStaffStyleAssign assignment{};
+        return Load(kTagStaffStyleAssign, inst, inci, assignment) ? assignment.range.start.meas : int16_t{-1};
+    }
+
+    Host host_;
+};
+
+TEST_F(StavioScoreRecords, StyleAssignmentsAppendShiftDownOnDeleteAndNeedTheirStaff)
+{
+    EXPECT_EQ(StyleAt(2, 0), 1);
+    EXPECT_EQ(StyleAt(2, 2), 5);
+    EXPECT_EQ(StyleAt(1, 0), -1);
+
+    EDTStaffStyleAssign assignment{};
+    assignment.style = 1;
+    assignment.range = Range(7, 8);
+    EDataID key = Key(2, -1);
+    ASSERT_EQ(T().SX_CreateEData(kTagStaffStyleAssign, &key, &assignment, 24, kV), 1);
+    EXPECT_EQ(key.other.inci, 3);
+
+    EDataID doomed = Key(2, 1);
+    ASSERT_EQ(T().SX_DeleteEData(kTagStaffStyleAssign, &doomed, kV), 1);
+    EXPECT_EQ(StyleAt(2, 1), 5);
+    EXPECT_EQ(StyleAt(2, 2), 7);
+    EXPECT_EQ(StyleAt(2, 3), -1);
+
+    for (uint16_t missing : {uint16_t{0}, uint16_t{3}, kPickNumber}) {
+        key = Key(missing, -1);
+        EXPECT_EQ(T().SX_CreateEData(kTagStaffStyleAssign, &key, &assignment, 24, kV), 0) << missing;
+        key = Key(missing, 0);
+        EXPECT_EQ(T().SX_SaveEData(kTagStaffStyleAssign, &key, &assignment, 24, kV), 0) << missing;
+    }
+    key = Key(1, -1);
+    EXPECT_EQ(T().SX_CreateEData(kTagStaffStyleAssign, &key, &assignment, 22, kV), 0) << "wrong size";
+}
+
+TEST_F(StavioScoreRecords, ExpressionDefinitionsAreNumberedAfterTheHighestAndAnswerTheirStoredLength)
+{
+    const std::string text = "<HP on>";
+    std::vector<uint8_t> bytes(12 + text.size() + 1, 0);
+    bytes[10] = 0x10;   // word 5, playback type 528
+    bytes[11] = 0x02;
+    std::memcpy(bytes.data() + 12, text.c_str(), text.size() + 1);
+    EDataID key = Key(kPickNumber, 0);
+    ASSERT_EQ(T().SX_CreateEData(kTagTextExpression, &key, bytes.data(), static_cast<int32_t>(bytes.size()), kV), 1);
+    EXPECT_EQ(key.other.cmper, 4) << "after the highest (3), not the first gap";
+
+    int32_t size = 0;
+    key = Key(4, 0);
+    ASSERT_EQ(T().SX_LoadEData(kTagTextExpression, &key, nullptr, &size, kV), 1);
+    EXPECT_EQ(size, static_cast<int32_t>(text.size() + 13));
+    key = Key(1, 0);
+    ASSERT_EQ(T().SX_LoadEData(kTagTextExpression, &key, nullptr, &size, kV), 1);
+    EXPECT_EQ(size, 8 + 13);
+    std::vector<char> buffer(static_cast<size_t>(size));
+    ASSERT_EQ(T().SX_LoadEData(kTagTextExpression, &key, buffer.data(), &size, 0x0A000000), 1);
+    EDTTextExpressionHeader header{};
+    std::memcpy(&header, buffer.data(), sizeof(header));
+    EXPECT_EQ(header.playbackType, 529);
+    EXPECT_STREQ(buffer.data() + 12, "<HP off>");
+    key = Key(2, 0);
+    EXPECT_EQ(T().SX_LoadEData(kTagTextExpression, &key, nullptr, &size, kV), 0);
+
+    // A definition must carry its header and a terminated text.
+    const char unterminated[14] = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 'a', 'b'};
+    key = Key(kPickNumber, 0);
+    EXPECT_EQ(T().SX_CreateEData(kTagTextExpression, &key, unterminated, 14, kV), 0);
+    key = Key(1, 0);
+    EXPECT_EQ(T().SX_SaveEData(kTagTextExpression, &key, unterminated, 12, kV), 0);
+    EXPECT_EQ(ReadTextExpression(host_.document(), 1)->text, "<HP off>");
+}
+
+TEST_F(StavioScoreRecords, ExpressionAssignmentsAppendPerMeasureAndShiftDownOnDelete)
+{
+    std::vector<EDTGeneric> assigned = ExpressionAssignments(host_.document(), 4);
+    ASSERT_EQ(assigned.size(), 2u);
+    EXPECT_EQ(assigned[0].words[0], 1);
+    EXPECT_EQ(assigned[0].words[2], 76);
+    EXPECT_EQ(static_cast<uint16_t>(assigned[0].words[5]), 0x1002);
+    EXPECT_TRUE(AssignmentOnStaff(assigned[0], 2));
+    EXPECT_FALSE(AssignmentOnStaff(assigned[1], 2));
+    EDTMeasureSpec2005 spec{};
+    ASSERT_TRUE(Load(kTagMeasureSpec, 4, 0, spec));
+    EXPECT_TRUE(spec.meflag & kMeasureMeflagHasExpressions);
+
+    EDTGeneric label = ExpressionAssignmentFor(3, 2);
+    EDataID key = Key(4, -1);
+    ASSERT_EQ(T().SX_CreateEData(kTagExpressionAssign, &key, &label, 12, kV), 1);
+    EXPECT_EQ(key.other.inci, 2);
+    EDataID first = Key(4, 0);
+    ASSERT_EQ(T().SX_DeleteEData(kTagExpressionAssign, &first, kV), 1);
+    assigned = ExpressionAssignments(host_.document(), 4);
+    ASSERT_EQ(assigned.size(), 2u);
+    EXPECT_EQ(assigned[0].words[0], 3);
+    EXPECT_TRUE(AssignmentOnStaff(assigned[1], 2));
+    EXPECT_TRUE(ExpressionAssignments(host_.document(), 5).empty());
+}
+
+TEST_F(StavioScoreRecords, InstrumentListSavedShorterLosesItsLaterSlots)
+{
+    // Load the list of system 0 the way a plug-in does, slot by slot until one is missing.
+    std::vector<EDTInstrumentUsed> list;
+    for (int16_t slot = 0;; ++slot) {
+        EDTInstrumentUsed entry{};
+        if (!Load(kTagInstrumentUsed, 0, slot, entry)) {
+            break;
+        }
+        list.push_back(entry);
+    }
+    ASSERT_EQ(list.size(), 2u);
+    EXPECT_EQ(list[1].separ, list[0].separ - kStaffSpacing);
+
+    // Keep the second staff only, moved up, and delete what lies beyond the list.
+    list.erase(list.begin());
+    list[0].separ = -250;
+    EDataID key = Key(0, 0);
+    ASSERT_EQ(T().SX_SaveEData(kTagInstrumentUsed, &key, &list[0], 24, kV), 1);
+    key = Key(0, 1);
+    ASSERT_EQ(T().SX_DeleteEData(kTagInstrumentUsed, &key, kV), 1);
+    EXPECT_EQ(T().SX_SlotToInst(1, 0, kV), 2);
+    EXPECT_EQ(T().SX_SlotToInst(2, 0, kV), 0);
+    EXPECT_EQ(T().SX_DeleteEData(kTagInstrumentUsed, &key, kV), 0);
+}
+
+TEST_F(StavioScoreRecords, DrumRecordsAreStrictAboutSizeVersionAndStaff)
+{
+    EDTInstrumentUsage usage{};
+    EXPECT_TRUE(Load(kTagInstrumentUsage, 2, 0, usage, kInstrumentUsageVersion));
+    EXPECT_TRUE(Load(kTagInstrumentUsage, 2, 0, usage, kV));
+    EXPECT_FALSE(Load(kTagInstrumentUsage, 2, 0, usage, 0x0A000000)) << "older than the 24-byte layout";
+    EDataID key = Key(3, 0);
+    EXPECT_EQ(T().SX_SaveEData(kTagInstrumentUsage, &key, &usage, 24, kInstrumentUsageVersion), 0) << "no staff 3";
+    key = Key(2, 1);
+    EXPECT_EQ(T().SX_SaveEData(kTagInstrumentUsage, &key, &usage, 24, kInstrumentUsageVersion), 0)
+        << "one usage per staff";
+    key = Key(2, 0);
+    EXPECT_EQ(T().SX_SaveEData(kTagInstrumentUsage, &key, &usage, 22, kInstrumentUsageVersion), 0);
+
+    EDTDrumStaff drum{};
+    drum.percMap = 1;
+    EXPECT_EQ(T().SX_SaveEData(kTagDrumStaff, &key, &drum, 24, kV), 1);
+    EXPECT_EQ(T().SX_SaveEData(kTagDrumStaff, &key, &drum, 26, kV), 0);
+    key = Key(0, 0);
+    EXPECT_EQ(T().SX_SaveEData(kTagDrumStaff, &key, &drum, 24, kV), 0);
+
+    EDTStaffStyle2003 style{};
+    EXPECT_TRUE(Load(kTagStaffStyle, 1, 0, style));
+    EXPECT_FALSE(Load(kTagStaffStyle, 1, 0, style, 0x07FFFFFF)) << "the 132-byte layout is the 2003 one";
+
+    EDataID clef{};
+    clef.words[0] = kPercussionClef;
+    EDTClefDef def{};
+    int32_t size = 16;
+    EXPECT_EQ(T().SX_LoadEData(kTagClefDef, &clef, &def, &size, kV), 0);
+    EDTFontPref font{};
+    size = 8;
+    key = Key(6, 0);
+    EXPECT_EQ(T().SX_LoadEData(kTagDefaultFontPref, &key, &font, &size, kV), 0);
+}
+
+}  // namespace
+}  // namespace stavio

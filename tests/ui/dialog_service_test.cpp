@@ -1,0 +1,417 @@
+// The host's dialog service and its two front ends, driven with a probe program: what messages
+// a dialog's program receives and when, the item services on the toolbox model, timers, the
+// close box, nested dialogs, and a person at a terminal (an injected input stream).
+#include "stavio/dialogs/terminal_front_end.h"
+#include "tests/ui/ui_test_support.h"
+#include "toolbox/dialogs.h"
+#include "toolbox/resources.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <sstream>
+
+using stavio::DialogAction;
+using stavio::HostPose;
+using namespace ui_test;
+
+namespace {
+
+constexpr int32_t kProbeDialog = 300;
+constexpr int32_t kNestedDialog = 301;
+
+const char kLayouts[] =
+    "resource 'DLOG' 300 \"Probe\" {\n"
+    "    title = \"Probe\"\n"
+    "    size = 300 200\n"
+    "    item 6 = static 150 80 280 100 \"A note\"\n"
+    "    item 4 = user 20 50 135 150\n"
+    "    item 3 = checkbox 20 20 180 38 \"Loud\"\n"
+    "    item 5 = popup 150 50 280 70 \"Kit:\"\n"
+    "    entries 5 = \"Rock\" \"Jazz\"\n"
+    "    item 2 = button 110 160 190 180 \"Cancel\"\n"
+    "    item 1 = button 200 160 280 180 \"OK\"\n"
+    "}\n"
+    "resource 'DLOG' 301 {\n"
+    "    item 1 = button 10 10 60 30 \"OK\"\n"
+    "    item 2 = button 70 10 130 30 \"Cancel\"\n"
+    "}\n";
+
+// What the probe program does and what it was told.
+struct Probe {
+    const StavioFuncs* table = nullptr;
+    std::vector<std::string> messages;
+    bool show = true;
+    int32_t timerPeriod = 0;         // started at initialisation when not 0
+    bool endOnOK = true;
+    bool endOnCancel = true;
+    bool endOnCloseRequest = false;
+    int listRows = 0;                // a list in item 4 with this many rows
+    bool nestOnOK = false;
+    std::string onOK;                // what the probe saw when OK was pressed
+    EDLG dialog = nullptr;
+};
+Probe gProbe;
+
+toolbox::ListControl* ProbeList(EDLG dialog)
+{
+    toolbox::Dialog* model = toolbox::LiveDialog(dialog);
+    return model == nullptr || model->Lists().empty() ? nullptr : model->Lists().front().get();
+}
+
+int32_t NestedHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t, void*)
+{
+    gProbe.messages.push_back("nested " + std::to_string(message) + (message == kDlgMsgCommand ? " " + std::to_string(wParam) : ""));
+    if (message == kDlgMsgInit) {
+        toolbox::LiveDialog(dialog)->SetShown(true);
+    } else if (message == kDlgMsgCommand && wParam == 2) {
+        gProbe.table->SX_EndDialog(dialog, 2, kPluginApiVersion);
+    }
+    return 0;
+}
+
+int32_t ProbeHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lParam, void* flags)
+{
+    const StavioFuncs& host = *gProbe.table;
+    gProbe.dialog = dialog;
+    switch (message) {
+    case kDlgMsgInit:
+        gProbe.messages.push_back("init");
+        if (gProbe.listRows > 0) {
+            toolbox::ListSpec spec;
+            spec.view = toolbox::DialogRect{20, 50, 120, 150};
+            spec.singleSelection = true;
+            toolbox::ListControl* list = nullptr;
+            toolbox::LiveDialog(dialog)->NewList(spec, list);
+            list->AddRows(gProbe.listRows, 0);
+            for (int row = 0; row < gProbe.listRows; ++row) {
+                list->SetCellText(toolbox::Cell{row, 0}, "Row " + std::to_string(row + 1));
+            }
+        }
+        if (gProbe.timerPeriod > 0) {
+            host.SX_SetTimer(dialog, 1, gProbe.timerPeriod, kPluginApiVersion);
+        }
+        if (gProbe.show) {
+            toolbox::LiveDialog(dialog)->SetShown(true);
+        }
+        break;
+    case kDlgMsgCommand:
+        gProbe.messages.push_back("command " + std::to_string(wParam));
+        if (wParam == 3) {
+            host.SX_SetDlgCntlVal(dialog, 3, host.SX_GetDlgCntlVal(dialog, 3, kPluginApiVersion) == 0 ? 1 : 0,
+                                  kPluginApiVersion);
+        } else if (wParam == 1) {
+            toolbox::Cell cell{0, 0};
+            const toolbox::ListControl* list = ProbeList(dialog);
+            gProbe.onOK = "loud " + std::to_string(host.SX_GetDlgItemVal(dialog, 3, kPluginApiVersion)) + ", kit " +
+                          std::to_string(host.SX_GetDlgCntlVal(dialog, 5, kPluginApiVersion)) + ", row " +
+                          std::to_string(list != nullptr && list->FindSelectedCell(cell) ? cell.row + 1 : 0);
+            if (gProbe.nestOnOK) {
+                host.SX_Dialog(kNestedDialog, reinterpret_cast<void*>(&NestedHandler), nullptr, 1, nullptr,
+                               kPluginApiVersion);
+            }
+            if (gProbe.endOnOK) {
+                host.SX_EndDialog(dialog, 7, kPluginApiVersion);
+            }
+        } else if (wParam == 2 && gProbe.endOnCancel) {
+            *static_cast<uint32_t*>(flags) |= 0x10000;
+            host.SX_EndDialog(dialog, 2, kPluginApiVersion);
+        }
+        break;
+    case kDlgMsgTimer:
+        gProbe.messages.push_back("timer " + std::to_string(wParam));
+        host.SX_KillTimer(dialog, static_cast<int32_t>(wParam), kPluginApiVersion);
+        host.SX_EndDialog(dialog, 0, kPluginApiVersion);
+        break;
+    case kDlgMsgPaint:
+        gProbe.messages.push_back("paint");
+        break;
+    case kDlgMsgMouseDown:
+        gProbe.messages.push_back("mouse");
+        if (toolbox::ListControl* list = ProbeList(dialog)) {
+            list->Click(toolbox::Point{static_cast<int>(wParam), toolbox::MouseDownY(lParam)},
+                        toolbox::MouseDownModifiers(lParam), toolbox::NowMilliseconds());
+        }
+        break;
+    case kDlgMsgCloseRequest:
+        gProbe.messages.push_back("close request");
+        if (gProbe.endOnCloseRequest) {
+            host.SX_EndDialog(dialog, 9, kPluginApiVersion);
+        }
+        break;
+    case kDlgMsgClose:
+        gProbe.messages.push_back("close");
+        break;
+    default:
+        break;
+    }
+    return 0;
+}
+
+using Messages = std::vector<std::string>;
+
+class DialogService : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        gProbe = Probe{};
+        gProbe.table = &table_;
+        WriteFile(folder_ / "probe.rsrc", kLayouts);
+        ASSERT_GE(toolbox::OpenResFile(toolbox::FileSpec{folder_.Path(), "probe.rsrc"}, true), 0);
+    }
+    void TearDown() override
+    {
+        toolbox::DisposeAllDialogs();
+        toolbox::CloseAllResFiles();
+    }
+    int32_t Run(stavio::FrontEnd& frontEnd, int32_t id = kProbeDialog, HostPose pose = HostPose::Newer)
+    {
+        stavio::Host host(stavio::HostSettings{pose, "", ""}, &frontEnd);
+        table_ = host.FunctionTable();
+        SXTransitionVector vector{&ProbeHandler, nullptr};
+        void* handler = pose == HostPose::Older ? static_cast<void*>(&vector) : reinterpret_cast<void*>(&ProbeHandler);
+        return table_.SX_Dialog(id, handler, nullptr, 1, &flags_, kPluginApiVersion);
+    }
+    int32_t RunScript(std::vector<DialogAction> actions, HostPose pose = HostPose::Newer)
+    {
+        script_.SetDialogScript(stavio::DialogScript{kProbeDialog, std::move(actions)});
+        return Run(script_, kProbeDialog, pose);
+    }
+    std::string Notes() const
+    {
+        std::string notes;
+        for (const auto& dialog : script_.DialogLog()) {
+            for (const auto& note : dialog.notes) {
+                notes += note + "\n";
+            }
+        }
+        return notes;
+    }
+
+    TempFolder folder_;
+    StavioFuncs table_{};
+    uint32_t flags_ = 0;
+    stavio::ScriptedFrontEnd script_;
+};
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+}  // namespace
+
+TEST_F(DialogService, SendsEachActionAsTheProgramsMessageAndClosesLast)
+{
+    EXPECT_EQ(RunScript({DialogAction::PressItem(3), DialogAction::ChooseEntryNamed(5, "jazz"),
+                         DialogAction::PressItem(1)}),
+              7);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 3", "command 5", "command 1", "close"}));
+    EXPECT_EQ(gProbe.onOK, "loud 1, kit 2, row 0");
+    ASSERT_EQ(script_.DialogLog().size(), 1u);
+    EXPECT_TRUE(script_.DialogLog()[0].shown);
+    EXPECT_EQ(script_.DialogLog()[0].result, 7);
+    EXPECT_TRUE(Notes().empty()) << Notes();
+
+    // The model is gone with the dialog: the services refuse the stale handle.
+    EXPECT_EQ(toolbox::LiveDialog(gProbe.dialog), nullptr);
+    EXPECT_EQ(table_.SX_GetDlgCntlVal(gProbe.dialog, 3, kPluginApiVersion), 0);
+    EXPECT_EQ(table_.SX_EndDialog(gProbe.dialog, 1, kPluginApiVersion), 0);
+    EXPECT_EQ(table_.SX_SetTimer(gProbe.dialog, 1, 10, kPluginApiVersion), 0);
+}
+
+TEST_F(DialogService, TheOlderPoseCallsThroughTheTransitionVector)
+{
+    EXPECT_EQ(RunScript({DialogAction::PressItem(1)}, HostPose::Older), 7);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", "close"}));
+}
+
+TEST_F(DialogService, ItemServicesWorkOnTheLiveModel)
+{
+    struct Checker : stavio::ScriptedFrontEnd {
+        const StavioFuncs* table;
+        std::vector<int32_t> answers;
+        void RunDialog(stavio::DialogSession& session) override
+        {
+            EDLG dialog = &session.Dialog();
+            const StavioFuncs& t = *table;
+            answers = {t.SX_SetDlgCntlVal(dialog, 5, 2, kPluginApiVersion), t.SX_GetDlgCntlVal(dialog, 5, kPluginApiVersion),
+                       t.SX_SetDlgItemVal(dialog, 5, 9, kPluginApiVersion), t.SX_GetDlgItemVal(dialog, 5, kPluginApiVersion),
+                       t.SX_SetDlgCntlVal(dialog, 6, 1, kPluginApiVersion), t.SX_EnableDlgItem(dialog, 3, 0, kPluginApiVersion),
+                       t.SX_EnableDlgItem(dialog, 99, 0, kPluginApiVersion), t.SX_ShowHideDlgItem(dialog, 1, 0, kPluginApiVersion),
+                       t.SX_KillTimer(dialog, 4, kPluginApiVersion)};
+            EXPECT_EQ(t.SX_GetDlgCntl(dialog, 6, kPluginApiVersion), nullptr) << "static text is no control";
+            EXPECT_EQ(toolbox::LiveControl(t.SX_GetDlgCntl(dialog, 5, kPluginApiVersion)), session.Dialog().Item(5));
+            std::string why;
+            EXPECT_FALSE(session.Press(3, why));
+            EXPECT_EQ(why, "item 3 (\"Loud\") is disabled");
+            EXPECT_FALSE(session.Press(1, why));
+            EXPECT_EQ(why, "item 1 (\"OK\") is hidden");
+            EXPECT_FALSE(session.Press(5, why));
+            EXPECT_EQ(why, "item 5 (\"Kit:\") is not a button, radio button or checkbox");
+            EXPECT_FALSE(session.Click(toolbox::Point{400, 10}, 0, why));
+            EXPECT_TRUE(t.SX_EndDialog(dialog, 4, kPluginApiVersion));
+            EXPECT_FALSE(session.Press(2, why));
+            EXPECT_EQ(why, "the dialog has ended");
+        }
+    } checker;
+    stavio::Host host(stavio::HostSettings{}, &checker);
+    table_ = host.FunctionTable();
+    checker.table = &table_;
+    checker.SetDialogScript({});
+    EXPECT_EQ(table_.SX_Dialog(kProbeDialog, reinterpret_cast<void*>(&ProbeHandler), nullptr, 1, &flags_,
+                               kPluginApiVersion),
+              4);
+    EXPECT_EQ(checker.answers, (std::vector<int32_t>{1, 2, 1, 2, 0, 1, 0, 1, 0}));
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "close"}));
+}
+
+TEST_F(DialogService, DialogsAreRefusedWhenTheyCannotRun)
+{
+    stavio::ScriptedFrontEnd alertsOnly;
+    EXPECT_EQ(Run(alertsOnly), 0);
+    EXPECT_TRUE(gProbe.messages.empty()) << "the program is never initialised";
+    ASSERT_EQ(alertsOnly.DialogLog().size(), 1u);
+    EXPECT_FALSE(alertsOnly.DialogLog()[0].opened);
+    EXPECT_EQ(alertsOnly.DialogLog()[0].problem, "this front end shows no dialogs");
+
+    script_.SetDialogScript({});
+    EXPECT_EQ(Run(script_, 999), 0);
+    EXPECT_TRUE(gProbe.messages.empty());
+    EXPECT_TRUE(Has(script_.DialogLog().back().problem, "999")) << script_.DialogLog().back().problem;
+
+    stavio::Host host(stavio::HostSettings{}, &script_);
+    EXPECT_EQ(host.FunctionTable().SX_Dialog(kProbeDialog, nullptr, nullptr, 1, &flags_, kPluginApiVersion), 0);
+    EXPECT_EQ(script_.DialogLog().back().problem, "the plug-in gave no dialog handler");
+}
+
+TEST_F(DialogService, AHiddenDialogWithATimerEndsOnItsTick)
+{
+    gProbe.show = false;
+    gProbe.timerPeriod = 100;
+    EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 0);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "timer 1", "close"}));
+    EXPECT_FALSE(script_.DialogLog()[0].shown);
+    EXPECT_TRUE(Notes().empty()) << Notes();
+
+    // Without a timer, a dialog its program never shows is closed by the front end.
+    gProbe = Probe{};
+    gProbe.table = &table_;
+    gProbe.show = false;
+    EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 2);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "close request", "command 2", "close"}));
+    EXPECT_TRUE(Has(Notes(), "did not show the dialog")) << Notes();
+}
+
+TEST_F(DialogService, TheCloseBoxFallsBackOnCancelAndThenEndsTheDialogItself)
+{
+    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 2);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
+    EXPECT_EQ(flags_, 0x10000u);
+
+    gProbe.messages.clear();
+    gProbe.endOnCancel = false;
+    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 0);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
+
+    gProbe.messages.clear();
+    gProbe.endOnCloseRequest = true;
+    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 9);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "close"}));
+}
+
+TEST_F(DialogService, ARefusedOKIsReportedAndCancelled)
+{
+    gProbe.endOnOK = false;
+    EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 2);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", "command 2", "close"}));
+    EXPECT_TRUE(Has(Notes(), "stayed open after the last scripted action, press \"OK\" (item 1)")) << Notes();
+}
+
+TEST_F(DialogService, ADialogOpenedFromADialogRunsAndClosesInside)
+{
+    gProbe.nestOnOK = true;
+    EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 7);
+    const std::string init = "nested " + std::to_string(kDlgMsgInit);
+    const std::string paint = "nested " + std::to_string(kDlgMsgPaint);
+    const std::string cancel = "nested " + std::to_string(kDlgMsgCommand) + " 2";
+    const std::string close = "nested " + std::to_string(kDlgMsgClose);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", init, paint, cancel, close, "close"}));
+    ASSERT_EQ(script_.DialogLog().size(), 2u);
+    EXPECT_EQ(script_.DialogLog()[0].dialogId, kNestedDialog);
+    EXPECT_TRUE(Has(script_.DialogLog()[0].notes.at(0), "no script for dialog 301"));
+}
+
+TEST_F(DialogService, AListRowOutOfViewIsScrolledToWithTheScrollBar)
+{
+    gProbe.listRows = 30;
+    EXPECT_EQ(RunScript({DialogAction::ClickListRow(4, 25), DialogAction::PressItem(1)}), 7);
+    EXPECT_EQ(gProbe.onOK, "loud 0, kit 1, row 25");
+    const auto mice = std::count(gProbe.messages.begin(), gProbe.messages.end(), "mouse");
+    EXPECT_GT(mice, 2) << "arrow presses, then the row";
+
+    gProbe = Probe{};
+    gProbe.table = &table_;
+    gProbe.listRows = 3;
+    RunScript({DialogAction::ClickListRowNamed(4, "ROW 2"), DialogAction::PressItem(1)});
+    EXPECT_EQ(gProbe.onOK, "loud 0, kit 1, row 2");
+    RunScript({DialogAction::ClickListRow(4, 4)});
+    EXPECT_TRUE(Has(Notes(), "the list has no row 4 (it has 3)")) << Notes();
+}
+
+// ---- A person at a terminal ---------------------------------------------------------------------
+
+TEST_F(DialogService, ThePersonSeesTheDialogAndTypesWhatToDo)
+{
+    gProbe.listRows = 3;
+    std::istringstream in("2\nset 5 Jazz\npress 3\nbogus\npress 9\nset 5 4\nok\n");
+    std::ostringstream out;
+    stavio::TerminalFrontEnd terminal(in, out);
+    EXPECT_EQ(Run(terminal), 7);
+    EXPECT_EQ(gProbe.onOK, "loud 1, kit 2, row 2");
+    const std::string shown = out.str();
+    EXPECT_TRUE(Has(shown, "== Probe ==\nA note\n")) << shown;
+    EXPECT_TRUE(Has(shown, "      1  Row 1\n   >  2  Row 2\n")) << shown;
+    EXPECT_TRUE(Has(shown, "  [3] [x] Loud\n")) << shown;
+    EXPECT_TRUE(Has(shown, "  [5] Kit: Jazz   [1 Rock, 2 Jazz]\n")) << shown;
+    EXPECT_TRUE(Has(shown, "  [1] <OK>\n")) << shown;
+    EXPECT_TRUE(Has(shown, "Unknown command \"bogus\"")) << shown;
+    EXPECT_TRUE(Has(shown, "Cannot do that: the dialog has no item 9")) << shown;
+    EXPECT_TRUE(Has(shown, "Cannot do that: item 5 (\"Kit:\") has no entry 4")) << shown;
+    EXPECT_EQ(gProbe.messages.back(), "close");
+}
+
+TEST_F(DialogService, TheEndOfTheInputClosesTheDialogAndAnswersNo)
+{
+    std::istringstream in("cancel-not\n");
+    std::ostringstream out;
+    stavio::TerminalFrontEnd terminal(in, out);
+    EXPECT_EQ(Run(terminal), 2);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
+    EXPECT_TRUE(Has(out.str(), "(end of input: the dialog is closed)")) << out.str();
+
+    EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0, "Go on?"}), kAlertAnswerNo);
+    ASSERT_EQ(terminal.Alerts().size(), 1u);
+    EXPECT_EQ(terminal.Alerts()[0].answer, kAlertAnswerNo);
+}
+
+TEST(TerminalFrontEnd, AsksQuestionsUntilAnsweredAndShowsNotices)
+{
+    std::istringstream in("maybe\n YES \nn\n");
+    std::ostringstream out;
+    stavio::TerminalFrontEnd terminal(in, out);
+    EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0x4E210001, "Fill everything?"}), kAlertAnswerYes);
+    EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertStop, 0, "Choose a groove."}), kAlertAnswerOk);
+    EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0, "Replace?"}), kAlertAnswerNo);
+    EXPECT_EQ(out.str(), "\nQuestion: Fill everything?\nYes or No? [y/n] Yes or No? [y/n] \nStop: Choose a groove.\n"
+                         "\nQuestion: Replace?\nYes or No? [y/n] ");
+}
+
+TEST_F(DialogService, AHiddenDialogAtTheTerminalWaitsForItsTimer)
+{
+    gProbe.show = false;
+    gProbe.timerPeriod = 20;
+    std::istringstream in;
+    std::ostringstream out;
+    stavio::TerminalFrontEnd terminal(in, out);
+    EXPECT_EQ(Run(terminal), 0);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "timer 1", "close"}));
+    EXPECT_TRUE(out.str().empty()) << out.str();
+}

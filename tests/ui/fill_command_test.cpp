@@ -1,0 +1,211 @@
+// `tamberlyne fill` as a person runs it: its help, its complaints, the groove library it uses,
+// what it prints and its exit status.
+#include "tests/ui/ui_test_support.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <filesystem>
+
+using namespace ui_test;
+
+namespace {
+
+struct CommandRun {
+    int status = -1;
+    std::string out;
+    std::string err;
+};
+
+// Runs the command with `environment` (NAME=value ...) and `input` on its standard input.
+CommandRun Tamberlyne(const std::string& arguments, const std::string& environment = "",
+                      const std::string& input = "")
+{
+    TempFolder folder;
+    const std::string out = folder / "out";
+    const std::string err = folder / "err";
+    const std::string in = folder / "in";
+    WriteFile(in, input);
+    const std::string command = "env " + environment + " " + BuildDir() + "/bin/tamberlyne " + arguments + " <" + in +
+                                " >" + out + " 2>" + err;
+    CommandRun run;
+    const int raw = std::system(command.c_str());
+    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
+    run.out = ReadFile(out);
+    run.err = ReadFile(err);
+    return run;
+}
+
+bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+
+// A folder "Tamberlyne" with two grooves, and the environment that keeps preferences and the
+// per-user library inside the test's own folder.
+class FillCommand : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        library_ = MakeGrooveFolder(home_.Path(), {"Funk.mid", "Rock.mid"});
+        environment_ = "XDG_CONFIG_HOME=" + home_.Path() + "/config XDG_DATA_HOME=" + home_.Path() + "/data";
+    }
+    CommandRun Fill(const std::string& options, const std::string& input = "")
+    {
+        return Tamberlyne("fill " + options, environment_, input);
+    }
+
+    TempFolder home_;
+    std::string library_;
+    std::string environment_;
+};
+
+}  // namespace
+
+TEST_F(FillCommand, HelpDescribesEveryOption)
+{
+    const CommandRun run = Fill("--help");
+    EXPECT_EQ(run.status, 0);
+    for (const char* option : {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER",
+                               "--style drums|percussion-clef|slashes", "--new-staff", "--yes, --no", "--library DIR",
+                               "--interactive", "--json", "Exit status"}) {
+        EXPECT_TRUE(Has(run.out, option)) << option;
+    }
+    EXPECT_TRUE(Has(Tamberlyne("--help").out, "fill [fill options]"));
+}
+
+TEST_F(FillCommand, WrongUsageSaysWhatIsWrongAndExitsWithTwo)
+{
+    for (const auto& [options, complaint] : std::vector<std::pair<std::string, std::string>>{
+             {"--style wood", "--style takes drums, percussion-clef or slashes (got \"wood\")"},
+             {"--measures 12-5", "the last measure 5 comes before the first 12"},
+             {"--measures five", "FIRST-LAST or one measure number"},
+             {"--measures 5-20", "the demo score has 16 measures"},
+             {"--yes --no", "--yes and --no contradict each other"},
+             {"--groove", "option --groove needs a value"},
+             {"--colour red", "unknown option \"--colour\" for the fill command"},
+             {"extra", "takes no arguments besides its options (got \"extra\")"}}) {
+        const CommandRun run = Fill(options);
+        EXPECT_EQ(run.status, 2) << options;
+        EXPECT_TRUE(Has(run.err, complaint)) << options << ": " << run.err;
+    }
+}
+
+TEST_F(FillCommand, TheLibraryMustBeAWritableFolderNamedTamberlyne)
+{
+    std::filesystem::create_directories(home_ / "Grooves");
+    CommandRun run = Fill("--measures 1-4 --groove Rock --library " + home_ / "Grooves");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "must be a folder named \"Tamberlyne\"")) << run.err;
+    EXPECT_TRUE(Has(run.err, "is named \"Grooves\"")) << run.err;
+
+    run = Fill("--measures 1-4 --groove Rock --library " + home_ / "Nowhere/Tamberlyne");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "does not exist")) << run.err;
+
+    if (geteuid() == 0) {
+        GTEST_SKIP() << "a read-only folder is writable for root";
+    }
+    chmod(library_.c_str(), 0555);
+    run = Fill("--measures 1-4 --groove Rock --library " + library_);
+    chmod(library_.c_str(), 0755);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "is read-only; the plug-in writes its temporary MIDI file there")) << run.err;
+    EXPECT_TRUE(run.out.empty()) << "the plug-in did not run";
+}
+
+// The plug-in's refusals end the command with its own message.
+TEST_F(FillCommand, RefusalsExitWithOneAndThePlugInsMessage)
+{
+    CommandRun run = Fill("--measures 5-12 --library " + library_);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.out, "Stop: Please choose a groove from the list first.")) << run.out;
+    EXPECT_TRUE(Has(run.err, "tamberlyne: nothing was filled: Please choose a groove from the list first.")) << run.err;
+
+    run = Fill("--measures 5-12 --groove Samba --library " + library_);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "no row reads \"Samba\" (rows: Funk, Rock)")) << run.err;
+
+    run = Fill("--groove Rock --library " + library_);   // nothing selected, and no --yes
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.out, "Selection: nothing selected")) << run.out;
+    EXPECT_TRUE(Has(run.out, "-> No")) << run.out;
+    EXPECT_TRUE(Has(run.err, "and the answer was No")) << run.err;
+
+    std::filesystem::remove_all(library_);
+    std::filesystem::create_directories(library_);
+    run = Fill("--measures 1-2 --groove Rock --library " + library_);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "No grooves were found.")) << run.err;
+}
+
+// The placeholder driver inserts nothing yet: the dialog stays open after OK, the front end says
+// so and cancels, and the staves are reported unchanged.
+TEST_F(FillCommand, ReportsTheDialogTheStavesAndTheResult)
+{
+    CommandRun run = Fill("--measures 5-12 --groove rock.MID --staff Drums --style slashes --yes --library " +
+                          library_);
+    EXPECT_TRUE(Has(run.out, "Selection: measures 5-12 of every staff")) << run.out;
+    EXPECT_TRUE(Has(run.out, "Staff 1 \"Piano\"")) << run.out;
+    EXPECT_TRUE(Has(run.out, "Staff 2 \"Drums\"")) << run.out;
+    EXPECT_TRUE(Has(run.out, "  drum channel: yes\n")) << run.out;
+    EXPECT_TRUE(Has(run.out, "Plug-in result: ")) << run.out;
+    if (run.status != 0) {
+        EXPECT_EQ(run.status, 1);
+        EXPECT_TRUE(Has(run.err, "tamberlyne: nothing was filled: ")) << run.err;
+    }
+
+    run = Fill("--measures 5-12 --groove Rock --staff 3 --library " + library_ + " --json");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_EQ(run.out.rfind("{\"library\":", 0), 0u) << run.out;
+    EXPECT_TRUE(Has(run.out, "\"selection\":{\"first\":5,\"last\":12},\"result\":0,\"changed\":false")) << run.out;
+    EXPECT_TRUE(Has(run.out, "has no entry 3 (entries: 1 Piano, 2 Drums)")) << run.out;
+    EXPECT_TRUE(Has(run.out, "\"staves\":[{\"slot\":1,")) << run.out;
+    EXPECT_EQ(run.out.back(), '\n');
+
+    // The older pose runs the same dialog.
+    run = Tamberlyne("--pose older fill --measures 1-4 --library " + library_, environment_);
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.err, "Please choose a groove")) << run.err;
+}
+
+TEST_F(FillCommand, ThePerUserLibraryIsFilledFromTheBundledOneOnFirstUse)
+{
+    const std::string bundled = BuildDir() + "/bin/Tamberlyne";
+    if (!std::filesystem::is_directory(bundled)) {
+        GTEST_SKIP() << "no bundled groove library at " << bundled;
+    }
+    const std::string userLibrary = home_.Path() + "/data/tamberlyne/Tamberlyne";
+    CommandRun run = Fill("--measures 1-4 --groove NoSuchGroove");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.out, "Groove library: " + userLibrary + " (filled from " + bundled)) << run.out;
+    size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(bundled)) {
+        files += entry.is_regular_file() ? 1 : 0;
+        EXPECT_TRUE(std::filesystem::exists(userLibrary + "/" + entry.path().filename().string()));
+    }
+    EXPECT_GT(files, 0u);
+
+    // Once there, it is the person's: it is not filled again.
+    std::filesystem::remove(userLibrary + "/" + std::filesystem::directory_iterator(userLibrary)->path().filename().string());
+    run = Fill("--measures 1-4 --groove NoSuchGroove");
+    EXPECT_FALSE(Has(run.out, "filled from")) << run.out;
+}
+
+TEST_F(FillCommand, InteractiveShowsTheDialogAndReadsThePersonsChoices)
+{
+    const CommandRun run = Fill("--interactive --measures 1-4 --library " + library_, "2\nset 11 3\nok\ncancel\n");
+    EXPECT_EQ(run.status, 1);
+    EXPECT_TRUE(Has(run.out, "== Fill with Drum Groove ==")) << run.out;
+    EXPECT_TRUE(Has(run.out, "      1  Funk\n      2  Rock\n")) << run.out;
+    EXPECT_TRUE(Has(run.out, "   >  2  Rock\n")) << run.out;
+    EXPECT_TRUE(Has(run.out, "[11] Style: Slash notation")) << run.out;
+    EXPECT_TRUE(Has(run.out, "[8] Staff: Drums   [1 Piano, 2 Drums]")) << run.out;
+    EXPECT_TRUE(Has(run.err, "nothing was filled")) << run.err;
+
+    // A question at the terminal: nothing selected.
+    const CommandRun asked = Fill("--interactive --library " + library_, "n\n");
+    EXPECT_EQ(asked.status, 1);
+    EXPECT_TRUE(Has(asked.out, "Question: Nothing is selected.")) << asked.out;
+    EXPECT_TRUE(Has(asked.out, "Yes or No? [y/n]")) << asked.out;
+}

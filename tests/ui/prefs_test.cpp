@@ -1,0 +1,157 @@
+// The remembered option: the preferences file read at the first opening after load and written
+// on OK, with the plug-in's code linked in so that the remembered word can be read back.
+#include "tamberlyne/plugin/plugin_globals.h"
+#include "tamberlyne/ui/prefs.h"
+#include "tests/ui/ui_test_support.h"
+#include "toolbox/resources.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <filesystem>
+
+using stavio::DialogAction;
+using namespace ui_test;
+
+namespace {
+
+const std::vector<StaffNames> kPianoAndDrums = {{"Piano"}, {"Drums", "", true}};
+
+std::string PrefsPath(const DialogHostBase& session) { return session.config.Path() + "/tamberlyne Prefs"; }
+
+// A preferences file holding `data` as the option's resource.
+void WritePrefs(const DialogHostBase& session, const std::string& data)
+{
+    toolbox::ResourceFile file;
+    toolbox::Resource option;
+    option.type = kPrefsResourceType;
+    option.id = 20000;
+    option.name = "tamberlyne";
+    option.data.assign(data.begin(), data.end());
+    file.Put(option);
+    ASSERT_EQ(toolbox::SaveResourceFile(PrefsPath(session), file), toolbox::kNoErr);
+}
+
+// The option's resource in the file on disk.
+std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
+{
+    toolbox::ResourceFile file;
+    std::string error;
+    if (!toolbox::LoadResourceFile(PrefsPath(session), file, error)) {
+        return std::nullopt;
+    }
+    const toolbox::Resource* option = file.Find(kPrefsResourceType, 20000);
+    return option != nullptr ? std::optional<toolbox::Resource>(*option) : std::nullopt;
+}
+
+// Opens and cancels the dialog once; answers the remembered option afterwards.
+uint32_t OptionAfterOpening(CoreHost& session)
+{
+    const EREGION selection = Measures(1, 4, 2);
+    session.Fill({DialogAction::PressItem(2)}, &selection);
+    return initFlag;
+}
+
+}  // namespace
+
+TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
+{
+    CoreHost session(Score(kPianoAndDrums));
+    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
+    EXPECT_EQ(OptionAfterOpening(session), 1u);
+    EXPECT_FALSE(std::filesystem::exists(PrefsPath(session))) << "Cancel writes nothing";
+
+    // OK reads the dialog and remembers its options even when it then refuses to go on.
+    const EREGION selection = Measures(1, 4, 2);
+    session.Fill({DialogAction::PressItem(6), DialogAction::PressItem(1)}, &selection);
+    const std::optional<toolbox::Resource> stored = StoredOption(session);
+    ASSERT_TRUE(stored.has_value());
+    EXPECT_EQ(stored->name, "tamberlyne");
+    EXPECT_EQ(stored->data, (std::vector<uint8_t>{'1', 0}));
+    EXPECT_EQ(initFlag, 1u);
+
+    session.Fill({DialogAction::PressItem(1)}, &selection);
+    EXPECT_EQ(StoredOption(session)->data, (std::vector<uint8_t>{'0', 0}));
+    EXPECT_EQ(initFlag, 0u);
+    EXPECT_EQ(session.AlertIds(), (std::vector<int32_t>{0x4E210009, 0x4E210009}));
+}
+
+TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
+{
+    const std::vector<std::pair<std::string, uint32_t>> cases = {
+        {std::string("0\0", 2), 0u}, {std::string("1\0", 2), 1u}, {std::string("7\0", 2), 1u},
+        {std::string("-1\0", 3), 1u}, {std::string(), 1u},        {std::string("zero\0", 5), 1u},
+        {std::string("0"), 0u},
+    };
+    for (const auto& [text, expected] : cases) {
+        CoreHost session(Score(kPianoAndDrums));
+        MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
+        WritePrefs(session, text);
+        EXPECT_EQ(OptionAfterOpening(session), expected) << "stored \"" << text << "\"";
+        EXPECT_TRUE(session.frontEnd.Alerts().empty());
+    }
+}
+
+TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
+{
+    CoreHost session(Score(kPianoAndDrums));
+    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
+    WritePrefs(session, std::string("0\0", 2));
+    EXPECT_EQ(OptionAfterOpening(session), 0u);
+    toolbox::CloseAllResFiles();
+    WritePrefs(session, std::string("1\0", 2));
+    toolbox::FileSpec resources;
+    toolbox::MakeFileSpec(BundlePath() + "/Resources", "Tamberlyne.rsrc", resources);
+    ASSERT_GE(toolbox::OpenResFile(resources, true), 0);
+    EXPECT_EQ(OptionAfterOpening(session), 0u);
+}
+
+TEST(GrooveDialogPrefs, ABrokenPreferencesFileIsIgnoredSilently)
+{
+    CoreHost session(Score(kPianoAndDrums));
+    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
+    WriteFile(PrefsPath(session), "resource 'VRNX' 20000 {\n    text = \"0\n");
+    EXPECT_EQ(OptionAfterOpening(session), 1u);
+    const EREGION selection = Measures(1, 4, 2);
+    session.Fill({DialogAction::PressItem(1)}, &selection);
+    EXPECT_EQ(session.AlertIds(), (std::vector<int32_t>{0x4E210009})) << "no message about the file";
+    EXPECT_EQ(ReadFile(PrefsPath(session)), "resource 'VRNX' 20000 {\n    text = \"0\n") << "left as it was";
+}
+
+TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
+{
+    TempFolder config;
+    ScopedEnv env("XDG_CONFIG_HOME", config.Path());
+    char buffer[8];
+    EXPECT_EQ(GetSettings(5, buffer, sizeof(buffer), "unit Prefs"), 0) << "no file";
+
+    const std::string longText(150, 'x');
+    ASSERT_EQ(PutSettings(5, longText.c_str(), 150, "unit", "unit Prefs"), 0);
+    char big[100];
+    std::memset(big, '?', sizeof(big));
+    EXPECT_EQ(GetSettings(5, big, sizeof(big), "unit Prefs"), 100);
+    EXPECT_EQ(std::string(big, sizeof(big)), std::string(100, 'x'));
+
+    ASSERT_EQ(PutSettings(5, "ab", 3, "unit", "unit Prefs"), 0);   // an existing resource is changed
+    std::memset(buffer, '?', sizeof(buffer));
+    EXPECT_EQ(GetSettings(5, buffer, sizeof(buffer), "unit Prefs"), 3);
+    EXPECT_EQ(std::string(buffer, sizeof(buffer)), std::string("ab\0\0\0\0\0\0", 8));
+    EXPECT_EQ(GetSettings(6, buffer, sizeof(buffer), "unit Prefs"), 0) << "no such resource";
+
+    // The file stays open in the chain, and the current file is put back each time.
+    const toolbox::ResFileRef current = toolbox::CurResFile();
+    GetSettings(5, buffer, sizeof(buffer), "unit Prefs");
+    EXPECT_EQ(toolbox::CurResFile(), current);
+    toolbox::CloseAllResFiles();
+}
+
+TEST(Prefs, WritingIntoAMissingFolderCreatesIt)
+{
+    TempFolder base;
+    ScopedEnv env("XDG_CONFIG_HOME", base.Path() + "/not/yet");
+    ASSERT_EQ(PutSettings(20000, "1", 2, "tamberlyne", "tamberlyne Prefs"), 0);
+    char buffer[4] = {};
+    EXPECT_EQ(GetSettings(20000, buffer, sizeof(buffer), "tamberlyne Prefs"), 2);
+    EXPECT_STREQ(buffer, "1");
+    toolbox::CloseAllResFiles();
+}

@@ -1,0 +1,128 @@
+// Shared set-up of the dialog tests: temporary folders and environment, groove folders, scores
+// with named and drum staves, and hosts that run the plug-in's dialog through a scripted front
+// end -- the real bundle, or the plug-in's code linked into the test.
+#pragma once
+
+#include "stavio/dialogs/dialog_session.h"
+#include "stavio/document_builder.h"
+#include "stavio/host.h"
+
+#include <functional>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace ui_test {
+
+std::string BuildDir();
+std::string BundlePath();
+std::string BundleResourcePath();
+
+// A fresh folder under the system's temporary folder, removed with everything in it.
+class TempFolder {
+public:
+    TempFolder();
+    ~TempFolder();
+    TempFolder(const TempFolder&) = delete;
+    TempFolder& operator=(const TempFolder&) = delete;
+    const std::string& Path() const { return path_; }
+    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
+
+private:
+    std::string path_;
+};
+
+// Sets an environment variable for the life of the object.
+class ScopedEnv {
+public:
+    ScopedEnv(const char* name, const std::string& value);
+    ~ScopedEnv();
+    ScopedEnv(const ScopedEnv&) = delete;
+    ScopedEnv& operator=(const ScopedEnv&) = delete;
+
+private:
+    std::string name_;
+    std::optional<std::string> old_;
+};
+
+void WriteFile(const std::string& path, const std::string& bytes);
+std::string ReadFile(const std::string& path);
+// Makes "<applicationFolder>/Tamberlyne" holding files of these names (a little data each).
+std::string MakeGrooveFolder(const std::string& applicationFolder, const std::vector<std::string>& names);
+
+struct StaffNames {
+    StaffNames(std::string fullName, std::string abbreviatedName = "", bool drumStaff = false)
+        : full(std::move(fullName)), abbreviated(std::move(abbreviatedName)), drums(drumStaff)
+    {
+    }
+    std::string full;
+    std::string abbreviated;
+    bool drums = false;   // plays on the host's drum channel
+};
+// `measures` measures of 4/4 with these staves.
+stavio::Document Score(const std::vector<StaffNames>& staves, int measures = 8);
+
+// Whole measures on every staff of the score.
+EREGION Measures(uint16_t first, uint16_t last, uint16_t staves);
+
+// What the dialog showed right after it was initialised.
+struct DialogView {
+    bool shown = false;
+    std::vector<std::string> grooveRows;
+    std::vector<std::string> staffEntries;
+    int32_t staffChoice = 0;
+    bool staffEnabled = false;
+    int32_t style = 0;
+    int32_t newStaffRadio = -1;
+    int32_t chosenStaffRadio = -1;
+};
+DialogView ViewOf(const stavio::DialogSession& session);
+
+// A scripted front end that first hands the dialog to `inspect` (when set).
+class InspectingFrontEnd : public stavio::ScriptedFrontEnd {
+public:
+    std::function<void(stavio::DialogSession&)> inspect;
+    void RunDialog(stavio::DialogSession& session) override;
+};
+
+// A host with its application folder and the preferences folder in temporary folders.
+class DialogHostBase {
+public:
+    DialogHostBase(stavio::Document doc, stavio::HostPose pose);
+    virtual ~DialogHostBase();
+
+    TempFolder application;
+    TempFolder config;
+    ScopedEnv configEnv;
+    InspectingFrontEnd frontEnd;
+    stavio::Host host;
+
+    // Runs the command once with this script for its dialog.
+    int32_t Fill(const std::vector<stavio::DialogAction>& actions, const EREGION* selection);
+    virtual int32_t Invoke(const EREGION* selection) = 0;
+
+    const stavio::DialogOutcome& LastDialog() const;
+    std::vector<int32_t> AlertIds() const;
+    std::string AllNotes() const;
+};
+
+// The real bundle, loaded by the host.
+class BundleHost : public DialogHostBase {
+public:
+    explicit BundleHost(stavio::Document doc, stavio::HostPose pose = stavio::HostPose::Newer);
+    ~BundleHost() override;
+    int32_t Invoke(const EREGION* selection) override;
+    // The plug-in's options word, through the pointer it handed to SX_Dialog.
+    uint32_t DialogFlags() const;
+};
+
+// The plug-in's code linked into the test, started on the host's table with the bundle's
+// resource file current, and its remembered option reset as at load.
+class CoreHost : public DialogHostBase {
+public:
+    explicit CoreHost(stavio::Document doc);
+    ~CoreHost() override;
+    int32_t Invoke(const EREGION* selection) override;
+};
+
+}  // namespace ui_test
