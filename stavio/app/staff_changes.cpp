@@ -4,11 +4,13 @@
 #include "stavio/document/canonical.h"
 #include "stavio/document/staff_playback.h"
 #include "stavio/document_builder.h"
+#include "stavio/views/staff_view.h"
 
 #include <cstdio>
 #include <cstring>
 #include <optional>
 #include <ostream>
+#include <sstream>
 
 namespace stavio::app {
 
@@ -123,7 +125,7 @@ void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& b
 }
 
 void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<StaffSummary>& before,
-               const StaffSummary& after)
+               const StaffSummary& after, const std::string& entries)
 {
     auto object = [](const StaffSummary& summary) {
         return std::string("{\"drumChannel\":") + (summary.drumChannel ? "true" : "false") +
@@ -135,7 +137,7 @@ void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<St
     out << "{\"slot\":" << slot << ",\"staff\":" << inst << ",\"name\":" << JsonString(after.name)
         << ",\"new\":" << (before ? "false" : "true")
         << ",\"changed\":" << (!before || !(*before == after) ? "true" : "false") << ",\"after\":" << object(after)
-        << ",\"before\":" << (before ? object(*before) : "null") << "}";
+        << ",\"before\":" << (before ? object(*before) : "null") << ",\"entries\":" << entries << "}";
 }
 
 }  // namespace
@@ -189,9 +191,16 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
         const std::optional<StaffSummary> was = Summarise(before, inst, measures);
         if (format == ReportFormat::Json) {
             out << (slot > 1 ? "," : "");
-            WriteJson(out, slot, inst, was, *now);
+            WriteJson(out, slot, inst, was, *now,
+                      views::StaffEntriesJson(after, inst, measures.start.meas, measures.end.meas));
         } else {
             WriteText(out, slot, was, *now, measures);
+            if (!was || !(*was == *now)) {   // the staff's notes as a drum grid
+                std::istringstream grid(views::RenderDrumGrid(after, inst, measures.start.meas, measures.end.meas));
+                for (std::string line; std::getline(grid, line);) {
+                    out << "  " << line << "\n";
+                }
+            }
         }
     }
     if (format == ReportFormat::Json) {

@@ -5,7 +5,6 @@ extern "C" {
 
 int32_t SX_StartMassEdit(EVERSION) { return 0; }
 int32_t SX_EndMassEdit(EVERSION) { return 0; }
-int32_t SX_ProcessMidiData(SxpMidiData*, EVERSION) { return -1; }
 
 int32_t SX_AnalyzeChord(const EREGION*, char* result, int32_t capacity, EVERSION)
 {

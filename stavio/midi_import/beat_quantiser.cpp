@@ -1,0 +1,106 @@
+#include "stavio/midi_import/beat_quantiser.h"
+
+#include "sdk/frames.h"
+#include "sdk/types.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <map>
+
+namespace stavio::midi_import {
+
+namespace {
+
+constexpr int32_t kSixteenth = kEduPerQuarter / 4;
+constexpr int32_t kCoarsestStep = 64;   // a stranger beat than this is not subdivided
+constexpr int kTripletSlots = 3;
+
+bool IsDotted(int32_t value) { return value > 0 && value % 3 == 0 && ((value / 3) & (value / 3 - 1)) == 0; }
+
+bool IsCompound(const TimeSignature& meter)
+{
+    return meter.denominator >= 8 && meter.numerator >= 6 && meter.numerator % 3 == 0;
+}
+
+int32_t StepFor(int32_t beat)
+{
+    for (int32_t step = kSixteenth; step >= kCoarsestStep; step /= 2) {
+        if (beat % step == 0) {
+            return step;
+        }
+    }
+    return beat;
+}
+
+// The hits of one grid point, ascending and distinct, as many as an entry holds.
+std::vector<QuantisedBeat::Slot> Collect(const std::map<int, std::vector<int>>& bySlot)
+{
+    std::vector<QuantisedBeat::Slot> slots;
+    for (const auto& [slot, keys] : bySlot) {
+        std::vector<int> sorted = keys;
+        std::sort(sorted.begin(), sorted.end());
+        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+        if (sorted.size() > static_cast<size_t>(kMaxNotesPerEntry)) {
+            sorted.resize(kMaxNotesPerEntry);
+        }
+        slots.push_back(QuantisedBeat::Slot{slot, std::move(sorted)});
+    }
+    return slots;
+}
+
+}  // namespace
+
+MeasureGrid GridFor(int32_t beats, int32_t divbeat, TimeSignature meter)
+{
+    MeasureGrid grid;
+    grid.length = beats * divbeat;
+    const bool compound = IsDotted(divbeat) || IsCompound(meter);
+    if (IsDotted(divbeat)) {
+        grid.beat = divbeat;
+    } else if (compound) {
+        grid.beat = 3 * 4 * kEduPerQuarter / meter.denominator;
+    } else {
+        grid.beat = std::min<int32_t>(divbeat, kEduPerQuarter);
+    }
+    if (grid.length <= 0) {
+        grid.length = grid.beat = grid.step = 0;
+        grid.tripletBeats = false;
+        return grid;
+    }
+    if (grid.beat <= 0 || grid.length % grid.beat != 0) {
+        grid.beat = grid.length;
+    }
+    grid.step = StepFor(grid.beat);
+    grid.tripletBeats = !compound && (grid.beat == kEduPerQuarter || grid.beat == kEduPerQuarter / 2);
+    return grid;
+}
+
+QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid)
+{
+    const int64_t beat = grid.beat;
+    const int64_t step = grid.step;
+    const int64_t straightSlots = beat / step;
+    std::map<int, std::vector<int>> straight;
+    std::map<int, std::vector<int>> thirds;
+    int64_t straightError = 0;   // in EDU x 3, to compare with the thirds exactly
+    int64_t tripletError = 0;
+    bool offTheBeat = false;     // a hit lands on the second or third third
+    for (const Hit& hit : hits) {
+        const int64_t r = hit.offset;
+        const int64_t k = std::clamp<int64_t>(FloorDiv(2 * r + step, 2 * step), 0, straightSlots - 1);
+        straightError += 3 * std::llabs(r - k * step);
+        straight[static_cast<int>(k)].push_back(hit.key);
+        if (grid.tripletBeats) {
+            const int64_t t = std::clamp<int64_t>(FloorDiv(6 * r + beat, 2 * beat), 0, kTripletSlots - 1);
+            tripletError += std::llabs(3 * r - t * beat);
+            thirds[static_cast<int>(t)].push_back(hit.key);
+            offTheBeat = offTheBeat || t > 0;
+        }
+    }
+    QuantisedBeat quantised;
+    quantised.triplet = grid.tripletBeats && offTheBeat && tripletError < straightError;
+    quantised.slots = Collect(quantised.triplet ? thirds : straight);
+    return quantised;
+}
+
+}  // namespace stavio::midi_import

@@ -1,0 +1,34 @@
+// What the import takes from a Standard MIDI File: the drum hits and the groove's meter.
+//
+// Hits are the note-ons with a velocity above 0 on the drum channel (status 0x99) of every
+// track; everything else, neutralised messages (note-offs on channel 10, key 0) included, is
+// left out. Bars follow the time signature at tick 0 (4/4 when there is none); later meter
+// changes are not followed.
+#pragma once
+
+#include "stavio/midi_import/smf_reader.h"
+
+#include <cstdint>
+#include <vector>
+
+namespace stavio::midi_import {
+
+struct TimeSignature {
+    int numerator = 4;
+    int denominator = 4;   // a power of two
+};
+
+struct DrumOnset {
+    int64_t edu = 0;       // from the file's start: tick * 1024 / ticks per quarter
+    int key = 0;
+};
+
+struct DrumGroove {
+    TimeSignature meter;
+    int64_t barLength = 4096;           // EDU
+    std::vector<DrumOnset> onsets;      // in time order (key order at one time)
+};
+
+DrumGroove DrumGrooveOf(const SmfFile& file);
+
+}  // namespace stavio::midi_import

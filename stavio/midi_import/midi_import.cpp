@@ -1,0 +1,148 @@
+#include "stavio/midi_import/midi_import.h"
+
+#include "sdk/tags.h"
+#include "stavio/midi_import/beat_quantiser.h"
+#include "stavio/midi_import/drum_groove.h"
+#include "stavio/midi_import/measure_notation.h"
+#include "stavio/midi_import/smf_reader.h"
+
+#include <cstring>
+
+namespace stavio::midi_import {
+
+namespace {
+
+constexpr EVERSION kMeasureSpecVersion = 0x0A000000;   // the 26-byte layout
+constexpr int32_t kImportLayer = 0;
+
+std::string RegionText(const EREGION& region)
+{
+    return "measures " + std::to_string(region.start.meas) + "-" + std::to_string(region.end.meas);
+}
+
+// The staff's instrument number, or 0 with `error` set when the region is not in the document.
+int32_t CheckRegion(const Document& doc, const EREGION& region, std::string& error)
+{
+    const int32_t inst = doc.SlotToInst(region.start.IUslot, region.start.IUlist);
+    if (inst == 0 || !doc.StaffExists(inst)) {
+        error = "no staff at slot " + std::to_string(region.start.IUslot) + " of instrument list " +
+                std::to_string(region.start.IUlist);
+        return 0;
+    }
+    if (region.start.meas < 1 || region.end.meas < region.start.meas || region.end.meas > doc.MeasureCount()) {
+        error = RegionText(region) + " are not a range of the document's measures 1-" +
+                std::to_string(doc.MeasureCount());
+        return 0;
+    }
+    return inst;
+}
+
+MeasureGrid GridOfMeasure(const Document& doc, int32_t meas, const TimeSignature& meter)
+{
+    EDTMeasureSpec2005 spec{};
+    if (!doc.Read(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0), spec, kMeasureSpecVersion)) {
+        return GridFor(0, 0, meter);
+    }
+    return GridFor(spec.beats, spec.divbeat, meter);
+}
+
+// The hits of each groove bar that lands in the region (bar i into the region's measure i),
+// as offsets from the bar's start. A hit just before a bar line counts for the bar after it.
+std::vector<std::vector<Hit>> HitsPerBar(const DrumGroove& groove, size_t bars)
+{
+    std::vector<std::vector<Hit>> perBar(bars);
+    if (groove.barLength <= 0) {
+        return perBar;
+    }
+    const int64_t early = MeasureGrid{}.EarlyWindow();
+    for (const DrumOnset& onset : groove.onsets) {
+        const int64_t bar = FloorDiv(onset.edu + early, groove.barLength);
+        if (bar < 0 || bar >= static_cast<int64_t>(bars)) {
+            continue;
+        }
+        perBar[static_cast<size_t>(bar)].push_back(
+            Hit{static_cast<int32_t>(onset.edu - bar * groove.barLength), onset.key});
+    }
+    return perBar;
+}
+
+bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const SmfFile& file)
+{
+    const DrumGroove groove = DrumGrooveOf(file);
+    const auto measures = static_cast<size_t>(region.end.meas - region.start.meas + 1);
+    const std::vector<std::vector<Hit>> perBar = HitsPerBar(groove, measures);
+    std::vector<FrameContent> frames;
+    frames.reserve(measures);
+    for (size_t i = 0; i < measures; ++i) {
+        const int32_t meas = region.start.meas + static_cast<int32_t>(i);
+        frames.push_back(NotateMeasure(perBar[i], GridOfMeasure(doc, meas, groove.meter)));
+    }
+    bool written = true;
+    for (size_t i = 0; i < measures; ++i) {
+        written = doc.SetFrame(inst, region.start.meas + static_cast<int32_t>(i), kImportLayer, frames[i]) && written;
+    }
+    return written;
+}
+
+// Checks the region, reads the file with `read` (SmfFile&, error&) -> bool, then writes.
+template <typename ReadFile>
+bool Import(Document& doc, const EREGION& region, const std::string& name, std::string& error, ReadFile read)
+{
+    const int32_t inst = CheckRegion(doc, region, error);
+    if (inst == 0) {
+        error = name + ": cannot import into " + error;
+        return false;
+    }
+    SmfFile file;
+    if (!read(file, error)) {
+        return false;
+    }
+    if (!WriteMeasures(doc, inst, region, file)) {
+        error = name + ": the staff's frames in " + RegionText(region) + " could not be written";
+        return false;
+    }
+    return true;
+}
+
+std::string& LastError()
+{
+    static std::string error;
+    return error;
+}
+
+}  // namespace
+
+bool ImportMidiBytes(Document& doc, const EREGION& region, const std::vector<uint8_t>& bytes,
+                     const std::string& name, std::string& error)
+{
+    return Import(doc, region, name, error,
+                  [&](SmfFile& file, std::string& fault) { return ReadSmf(bytes, name, file, fault); });
+}
+
+bool ImportMidiFile(Document& doc, const EREGION& region, const std::string& path, std::string& error)
+{
+    return Import(doc, region, path, error,
+                  [&](SmfFile& file, std::string& fault) { return ReadSmfFile(path, file, fault); });
+}
+
+std::string PathOf(const EFSSPEC& spec)
+{
+    const std::string folder(spec.folder, strnlen(spec.folder, sizeof(spec.folder)));
+    const std::string name(spec.name, strnlen(spec.name, sizeof(spec.name)));
+    if (folder.empty()) {
+        return name;
+    }
+    return folder.back() == '/' ? folder + name : folder + "/" + name;
+}
+
+int32_t ProcessMidiData(Document& doc, const SxpMidiData& data)
+{
+    std::string error;
+    const bool imported = ImportMidiFile(doc, data.ereg, PathOf(data.midiFile), error);
+    LastError() = imported ? std::string() : error;
+    return imported ? 1 : 0;
+}
+
+const std::string& LastProcessMidiDataError() { return LastError(); }
+
+}  // namespace stavio::midi_import

@@ -1,0 +1,56 @@
+// The host's own Standard MIDI File reader: the header, every track chunk event by event
+// (running status, meta events, system exclusive), bounded by the bytes it is given.
+//
+// It never reads outside the data: every length and every event is checked against its chunk,
+// and a fault ends the reading with a message that names the file, the track, the byte offset
+// and what is wrong. Chunks that are not "MTrk" are skipped, as the file format asks.
+//
+// Files cleaned by a plug-in may hold "neutralised" messages: a channel message whose status
+// was overwritten with a note-off on channel 10, key 0, velocity 64 (0x89 0x00 0x40), a
+// one-data-byte message (program change, channel pressure) having been lengthened by a byte.
+// Messages that followed the original with running status were left as they were, so after
+// such a message data bytes may follow that belong to one-data-byte messages. Read as running
+// status 0x89 they would take two bytes each and the track would go out of step. The reader
+// therefore treats running status after the exact form 0x89 0x00 0x40 as unsure: it reads
+// such a run with two data bytes per message first and, when the track then cannot be read to
+// its end, with one (see track_reader.h). Every other message is read the standard way.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace stavio::midi_import {
+
+struct SmfEvent {
+    int64_t tick = 0;                // from the start of its track
+    uint8_t status = 0;              // 0x80-0xEF channel message, 0xFF meta, 0xF0/0xF7 system exclusive
+    uint8_t data1 = 0;               // first data byte; the meta type for a meta event
+    uint8_t data2 = 0;               // second data byte (0 for a one-data-byte message)
+    std::vector<uint8_t> payload;    // the data of a meta or system-exclusive event
+
+    bool IsMeta(uint8_t type) const { return status == 0xFF && data1 == type; }
+};
+
+struct SmfTrack {
+    std::vector<SmfEvent> events;    // in file order; ticks never decrease
+};
+
+struct SmfFile {
+    int format = 0;                  // 0, 1 or 2
+    int ticksPerQuarter = 0;
+    std::vector<SmfTrack> tracks;
+};
+
+constexpr uint8_t kMetaEndOfTrack = 0x2F;
+constexpr uint8_t kMetaTempo = 0x51;
+constexpr uint8_t kMetaTimeSignature = 0x58;
+
+// Reads a whole file image. `name` is used in messages. False, with `error` set, when the
+// image is not a Standard MIDI File this reader can use.
+bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile& file, std::string& error);
+
+// Reads the file at `path` ("<path>: cannot be read" when it cannot be opened).
+bool ReadSmfFile(const std::string& path, SmfFile& file, std::string& error);
+
+}  // namespace stavio::midi_import
