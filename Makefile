@@ -29,8 +29,10 @@ build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DTAMBERLYNE_TESTS=OFF
 	cmake --build $(BUILD) -j $(JOBS)
 
+# Fills measures 5-12 of the demo score's drum staff with the bundled "Rock 8ths" groove
+# (the per-user groove folder is filled from the bundled library on first use).
 demo: build
-	$(BUILD)/bin/tamberlyne plugins
+	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes
 
 unit-tests: deps
 	cmake -S . -B $(TEST_BUILD) -G Ninja -DTAMBERLYNE_SANITIZE=ON -DTAMBERLYNE_BENCH=ON

@@ -21,7 +21,7 @@ constexpr int16_t kPercussionClef = 12;
 
 struct StaffSummary {
     std::string name;
-    bool drumChannel = false;
+    bool playsOnChannel10 = false;
     int16_t clef = -1;              // in the first measure of the region; -1 without a frame detail
     bool drumStaffRecord = false;
     int styleAssignments = 0;
@@ -30,7 +30,7 @@ struct StaffSummary {
 
     bool operator==(const StaffSummary& other) const
     {
-        return name == other.name && drumChannel == other.drumChannel && clef == other.clef &&
+        return name == other.name && playsOnChannel10 == other.playsOnChannel10 && clef == other.clef &&
                drumStaffRecord == other.drumStaffRecord && styleAssignments == other.styleAssignments &&
                entries == other.entries && notes == other.notes;
     }
@@ -48,7 +48,7 @@ std::optional<StaffSummary> Summarise(const Document& doc, int32_t inst, const E
         summary.name = TextBlockText(doc, spec.fullName);
     }
     const std::optional<int16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
-    summary.drumChannel = channel && *channel == kDrumChannelCode;
+    summary.playsOnChannel10 = channel && PlaysOnChannel10(*channel);
     const RecordStore::Bytes* hold = doc.Records().Find(
         kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), region.start.meas, 0));
     if (hold != nullptr && hold->size() >= sizeof(int16_t)) {
@@ -110,7 +110,7 @@ void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& b
         out << "\n";
     };
     auto yesNo = [](bool value) { return std::string(value ? "yes" : "no"); };
-    line("drum channel", yesNo(after.drumChannel), before ? std::optional<std::string>(yesNo(before->drumChannel)) : std::nullopt);
+    line("MIDI channel 10", yesNo(after.playsOnChannel10), before ? std::optional<std::string>(yesNo(before->playsOnChannel10)) : std::nullopt);
     line("drum staff record", yesNo(after.drumStaffRecord),
          before ? std::optional<std::string>(yesNo(before->drumStaffRecord)) : std::nullopt);
     line(("clef in measure " + std::to_string(region.start.meas)).c_str(), ClefText(after.clef),
@@ -128,7 +128,7 @@ void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<St
                const StaffSummary& after, const std::string& entries)
 {
     auto object = [](const StaffSummary& summary) {
-        return std::string("{\"drumChannel\":") + (summary.drumChannel ? "true" : "false") +
+        return std::string("{\"midiChannel10\":") + (summary.playsOnChannel10 ? "true" : "false") +
                ",\"drumStaffRecord\":" + (summary.drumStaffRecord ? "true" : "false") +
                ",\"clef\":" + std::to_string(summary.clef) +
                ",\"styleAssignments\":" + std::to_string(summary.styleAssignments) +

@@ -14,6 +14,13 @@ constexpr int16_t kChannel10Code = 9;          // MIDI channel 10 counted from 0
 constexpr int16_t kDrumChannelCode = 0x8009;   // the host's drum channel: channel 10 with the drum bit
 constexpr size_t kChannelNameSize = 12;
 
+// Both forms mean MIDI channel 10: the plain code a plug-in writes (9) and the host's own drum
+// form with the drum bit (0x8009).
+constexpr bool PlaysOnChannel10(int16_t code)
+{
+    return (static_cast<uint16_t>(code) & 0x7FFF) == kChannel10Code;
+}
+
 // The channel code of channel definition `definition` (1, 2, ...) in a new document: MIDI
 // channels 1, 2, 3 ... counted from 0, skipping 9 (the drums), after 15 starting over at 0.
 int16_t DefaultChannelCode(int32_t definition);
