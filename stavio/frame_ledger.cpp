@@ -108,18 +108,18 @@ bool FrameLedger::Free(EXQVF2005a* frame)
 
 bool FrameLedger::InsertEntries(EXQVF2005a* frame, int32_t index, int32_t count)
 {
-    LiveFrame* live = Find(frame);
-    if (live == nullptr || !Consistent(*live) || !stavio::InsertEntries(live->content, index, count)) {
-        return false;
-    }
-    Publish(*live);
-    return true;
+    return ResizeEntries(frame, index, count, &stavio::InsertEntries);
 }
 
 bool FrameLedger::DeleteEntries(EXQVF2005a* frame, int32_t index, int32_t count)
 {
+    return ResizeEntries(frame, index, count, &stavio::DeleteEntries);
+}
+
+bool FrameLedger::ResizeEntries(EXQVF2005a* frame, int32_t index, int32_t count, EntryResize resize)
+{
     LiveFrame* live = Find(frame);
-    if (live == nullptr || !Consistent(*live) || !stavio::DeleteEntries(live->content, index, count)) {
+    if (live == nullptr || !Consistent(*live) || !resize(live->content, index, count)) {
         return false;
     }
     Publish(*live);

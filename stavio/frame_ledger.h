@@ -56,6 +56,10 @@ private:
     LiveFrame* Find(const EXQVF2005a* frame) const;
     static bool Consistent(const LiveFrame& live);
     static void Publish(LiveFrame& live);
+    using EntryResize = bool (*)(FrameContent& content, int32_t index, int32_t count);
+    // Grows or shrinks a live frame's entry array with `resize` (InsertEntries, DeleteEntries of
+    // entry_frames.h) and points the header at the new array.
+    bool ResizeEntries(EXQVF2005a* frame, int32_t index, int32_t count, EntryResize resize);
 
     std::unordered_map<const EXQVF2005a*, std::unique_ptr<LiveFrame>> live_;
     std::deque<std::unique_ptr<LiveFrame>> quarantine_;

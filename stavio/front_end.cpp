@@ -26,48 +26,36 @@ int32_t ScriptedFrontEnd::Alert(const AlertRequest& request)
     return answer;
 }
 
-DialogAction DialogAction::PressItem(int16_t item)
+namespace {
+
+// An action of `kind`: on item `item`, naming an entry or row by number or by text where it
+// names one.
+DialogAction MakeAction(DialogAction::Kind kind, int16_t item = 0, int number = 0, std::string text = {})
 {
     DialogAction action;
-    action.kind = Kind::Press;
+    action.kind = kind;
     action.item = item;
+    action.number = number;
+    action.text = std::move(text);
     return action;
 }
 
-DialogAction DialogAction::ChooseEntry(int16_t item, int entry)
-{
-    DialogAction action;
-    action.kind = Kind::Choose;
-    action.item = item;
-    action.number = entry;
-    return action;
-}
+}  // namespace
+
+DialogAction DialogAction::PressItem(int16_t item) { return MakeAction(Kind::Press, item); }
+
+DialogAction DialogAction::ChooseEntry(int16_t item, int entry) { return MakeAction(Kind::Choose, item, entry); }
 
 DialogAction DialogAction::ChooseEntryNamed(int16_t item, std::string text)
 {
-    DialogAction action;
-    action.kind = Kind::ChooseNamed;
-    action.item = item;
-    action.text = std::move(text);
-    return action;
+    return MakeAction(Kind::ChooseNamed, item, 0, std::move(text));
 }
 
-DialogAction DialogAction::ClickListRow(int16_t item, int row)
-{
-    DialogAction action;
-    action.kind = Kind::ClickRow;
-    action.item = item;
-    action.number = row;
-    return action;
-}
+DialogAction DialogAction::ClickListRow(int16_t item, int row) { return MakeAction(Kind::ClickRow, item, row); }
 
 DialogAction DialogAction::ClickListRowNamed(int16_t item, std::string text)
 {
-    DialogAction action;
-    action.kind = Kind::ClickRowNamed;
-    action.item = item;
-    action.text = std::move(text);
-    return action;
+    return MakeAction(Kind::ClickRowNamed, item, 0, std::move(text));
 }
 
 DialogAction DialogAction::ClickAt(toolbox::Point point, toolbox::Modifiers modifiers)
@@ -79,19 +67,9 @@ DialogAction DialogAction::ClickAt(toolbox::Point point, toolbox::Modifiers modi
     return action;
 }
 
-DialogAction DialogAction::PressCloseBox()
-{
-    DialogAction action;
-    action.kind = Kind::CloseBox;
-    return action;
-}
+DialogAction DialogAction::PressCloseBox() { return MakeAction(Kind::CloseBox); }
 
-DialogAction DialogAction::LetTimersFire()
-{
-    DialogAction action;
-    action.kind = Kind::WaitForTimers;
-    return action;
-}
+DialogAction DialogAction::LetTimersFire() { return MakeAction(Kind::WaitForTimers); }
 
 std::string DialogAction::Describe() const
 {

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <optional>
 
 namespace stavio {
 
@@ -30,21 +31,30 @@ RecordStore::Bytes BytesFrom(const Record& record)
 
 bool HasIncidences(KeyKind kind) { return kind != KeyKind::Number; }
 
-// The layout a read (load, next, previous) names. A variable-size tag has none and needs none.
-struct ReadLayout {
-    bool known = false;
+// A read (load, next, previous) that the document takes: the tag, and the layout it names. A
+// variable-size tag has none and needs none.
+struct ReadRequest {
+    const TagLayouts* tag = nullptr;
     const RecordLayout* layout = nullptr;
 };
 
-ReadLayout ResolveReadLayout(const LayoutRegistry& registry, const TagLayouts& tag, EXTAG actualTag,
-                             const void* buffer, const int32_t* size, EVERSION version)
+// Nothing when an argument is missing or the tag or its (size, version) is unknown.
+std::optional<ReadRequest> ResolveRead(const LayoutRegistry& registry, EXTAG tag, const EDataID* key,
+                                       const void* buffer, const int32_t* size, EVERSION version)
 {
-    if (tag.variableSize) {
-        return {true, nullptr};
+    const TagLayouts* known = registry.FindTag(tag);
+    if (key == nullptr || size == nullptr || known == nullptr) {
+        return std::nullopt;
     }
-    const RecordLayout* layout = buffer != nullptr ? registry.FindLayout(actualTag, *size, version)
-                                                   : registry.LayoutForQuery(actualTag, *size, version);
-    return {layout != nullptr, layout};
+    if (known->variableSize) {
+        return ReadRequest{known, nullptr};
+    }
+    const RecordLayout* layout = buffer != nullptr ? registry.FindLayout(tag, *size, version)
+                                                   : registry.LayoutForQuery(tag, *size, version);
+    if (layout == nullptr) {
+        return std::nullopt;
+    }
+    return ReadRequest{known, layout};
 }
 
 }  // namespace
@@ -74,25 +84,21 @@ int32_t Document::DeliverBytes(const RecordStore::Bytes& bytes, void* buffer, in
 
 int32_t Document::LoadRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version) const
 {
-    const TagLayouts* known = registry_->FindTag(tag);
-    if (key == nullptr || size == nullptr || known == nullptr) {
+    const std::optional<ReadRequest> read = ResolveRead(*registry_, tag, key, buffer, size, version);
+    if (!read) {
         return 0;
     }
-    const ReadLayout read = ResolveReadLayout(*registry_, *known, tag, buffer, size, version);
-    if (!read.known) {
-        return 0;
-    }
-    const RecordStore::Bytes* canonical = records_.Find(tag, KeyFromDataId(known->keyKind, *key));
+    const RecordStore::Bytes* canonical = records_.Find(tag, KeyFromDataId(read->tag->keyKind, *key));
     if (canonical == nullptr) {
         return 0;
     }
-    if (read.layout == nullptr) {
+    if (read->layout == nullptr) {
         return DeliverBytes(*canonical, buffer, size);
     }
     if (buffer != nullptr) {
-        read.layout->read(*canonical, buffer);
+        read->layout->read(*canonical, buffer);
     }
-    *size = read.layout->size;
+    *size = read->layout->size;
     return 1;
 }
 
@@ -177,37 +183,28 @@ int32_t Document::DeleteRecord(EXTAG tag, const EDataID* key, EVERSION version)
 
 int32_t Document::NextRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version) const
 {
-    const TagLayouts* known = registry_->FindTag(tag);
-    if (key == nullptr || size == nullptr || known == nullptr) {
-        return 0;
-    }
-    const ReadLayout read = ResolveReadLayout(*registry_, *known, tag, buffer, size, version);
-    if (!read.known) {
-        return 0;
-    }
-    auto next = records_.Next(tag, KeyFromDataId(known->keyKind, *key));
-    if (!next) {
-        return 0;
-    }
-    KeyToDataId(known->keyKind, next->first, *key);
-    return LoadRecord(tag, key, buffer, size, version);
+    return StepRecord(tag, key, buffer, size, version, true);
 }
 
 int32_t Document::PreviousRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version) const
 {
-    const TagLayouts* known = registry_->FindTag(tag);
-    if (key == nullptr || size == nullptr || known == nullptr) {
+    return StepRecord(tag, key, buffer, size, version, false);
+}
+
+int32_t Document::StepRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version,
+                             bool forward) const
+{
+    const std::optional<ReadRequest> read = ResolveRead(*registry_, tag, key, buffer, size, version);
+    if (!read) {
         return 0;
     }
-    const ReadLayout read = ResolveReadLayout(*registry_, *known, tag, buffer, size, version);
-    if (!read.known) {
+    const KeyKind keyKind = read->tag->keyKind;
+    const RecordKey from = KeyFromDataId(keyKind, *key);
+    auto step = forward ? records_.Next(tag, from) : records_.Previous(tag, from);
+    if (!step) {
         return 0;
     }
-    auto previous = records_.Previous(tag, KeyFromDataId(known->keyKind, *key));
-    if (!previous) {
-        return 0;
-    }
-    KeyToDataId(known->keyKind, previous->first, *key);
+    KeyToDataId(keyKind, step->first, *key);
     return LoadRecord(tag, key, buffer, size, version);
 }
 

@@ -119,6 +119,8 @@ private:
     // A variable-size record: fills up to the caller's size and reports the bytes delivered
     // (the whole size when there is no buffer).
     static int32_t DeliverBytes(const RecordStore::Bytes& bytes, void* buffer, int32_t* size);
+    // Next (forward) or previous record: moves `key` to it and loads it as LoadRecord does.
+    int32_t StepRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version, bool forward) const;
     void AfterCreate(EXTAG tag, const RecordKey& key);
     // The next value of one of the document's running numbers (1 after `limit`).
     uint32_t NextNumber(uint16_t counter, uint32_t limit);

@@ -46,28 +46,10 @@ public:
         open_.pop_back();
         return true;
     }
-    bool Undo(State& current)
-    {
-        if (undo_.empty() || !open_.empty()) {
-            return false;
-        }
-        Step step = std::move(undo_.back());
-        undo_.pop_back();
-        std::swap(current, step.before);
-        redo_.push_back(std::move(step));   // now holds the state after the step
-        return true;
-    }
-    bool Redo(State& current)
-    {
-        if (redo_.empty() || !open_.empty()) {
-            return false;
-        }
-        Step step = std::move(redo_.back());
-        redo_.pop_back();
-        std::swap(current, step.before);
-        undo_.push_back(std::move(step));
-        return true;
-    }
+    // Undo and redo move the last step of one history onto the other, trading its state with
+    // `current`: a step on the redo history holds the state after it. Refused while a bracket is open.
+    bool Undo(State& current) { return MoveStep(undo_, redo_, current); }
+    bool Redo(State& current) { return MoveStep(redo_, undo_, current); }
 
     int Depth() const { return static_cast<int>(open_.size()); }
     size_t UndoCount() const { return undo_.size(); }
@@ -76,6 +58,18 @@ public:
     std::string RedoName() const { return redo_.empty() ? std::string() : redo_.back().name; }
 
 private:
+    bool MoveStep(std::vector<Step>& from, std::vector<Step>& to, State& current)
+    {
+        if (from.empty() || !open_.empty()) {
+            return false;
+        }
+        Step step = std::move(from.back());
+        from.pop_back();
+        std::swap(current, step.before);
+        to.push_back(std::move(step));
+        return true;
+    }
+
     std::vector<Step> open_;
     std::vector<Step> undo_;
     std::vector<Step> redo_;

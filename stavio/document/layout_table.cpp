@@ -25,6 +25,19 @@ Bytes BytesOf(const Record& record)
     return bytes;
 }
 
+// A fixed-size record kept in one layout, the record itself, from `firstVersion` on.
+template <typename Record>
+TagLayouts SingleLayout(EXTAG tagId, const char* name, KeyKind keyKind, EVERSION firstVersion = kAnyVersionFirst)
+{
+    TagLayouts tag;
+    tag.tag = tagId;
+    tag.name = name;
+    tag.keyKind = keyKind;
+    tag.canonicalSize = sizeof(Record);
+    tag.layouts = {PrefixLayout(sizeof(Record), firstVersion, kAnyVersionLast)};
+    return tag;
+}
+
 TagLayouts MeasureSpec()
 {
     TagLayouts tag;
@@ -53,13 +66,8 @@ TagLayouts StaffSpec()
 
 TagLayouts InstrumentUsed()
 {
-    TagLayouts tag;
-    tag.tag = kTagInstrumentUsed;
-    tag.name = "instrument list entry";
-    tag.keyKind = KeyKind::Other;   // (list, slot - 1)
-    tag.canonicalSize = sizeof(EDTInstrumentUsed);
-    tag.layouts = {PrefixLayout(sizeof(EDTInstrumentUsed), kAnyVersionFirst, kAnyVersionLast)};
-    return tag;
+    // Key: (list, slot - 1).
+    return SingleLayout<EDTInstrumentUsed>(kTagInstrumentUsed, "instrument list entry", KeyKind::Other);
 }
 
 // The older text block layout is 48 bytes of which the host reads only the first word, the
@@ -148,13 +156,8 @@ TagLayouts FrameHold()
 
 TagLayouts GenericOther()
 {
-    TagLayouts tag;
-    tag.tag = kTagOtherPrefix;
+    TagLayouts tag = SingleLayout<EDTGeneric>(kTagOtherPrefix, "six-word other record", KeyKind::Other);
     tag.mask = 0xFFFF0000;
-    tag.name = "six-word other record";
-    tag.keyKind = KeyKind::Other;
-    tag.canonicalSize = sizeof(EDTGeneric);
-    tag.layouts = {PrefixLayout(sizeof(EDTGeneric), kAnyVersionFirst, kAnyVersionLast)};
     return tag;
 }
 
@@ -173,23 +176,14 @@ std::function<bool(const RecordStore&, const RecordKey&)> StaffMustExist(bool fi
 
 TagLayouts StaffStyle()
 {
-    TagLayouts tag;
-    tag.tag = kTagStaffStyle;
-    tag.name = "staff style";
-    tag.keyKind = KeyKind::Other;   // (style, 0)
-    tag.canonicalSize = sizeof(EDTStaffStyle2003);
-    tag.layouts = {PrefixLayout(sizeof(EDTStaffStyle2003), kV8, kAnyVersionLast)};
-    return tag;
+    // Key: (style, 0).
+    return SingleLayout<EDTStaffStyle2003>(kTagStaffStyle, "staff style", KeyKind::Other, kV8);
 }
 
 TagLayouts StaffStyleAssignment()
 {
-    TagLayouts tag;
-    tag.tag = kTagStaffStyleAssign;
-    tag.name = "staff style assignment";
-    tag.keyKind = KeyKind::Other;   // (instrument, incidence)
-    tag.canonicalSize = sizeof(EDTStaffStyleAssign);
-    tag.layouts = {PrefixLayout(sizeof(EDTStaffStyleAssign), kAnyVersionFirst, kAnyVersionLast)};
+    // Key: (instrument, incidence).
+    TagLayouts tag = SingleLayout<EDTStaffStyleAssign>(kTagStaffStyleAssign, "staff style assignment", KeyKind::Other);
     tag.acceptsKey = StaffMustExist(false);
     return tag;
 }
@@ -211,34 +205,20 @@ TagLayouts TextExpression()
 
 TagLayouts DefaultFontPreference()
 {
-    TagLayouts tag;
-    tag.tag = kTagDefaultFontPref;
-    tag.name = "default font preference";
-    tag.keyKind = KeyKind::Other;   // (preference, 0); 6 is the text-expression font
-    tag.canonicalSize = sizeof(EDTFontPref);
-    tag.layouts = {PrefixLayout(sizeof(EDTFontPref), kAnyVersionFirst, kAnyVersionLast)};
-    return tag;
+    // Key: (preference, 0); 6 is the text-expression font.
+    return SingleLayout<EDTFontPref>(kTagDefaultFontPref, "default font preference", KeyKind::Other);
 }
 
 TagLayouts ClefDefinition()
 {
-    TagLayouts tag;
-    tag.tag = kTagClefDef;
-    tag.name = "clef definition";
-    tag.keyKind = KeyKind::Number;   // clef number
-    tag.canonicalSize = sizeof(EDTClefDef);
-    tag.layouts = {PrefixLayout(sizeof(EDTClefDef), kAnyVersionFirst, kAnyVersionLast)};
-    return tag;
+    // Key: the clef number.
+    return SingleLayout<EDTClefDef>(kTagClefDef, "clef definition", KeyKind::Number);
 }
 
 TagLayouts DrumStaff()
 {
-    TagLayouts tag;
-    tag.tag = kTagDrumStaff;
-    tag.name = "drum staff";
-    tag.keyKind = KeyKind::Other;   // (instrument, 0)
-    tag.canonicalSize = sizeof(EDTDrumStaff);
-    tag.layouts = {PrefixLayout(sizeof(EDTDrumStaff), kAnyVersionFirst, kAnyVersionLast)};
+    // Key: (instrument, 0).
+    TagLayouts tag = SingleLayout<EDTDrumStaff>(kTagDrumStaff, "drum staff", KeyKind::Other);
     tag.acceptsKey = StaffMustExist(true);
     return tag;
 }
@@ -247,12 +227,9 @@ TagLayouts DrumStaff()
 // naming an earlier version describe a layout this host does not keep.
 TagLayouts InstrumentUsage()
 {
-    TagLayouts tag;
-    tag.tag = kTagInstrumentUsage;
-    tag.name = "instrument usage";
-    tag.keyKind = KeyKind::Other;   // (instrument, 0)
-    tag.canonicalSize = sizeof(EDTInstrumentUsage);
-    tag.layouts = {PrefixLayout(sizeof(EDTInstrumentUsage), kInstrumentUsageVersion, kAnyVersionLast)};
+    // Key: (instrument, 0).
+    TagLayouts tag = SingleLayout<EDTInstrumentUsage>(kTagInstrumentUsage, "instrument usage", KeyKind::Other,
+                                                      kInstrumentUsageVersion);
     tag.acceptsKey = StaffMustExist(true);
     return tag;
 }

@@ -64,16 +64,12 @@ bool RecordStore::Create(EXTAG tag, KeyKind kind, RecordKey& key, Bytes bytes)
 
 bool RecordStore::Delete(EXTAG tag, KeyKind kind, const RecordKey& key)
 {
-    auto found = tags_.find(tag);
-    if (found == tags_.end() || found->second.erase(key) == 0) {
+    if (!Erase(tag, key)) {
         return false;
     }
-    if (found->second.empty()) {
-        tags_.erase(found);
-        return true;
-    }
-    if (!HasIncidences(kind)) {
-        return true;
+    auto found = tags_.find(tag);
+    if (found == tags_.end() || !HasIncidences(kind)) {
+        return true;   // nothing left under the tag, or no incidences to move down
     }
     Records& records = found->second;
     // Move the later incidences of the group down by one, lowest first.

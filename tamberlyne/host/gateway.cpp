@@ -31,6 +31,20 @@ Proc As(SXProc slot)
     return reinterpret_cast<Proc>(slot);
 }
 
+// The slot's answer, or `whenMissing` from a host without the slot.
+template <typename Proc, typename... Args>
+int32_t CallOr(int32_t whenMissing, Proc slot, Args... args)
+{
+    return slot == nullptr ? whenMissing : slot(args...);
+}
+
+// A slot the sdk leaves untyped, called as `Proc`; 0 from a host without it.
+template <typename Proc, typename... Args>
+int32_t CallUntyped(SXProc slot, Args... args)
+{
+    return CallOr(0, As<Proc>(slot), args...);
+}
+
 }  // namespace
 
 StavioFuncs gStavioFuncs = EmptyTable();
@@ -133,145 +147,102 @@ int32_t SX_EndMassEdit(EVERSION version)
 
 int32_t SX_GetMaxLayers(EVERSION version)
 {
-    if (gStavioFuncs.SX_GetMaxLayers == nullptr) {
-        return 4;
-    }
-    return gStavioFuncs.SX_GetMaxLayers(version);
+    return CallOr(4, gStavioFuncs.SX_GetMaxLayers, version);
 }
 
 int32_t SX_IsMachO(EVERSION version)
 {
-    if (gStavioFuncs.SX_IsMachO == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_IsMachO(version);
+    return CallOr(0, gStavioFuncs.SX_IsMachO, version);
 }
 
 int32_t SX_ProcessMidiData(SxpMidiData* data, EVERSION version)
 {
-    if (gStavioFuncs.SX_ProcessMidiData == nullptr) {
-        return -1;
-    }
-    return gStavioFuncs.SX_ProcessMidiData(data, version);
+    return CallOr(-1, gStavioFuncs.SX_ProcessMidiData, data, version);
 }
 
 int32_t SX_GetStavioPathMac(EFSSPEC* folder, EVERSION version)
 {
-    if (gStavioFuncs.SX_GetStavioPathMac == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_GetStavioPathMac(folder, version);
+    return CallOr(0, gStavioFuncs.SX_GetStavioPathMac, folder, version);
 }
 
 int32_t SX_KillTimer(EDLG dialog, int32_t timerId, EVERSION version)
 {
-    if (gStavioFuncs.SX_KillTimer == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_KillTimer(dialog, timerId, version);
+    return CallOr(0, gStavioFuncs.SX_KillTimer, dialog, timerId, version);
 }
 
 int32_t SX_GetCurERegions(EREGION* selection, EREGION* document, EVERSION version)
 {
-    if (gStavioFuncs.SX_GetCurERegions == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_GetCurERegions(selection, document, version);
+    return CallOr(0, gStavioFuncs.SX_GetCurERegions, selection, document, version);
 }
 
 int32_t SX_RedrawMusic(EVERSION version)
 {
-    if (gStavioFuncs.SX_RedrawMusic == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_RedrawMusic(version);
+    return CallOr(0, gStavioFuncs.SX_RedrawMusic, version);
 }
-
-namespace {
-
-int32_t CallVersionOnly(SXProc slot, EVERSION version)
-{
-    return slot == nullptr ? 0 : As<VersionOnlyProc>(slot)(version);
-}
-
-int32_t CallWithNumber(SXProc slot, int32_t number, EVERSION version)
-{
-    return slot == nullptr ? 0 : As<NumberProc>(slot)(number, version);
-}
-
-int32_t CallWithRegion(SXProc slot, const EREGION* region, EVERSION version)
-{
-    return slot == nullptr ? 0 : As<RegionProc>(slot)(region, version);
-}
-
-}  // namespace
 
 int32_t SX_SetCurERegionMac(const EREGION* region, EVERSION version)
 {
-    return CallWithRegion(gStavioFuncs.SX_SetCurERegionMac, region, version);
+    return CallUntyped<RegionProc>(gStavioFuncs.SX_SetCurERegionMac, region, version);
 }
 
 int32_t SX_GetCurrentOrmegaDocument(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_GetCurrentOrmegaDocument, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_GetCurrentOrmegaDocument, version);
 }
 
 int32_t SX_SetCurrentOrmegaDocument(int32_t document, EVERSION version)
 {
-    return CallWithNumber(gStavioFuncs.SX_SetCurrentOrmegaDocument, document, version);
+    return CallUntyped<NumberProc>(gStavioFuncs.SX_SetCurrentOrmegaDocument, document, version);
 }
 
 int32_t SX_GetNextOrmegaDocument(int32_t document, EVERSION version)
 {
-    return CallWithNumber(gStavioFuncs.SX_GetNextOrmegaDocument, document, version);
+    return CallUntyped<NumberProc>(gStavioFuncs.SX_GetNextOrmegaDocument, document, version);
 }
 
 int32_t SX_GetDocumentPathMac(EFSSPEC* file, EVERSION version)
 {
-    if (gStavioFuncs.SX_GetDocumentPathMac == nullptr) {
-        return 0;
-    }
-    return As<FileProc>(gStavioFuncs.SX_GetDocumentPathMac)(file, version);
+    return CallUntyped<FileProc>(gStavioFuncs.SX_GetDocumentPathMac, file, version);
 }
 
 int32_t SX_RebuildMenuSystem(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_RebuildMenuSystem, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_RebuildMenuSystem, version);
 }
 
 int32_t SX_EnableBusyDetection(int32_t enable, EVERSION version)
 {
-    return CallWithNumber(gStavioFuncs.SX_EnableBusyDetection, enable, version);
+    return CallUntyped<NumberProc>(gStavioFuncs.SX_EnableBusyDetection, enable, version);
 }
 
 int32_t SX_IsOrmegaDocumentDirty(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_IsOrmegaDocumentDirty, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_IsOrmegaDocumentDirty, version);
 }
 
 int32_t SX_DeleteMidiExpressions(const EREGION* region, EVERSION version)
 {
-    return CallWithRegion(gStavioFuncs.SX_DeleteMidiExpressions, region, version);
+    return CallUntyped<RegionProc>(gStavioFuncs.SX_DeleteMidiExpressions, region, version);
 }
 
 int32_t SX_DeleteTempoRecords(const EREGION* region, EVERSION version)
 {
-    return CallWithRegion(gStavioFuncs.SX_DeleteTempoRecords, region, version);
+    return CallUntyped<RegionProc>(gStavioFuncs.SX_DeleteTempoRecords, region, version);
 }
 
 int32_t SX_GetWindowCount(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_GetWindowCount, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_GetWindowCount, version);
 }
 
 int32_t SX_GetCurrentWindow(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_GetCurrentWindow, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_GetCurrentWindow, version);
 }
 
 int32_t SX_CloseCurrentDocumentWindow(EVERSION version)
 {
-    return CallVersionOnly(gStavioFuncs.SX_CloseCurrentDocumentWindow, version);
+    return CallUntyped<VersionOnlyProc>(gStavioFuncs.SX_CloseCurrentDocumentWindow, version);
 }
 
 // ---- Edit brackets ------------------------------------------------------------------------------------
@@ -279,10 +250,7 @@ int32_t SX_CloseCurrentDocumentWindow(EVERSION version)
 int32_t SX_StartStavioEdit(const char* undoName, EVERSION version)
 {
     ++StavioEditDepth;
-    if (gStavioFuncs.SX_StartStavioEdit == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_StartStavioEdit(undoName, version);
+    return CallOr(0, gStavioFuncs.SX_StartStavioEdit, undoName, version);
 }
 
 int32_t SX_EndStavioEdit(EVERSION version)
@@ -291,10 +259,7 @@ int32_t SX_EndStavioEdit(EVERSION version)
         return 1;
     }
     --StavioEditDepth;
-    if (gStavioFuncs.SX_EndStavioEdit == nullptr) {
-        return 0;
-    }
-    return gStavioFuncs.SX_EndStavioEdit(version);
+    return CallOr(0, gStavioFuncs.SX_EndStavioEdit, version);
 }
 
 void SX_CancelStavioEdit(EVERSION version)

@@ -235,6 +235,20 @@ void ClearProcessed(PREFERENCE_LOCATION_MAPRECORD* map, int16_t rows)
     }
 }
 
+// Hands each row that shares map[first]'s "other" record and is not handled yet to `handleRow`,
+// in map order, and marks it handled.
+template <typename HandleRow>
+void HandleGroup(PREFERENCE_LOCATION_MAPRECORD* map, int16_t rows, int16_t first, HandleRow handleRow)
+{
+    for (int16_t j = first; j < rows; ++j) {
+        if (map[j].bProcessed != 0 || !SameRecord(map[first], map[j])) {
+            continue;
+        }
+        handleRow(map[j]);
+        map[j].bProcessed = 1;
+    }
+}
+
 }  // namespace
 
 bool mapPrefStruct(EXTAG tag, int16_t cmper, PREFERENCE_LOCATION_MAPRECORD** map, int16_t* rows)
@@ -306,15 +320,11 @@ int32_t fragmentStructLoad(char* buffer, int32_t* size, PREFERENCE_LOCATION_MAPR
             continue;
         }
         const EDTGeneric record = LoadOtherRecord(map[i]);
-        for (int16_t j = i; j < rows; ++j) {
-            if (map[j].bProcessed != 0 || !SameRecord(map[i], map[j])) {
-                continue;
+        HandleGroup(map, rows, i, [&](const PREFERENCE_LOCATION_MAPRECORD& row) {
+            if (RowFits(row, capacity)) {
+                StoreField(record, row, buffer);
             }
-            if (RowFits(map[j], capacity)) {
-                StoreField(record, map[j], buffer);
-            }
-            map[j].bProcessed = 1;
-        }
+        });
     }
     return 1;
 }
@@ -331,15 +341,11 @@ int32_t fragmentStructSave(const char* buffer, int32_t size, PREFERENCE_LOCATION
         }
         EDTGeneric record = LoadOtherRecord(map[i]);
         bool changed = false;
-        for (int16_t j = i; j < rows; ++j) {
-            if (map[j].bProcessed != 0 || !SameRecord(map[i], map[j])) {
-                continue;
-            }
-            if (RowFits(map[j], size) && PutField(buffer, map[j], record)) {
+        HandleGroup(map, rows, i, [&](const PREFERENCE_LOCATION_MAPRECORD& row) {
+            if (RowFits(row, size) && PutField(buffer, row, record)) {
                 changed = true;
             }
-            map[j].bProcessed = 1;
-        }
+        });
         if (changed) {
             EDataID key = OtherKeyOf(map[i]);
             gStavioFuncs.SX_SaveEData(OtherTagOf(map[i]), &key, &record, kOtherRecordSize, kPluginApiVersion);

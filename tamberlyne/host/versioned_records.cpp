@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <string>
 
 namespace {
 
@@ -20,6 +21,22 @@ constexpr EVERSION kMapPreferencesOnSaveAbove = 0x07ffffff;
 void WarnDeveloper(const char* text)
 {
     SX_AlertMessage(nullptr, 0, 0, text, kPluginApiVersion);
+}
+
+// A record whose 2004 layout (`record2004`) has a size of its own: the older size always means
+// the older layout, and the 2004 size asked for under an older version is the caller's mistake,
+// put right with a warning.
+void CorrectFor2004Layout(int32_t size, int32_t olderSize, int32_t size2004, const char* record2004,
+                          EVERSION& version)
+{
+    if (size == olderSize && version > 0x08000000) {
+        version = 0x08000000;
+    } else if (size == size2004 && version <= 0x08ffffff) {
+        const std::string warning =
+            std::string("Warning to plug-in developer: ") + record2004 + " used with wrong version parameter";
+        WarnDeveloper(warning.c_str());
+        version = 0x09000000;
+    }
 }
 
 uint16_t CmperOf(const EDataID* key)
@@ -158,28 +175,13 @@ void HandleOrmegaVersion(EXTAG tag, int32_t size, EVERSION& version)
         }
         break;
     case kTagTextBlock:
-        if (size == 48 && version > 0x08000000) {
-            version = 0x08000000;
-        } else if (size == 26 && version <= 0x08ffffff) {
-            WarnDeveloper("Warning to plug-in developer: EDTTextBlock2004 used with wrong version parameter");
-            version = 0x09000000;
-        }
+        CorrectFor2004Layout(size, 48, 26, "EDTTextBlock2004", version);
         break;
     case kTagShapeExpression:
-        if (size == 12 && version > 0x08000000) {
-            version = 0x08000000;
-        } else if (size == 34 && version <= 0x08ffffff) {
-            WarnDeveloper("Warning to plug-in developer: EDTShapeExpression2004 used with wrong version parameter");
-            version = 0x09000000;
-        }
+        CorrectFor2004Layout(size, 12, 34, "EDTShapeExpression2004", version);
         break;
     case kTagGfhold:
-        if (size == 12 && version > 0x08000000) {
-            version = 0x08000000;
-        } else if (size == 10 && version <= 0x08ffffff) {
-            WarnDeveloper("Warning to plug-in developer: EDTGfhold2004 used with wrong version parameter");
-            version = 0x09000000;
-        }
+        CorrectFor2004Layout(size, 12, 10, "EDTGfhold2004", version);
         break;
     default:
         break;

@@ -5,8 +5,6 @@
 #include "stavio/midi_import/midi_import.h"
 #include "tests/import/import_test_support.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdlib>
 #include <random>
 
@@ -79,7 +77,7 @@ TEST(GrooveLibraryImport, EveryGrooveMatchesItsMidiFileBarByBar)
     ASSERT_GE(grooves.size(), 25u);
     for (const std::string& path : grooves) {
         SCOPED_TRACE(path);
-        const Listing midi = ListDrumHits(ReadFile(path));
+        const Listing midi = ListDrumHits(ReadBytes(path));
         ASSERT_FALSE(midi.hits.empty());
         const auto divbeat = static_cast<int16_t>(4096 / midi.denominator);
         const int32_t length = midi.numerator * divbeat;
@@ -112,7 +110,7 @@ TEST(GrooveLibraryImport, JitteredCopiesQuantiseLikeTheOriginal)
 {
     for (const char* name : {"Rock 8ths", "Funk 16ths Ghost Notes", "Pop 16ths", "Waltz 3-4", "Jazz Swing", "Shuffle"}) {
         SCOPED_TRACE(name);
-        const Bytes file = ReadFile(GrooveFolder() + "/" + name + ".mid");
+        const Bytes file = ReadBytes(GrooveLibrary() + "/" + name + ".mid");
         const Listing midi = ListDrumHits(file);
         const int bars = BarsOf(midi);
         const auto beats = static_cast<int16_t>(midi.numerator);

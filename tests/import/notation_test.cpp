@@ -5,8 +5,6 @@
 #include "stavio/midi_import/midi_import.h"
 #include "tests/import/import_test_support.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace import_test;
@@ -69,9 +67,7 @@ TEST(ImportNotation, CompoundBeatsTakeEighthsAndSixteenthsWithoutTuplets)
 TEST(ImportNotation, ChordsHoldTwelveNotesAtMost)
 {
     std::vector<DrumHit> hits;
-    for (int key = 35; key <= 48; ++key) {
-        hits.push_back({0, key});
-    }
+    for (int key = 35; key <= 48; ++key) hits.push_back({0, key});
     EXPECT_EQ(Imported(hits), "0+1024:35,36,37,38,39,40,41,42,43,44,45,46 | 1024+1024:r | 2048+2048:r");
 }
 

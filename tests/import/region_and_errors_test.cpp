@@ -6,8 +6,6 @@
 #include "stavio/midi_import/midi_import.h"
 #include "tests/import/import_test_support.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 namespace {
@@ -17,7 +15,7 @@ using stavio::Document;
 using stavio::midi_import::ImportMidiBytes;
 using stavio::midi_import::ImportMidiFile;
 
-const std::string kRock = GrooveFolder() + "/Rock 8ths.mid";   // two bars of 4/4 and a closing crash
+const std::string kRock = GrooveLibrary() + "/Rock 8ths.mid";   // two bars of 4/4 and a closing crash
 
 // Two staves with something in every measure, and layer 1 of staff 1 in measure 5.
 Document FilledDocument()
@@ -41,9 +39,7 @@ TEST(ImportRegion, OnlyLayerZeroOfTheRegionsMeasuresChanges)
     for (int staff = 1; staff <= 2; ++staff) {
         for (int meas = 1; meas <= 10; ++meas) {
             for (int layer = 0; layer < stavio::kMaxLayers; ++layer) {
-                if (staff == 1 && layer == 0 && meas >= 4 && meas <= 8) {
-                    continue;
-                }
+                if (staff == 1 && layer == 0 && meas >= 4 && meas <= 8) continue;
                 EXPECT_EQ(Describe(*doc.Frame(staff, meas, layer)), Describe(*before.Frame(staff, meas, layer)))
                     << staff << "/" << meas << "/" << layer;
                 EXPECT_EQ(doc.FrameNumber(staff, meas, layer), before.FrameNumber(staff, meas, layer));
@@ -62,7 +58,7 @@ TEST(ImportRegion, OnlyLayerZeroOfTheRegionsMeasuresChanges)
 TEST(ImportRegion, AFileLongerThanTheRegionStopsAtItsEnd)
 {
     // Four bars and a closing crash, into measures of four dotted-quarter beats.
-    const std::string ballad = GrooveFolder() + "/Ballad 12-8.mid";
+    const std::string ballad = GrooveLibrary() + "/Ballad 12-8.mid";
     Document whole = DrumDocument(5, 4, 1536);
     Document cut = DrumDocument(4, 4, 1536);
     std::string error;
@@ -160,7 +156,7 @@ TEST(ImportService, ProcessMidiDataImportsIntoTheCurrentHostsDocumentAndAnswersZ
     const StavioFuncs& table = host.FunctionTable();
     SxpMidiData data{};
     data.ereg = Region(1, 2, 5);
-    std::strcpy(data.midiFile.folder, GrooveFolder().c_str());
+    std::strcpy(data.midiFile.folder, GrooveLibrary().c_str());
     std::strcpy(data.midiFile.name, "Rock 8ths.mid");
     ASSERT_EQ(table.SX_ProcessMidiData(&data, kPluginApiVersion), 1);
     EXPECT_EQ(stavio::midi_import::LastProcessMidiDataError(), "");

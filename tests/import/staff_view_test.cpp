@@ -4,8 +4,6 @@
 #include "stavio/views/staff_view.h"
 #include "tests/import/import_test_support.h"
 
-#include <gtest/gtest.h>
-
 namespace {
 
 using namespace import_test;
@@ -17,9 +15,7 @@ stavio::Document KnownPattern()
 {
     std::vector<DrumHit> hits{{0, 49}, {0, 36}, {480, 38}, {1440, 38}, {1200, 36},
                               {1920, 42}, {1920, 36}, {2240, 42}, {2400, 38}, {2400, 42}};
-    for (int tick = 0; tick < 1920; tick += 240) {
-        hits.push_back({tick, 42});
-    }
+    for (int tick = 0; tick < 1920; tick += 240) hits.push_back({tick, 42});
     stavio::Document doc = DrumDocument(3);
     std::string error;
     EXPECT_TRUE(stavio::midi_import::ImportMidiBytes(doc, Region(1, 1, 2), DrumFile(480, 4, 4, hits), "known.mid", error))

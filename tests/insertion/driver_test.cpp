@@ -22,37 +22,14 @@ protected:
         for (const auto& c : calls) spans.emplace_back(c.firstMeas, c.lastMeas);
         return spans;
     }
-    // The clef of a staff-measure; `set` writes one first.
-    int16_t Clef(int inst, int meas, int16_t set = -1)
-    {
-        int16_t frames[stavio::kMaxLayers] = {};
-        EDTGfhold2004 hold{0, 0, 0, frames};
-        const stavio::RecordKey key = stavio::RecordKey::Detail(inst, meas, 0);
-        doc().Read(kTagGfhold, key, &hold, kGfhold2004Size, kPluginApiVersion);
-        if (set >= 0) {
-            hold.clef = set;
-            doc().Write(kTagGfhold, key, &hold, kGfhold2004Size, kPluginApiVersion);
-        }
-        return hold.clef;
-    }
+    int16_t Clef(int inst, int meas, int16_t set = -1) { return score_test::ClefAt(doc(), inst, meas, set); }
     EDTStaffSpec2003 StaffSpec(int inst)
     {
         EDTStaffSpec2003 spec;
         EXPECT_TRUE(score_test::ReadOther(doc(), kTagStaffSpec, inst, 0, spec));
         return spec;
     }
-    // Playback label kinds of the staff in a measure (17 off, 16 on).
-    std::vector<int> Labels(int inst, int meas)
-    {
-        std::vector<int> kinds;
-        for (const EDTGeneric& a : stavio::ExpressionAssignments(doc(), meas)) {
-            const auto definition = stavio::ReadTextExpression(doc(), a.words[0]);
-            if (stavio::AssignmentOnStaff(a, inst) && definition) {
-                kinds.push_back(definition->header.playbackType & 0xFF);
-            }
-        }
-        return kinds;
-    }
+    std::vector<int> Labels(int inst, int meas) { return score_test::Labels(doc(), inst, meas); }
 };
 
 }  // namespace
@@ -148,8 +125,7 @@ TEST_F(Driver, TheGrooveIsRepeatedOverTheRegionAndTheLastRepetitionCut)
         calls.clear();
         EXPECT_TRUE(Run(0, 0, 1));
         EXPECT_EQ(Imported(), spans);
-        EXPECT_EQ(calls.at(0).slot, 2);
-        EXPECT_EQ(needRefresh, 1);
+        EXPECT_EQ(score_test::Ints(calls.at(0).slot, needRefresh), score_test::Ints(2, 1));
     }
 }
 
@@ -159,10 +135,8 @@ TEST_F(Driver, ATemporaryFileThatCannotBeWrittenLeavesTheScoreYetSucceeds)
     UseLibraryGroove("Rock 8ths");
     TempFileSpec.folder = folder + "/no such folder";
     EXPECT_TRUE(Run(1));
-    EXPECT_EQ(needRefresh, 1);
-    EXPECT_TRUE(calls.empty());
-    EXPECT_EQ(Clef(1, 1), 0);
-    EXPECT_TRUE(Labels(1, 1).empty());
+    EXPECT_EQ(score_test::Ints(needRefresh, calls.size(), Clef(1, 1), Labels(1, 1).size()),
+              score_test::Ints(1, 0, 0, 0));
 }
 
 TEST_F(Driver, ANewStaffGoesBelowTheOthersWithItsOwnLook)
@@ -175,10 +149,9 @@ TEST_F(Driver, ANewStaffGoesBelowTheOthersWithItsOwnLook)
     ASSERT_TRUE(score_test::ReadOther(doc(), kTagInstrumentUsed, 0, 1, above));
     ASSERT_TRUE(score_test::ReadOther(doc(), kTagInstrumentUsed, 0, 2, added));
     EXPECT_EQ(added.separ, above.separ - 250);
-    EXPECT_EQ(StaffSpec(added.inst).altFlag, 0x1700);
     EXPECT_EQ(Imported(), (std::vector<std::pair<int, int>>{{2, 3}}));
-    EXPECT_EQ(calls.at(0).slot, 3);
-    EXPECT_EQ(Clef(added.inst, 2), kPercussionClef);
+    EXPECT_EQ(score_test::Ints(StaffSpec(added.inst).altFlag, calls.at(0).slot, Clef(added.inst, 2)),
+              score_test::Ints(0x1700, 3, kPercussionClef));
 }
 
 TEST_F(Driver, EachStylePreparesTheStaffForDrums)
@@ -205,8 +178,9 @@ TEST_F(Driver, EachStylePreparesTheStaffForDrums)
         ASSERT_TRUE(score_test::ReadOther(doc(), kTagInstrumentUsage, 1, 0, usage, kInstrumentUsageVersion));
         ASSERT_TRUE(score_test::ReadOther(doc(), kTagChannelDef, usage.a + 1, 0, channel));
         EXPECT_EQ(channel.words[0], 9);
-        EXPECT_EQ(Labels(1, 1), std::vector<int>{17});   // human playback off over the groove
-        EXPECT_EQ(Labels(1, 3), std::vector<int>{16});
+        // Human playback off over the groove, on after it.
+        EXPECT_EQ((std::vector<std::vector<int>>{Labels(1, 1), Labels(1, 3)}),
+                  (std::vector<std::vector<int>>{{17}, {16}}));
     }
 }
 

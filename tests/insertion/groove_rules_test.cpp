@@ -7,6 +7,8 @@
 #include "tamberlyne/plugin/groove_shape.h"
 #include "tests/score/score_test_support.h"
 
+#include <array>
+
 namespace {
 
 LEventRec Meter(int32_t beats, int32_t ticksPerMeasure)
@@ -29,11 +31,12 @@ bool Fits(int16_t beats, int16_t divbeat, int32_t grooveBeats, int32_t grooveEdu
 
 TEST(GrooveRules, ATrailingFillInTheFirstSeventyPercentIsNoRepetition)
 {
-    EXPECT_EQ(TrimTrailingFill(5, 0, 1920), 4);      // a closing crash on the downbeat
-    EXPECT_EQ(TrimTrailingFill(5, 1343, 1920), 4);   // 69.9 %
-    EXPECT_EQ(TrimTrailingFill(5, 1344, 1920), 5);   // 70 %
-    EXPECT_EQ(TrimTrailingFill(1, 0, 1920), 1);      // a one-bar groove keeps its bar
-    EXPECT_EQ(TrimTrailingFill(2, 0, 0), 2);         // no measure length: nothing to judge
+    // A closing crash on the downbeat, at 69.9 % and 70 %; a one-bar groove keeps its bar; no measure
+    // length: nothing to judge.
+    EXPECT_EQ(support::Ints(TrimTrailingFill(5, 0, 1920), TrimTrailingFill(5, 1343, 1920),
+                            TrimTrailingFill(5, 1344, 1920),
+                            TrimTrailingFill(1, 0, 1920), TrimTrailingFill(2, 0, 0)),
+              support::Ints(4, 4, 5, 1, 2));
     // Region 10, groove 4: three imports; region 2, groove 4: one.
     EXPECT_EQ((std::vector<int32_t>{ImportLoops(1, 10, 4), ImportLoops(3, 4, 4), ImportLoops(1, 8, 4),
                                     ImportLoops(5, 5, 1)}),
@@ -45,15 +48,14 @@ TEST(GrooveRules, MetersFitOnLengthAndOnBeatsCountedPlainOrDotted)
     EXPECT_EQ((std::vector<int32_t>{DotsBase(0), DotsBase(1), DotsBase(1023), DotsBase(1024), DotsBase(1536),
                                     DotsBase(2048), IntLog2(32768), IntLog2(32767)}),
               (std::vector<int32_t>{0, 1, 512, 1024, 1024, 2048, 15, 14}));
-    EXPECT_TRUE(Fits(4, 1024, 4, 4096));
-    EXPECT_TRUE(Fits(4, 1024, 2, 4096));     // 2/2 against 4/4
-    EXPECT_TRUE(Fits(2, 2048, 4, 4096));
-    EXPECT_FALSE(Fits(4, 1024, 3, 4096));    // lengths agree, beats do not
-    EXPECT_FALSE(Fits(4, 1024, 4, 3072));
-    EXPECT_TRUE(Fits(2, 1536, 6, 3072));     // 6/8 as two dotted quarters
-    EXPECT_FALSE(Fits(2, 1536, 3, 3072));
-    EXPECT_TRUE(Fits(6, 512, 6, 3072));
-    EXPECT_FALSE(Fits(3, 1024, 6, 3584));
+    // (beats, divbeat, groove beats, groove EDU) -> fits: 2/2 against 4/4 does, lengths agreeing with beats
+    // that do not does not, 6/8 as two dotted quarters does.
+    for (const auto& [beats, divbeat, grooveBeats, grooveEdu, fits] : std::vector<std::array<int, 5>>{
+             {4, 1024, 4, 4096, 1}, {4, 1024, 2, 4096, 1}, {2, 2048, 4, 4096, 1}, {4, 1024, 3, 4096, 0},
+             {4, 1024, 4, 3072, 0}, {2, 1536, 6, 3072, 1}, {2, 1536, 3, 3072, 0}, {6, 512, 6, 3072, 1},
+             {3, 1024, 6, 3584, 0}})
+        EXPECT_EQ(Fits(int16_t(beats), int16_t(divbeat), grooveBeats, grooveEdu), fits != 0)
+            << beats << " x " << divbeat << " against " << grooveBeats << " in " << grooveEdu;
 }
 
 class Respelling : public score_test::ScoreTest {};

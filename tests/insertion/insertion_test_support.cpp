@@ -5,14 +5,10 @@
 #include "tamberlyne/host/gateway.h"
 #include "tamberlyne/plugin/groove_insertion.h"
 #include "tamberlyne/plugin/plugin_globals.h"
-#include "tests/midi/midi_test_support.h"
 #include "toolbox/files.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
 #include <map>
-#include <unistd.h>
 
 namespace insertion_test {
 namespace {
@@ -25,53 +21,25 @@ int32_t WatchImport(SxpMidiData* data, EVERSION version)
 {
     ImportCall call{data->ereg.start.IUslot, data->ereg.start.meas, data->ereg.end.meas,
                     toolbox::Exists(toolbox::FileSpec{data->midiFile.folder, data->midiFile.name}), 0};
-    if (*gPassOn && gHostImport != nullptr) {
-        call.answer = gHostImport(data, version);
-    }
+    if (*gPassOn && gHostImport != nullptr) call.answer = gHostImport(data, version);
     gCalls.push_back(call);
     return call.answer;
 }
 
-std::string LibraryFolder()
-{
-    const char* source = std::getenv("TAMBERLYNE_SOURCE_DIR");
-    return std::string(source != nullptr ? source : TAMBERLYNE_SOURCE_TREE) + "/grooves/Tamberlyne";
-}
-
-void Put(std::vector<uint8_t>& out, std::initializer_list<int> bytes)
-{
-    out.insert(out.end(), bytes.begin(), bytes.end());
-}
+std::string GroovePath(const std::string& name) { return support::GrooveLibrary() + "/" + name + ".mid"; }
 
 }  // namespace
 
-std::vector<uint8_t> SmallGroove(const std::vector<Hit>& hits)
-{
-    std::vector<uint8_t> track;
-    Put(track, {0, 0xFF, 0x58, 4, 4, 2, 24, 8});
-    int now = 0;
-    for (const Hit& hit : hits) {
-        const int delta = hit.tick - now;   // below 128 ticks or a two-byte number
-        if (delta >= 128) Put(track, {0x80 | (delta >> 7), delta & 0x7F}); else Put(track, {delta});
-        Put(track, {0x90 | (hit.channel - 1), hit.key, 100, 1, 0x80 | (hit.channel - 1), hit.key, 0});
-        now = hit.tick + 1;
-    }
-    Put(track, {0, 0xFF, 0x2F, 0});
-    return Smf(0, 480, {track});
-}
-
 std::vector<Onset> GrooveOnsets(const std::string& grooveName)
 {
-    const SmfListing file = ListSmf(ReadFileBytes(LibraryFolder() + "/" + grooveName + ".mid"));
+    const support::SmfListing file = support::ListSmf(support::ReadBytes(GroovePath(grooveName)));
     const int ticksPerMeasure = 4 * file.division;   // the rhythm tests use grooves in 4/4
     std::map<std::pair<int, int>, std::vector<int>> onsets;
     for (const auto& track : file.tracks) {
-        for (const SmfEvent& ev : track) {
-            if (ev.IsNoteOn() && ev.Channel() == 10) {
-                onsets[{ev.tick / ticksPerMeasure + 1, ev.tick % ticksPerMeasure * kEduPerQuarter / file.division}]
-                    .push_back(ev.data1);
-            }
-        }
+        for (const support::SmfEvent& ev : track)
+            if (ev.IsNoteOn() && ev.Channel() == 10)
+                onsets[{ev.tick / ticksPerMeasure + 1,
+                        ev.tick % ticksPerMeasure * kEduPerQuarter / file.division}].push_back(ev.data1);
         if (!onsets.empty()) break;   // only the first drum track is imported
     }
     std::vector<Onset> result;
@@ -101,19 +69,11 @@ std::vector<Onset> StaffOnsets(const stavio::Document& doc, int inst, int firstM
 
 InsertionTest::InsertionTest() : calls(gCalls)
 {
-    static int counter = 0;
-    folder = (std::filesystem::temp_directory_path() /
-              ("insertion_" + std::to_string(getpid()) + "_" + std::to_string(++counter))).string();
-    std::filesystem::create_directories(folder);
     gCalls.clear();
     gPassOn = &passImportsOn;
 }
 
-InsertionTest::~InsertionTest()
-{
-    std::filesystem::remove_all(folder);
-    gPassOn = nullptr;
-}
+InsertionTest::~InsertionTest() { gPassOn = nullptr; }
 
 void InsertionTest::TearDown()
 {
@@ -133,7 +93,7 @@ void InsertionTest::StartOn(stavio::Document document, int firstMeas, int lastMe
 
 void InsertionTest::UseLibraryGroove(const std::string& name)
 {
-    UseGrooveBytes(ReadFileBytes(LibraryFolder() + "/" + name + ".mid"));
+    UseGrooveBytes(support::ReadBytes(GroovePath(name)));
 }
 
 void InsertionTest::UseGrooveBytes(const std::vector<uint8_t>& bytes)
@@ -150,8 +110,7 @@ bool InsertionTest::Run(int style, uint32_t options, int staff)
     staffnum = staff;
     dlgFlags = options;
     const bool done = DoYourThing(nullptr, &dlgFlags);
-    EXPECT_EQ(LoadedQVFCounter, 0);
-    EXPECT_EQ(host->LiveFrameCount(), 0u);
+    EXPECT_EQ(score_test::Ints(LoadedQVFCounter, host->LiveFrameCount()), score_test::Ints(0, 0));
     EXPECT_FALSE(toolbox::Exists(TempFileSpec)) << "the temporary file stayed behind";
     return done;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "tests/score/score_test_support.h"
+#include "tests/support/smf.h"
 
 #include <string>
 #include <tuple>
@@ -18,10 +19,10 @@ struct ImportCall {
 };
 
 // A 4/4 groove of one track, 480 ticks to the quarter: (tick, key, channel) hits in tick order.
-struct Hit {
-    int tick, key, channel = 10;
-};
-std::vector<uint8_t> SmallGroove(const std::vector<Hit>& hits);
+inline std::vector<uint8_t> SmallGroove(const std::vector<support::DrumHit>& hits)
+{
+    return support::DrumFile(480, 4, 4, hits, 1);
+}
 
 // (measure from 1, EDU in it, sorted keys) of a 4/4 library groove's first channel-10 track, or
 // of a staff's measures firstMeas..lastMeas.
@@ -44,7 +45,8 @@ protected:
     std::vector<int32_t> AlertIds(bool styles = false) const;
     bool HostImports() const;
 
-    std::string folder;
+    support::TempFolder temp;
+    const std::string folder = temp.Path();
     std::vector<ImportCall>& calls;
     bool passImportsOn = true;   // false: the host's import is not reached (it imports nothing)
 };

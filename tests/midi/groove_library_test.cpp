@@ -20,9 +20,9 @@ std::vector<LibraryGroove> CommittedLibrary()
 {
     std::vector<LibraryGroove> library;
     for (const auto& entry : fs::directory_iterator(SourceDir() + "/grooves/patterns")) {
-        const Bytes text = ReadFileBytes(entry.path().string());
+        const Bytes text = ReadBytes(entry.path().string());
         LibraryGroove groove{grooves::ParsePattern(std::string(text.begin(), text.end()), entry.path().string()), {}};
-        groove.bytes = ReadFileBytes(SourceDir() + "/grooves/Tamberlyne/" + groove.pattern.title + ".mid");
+        groove.bytes = ReadBytes(support::GrooveLibrary() + "/" + groove.pattern.title + ".mid");
         library.push_back(groove);
     }
     return library;
@@ -52,7 +52,7 @@ TEST_F(MidiGrooveLibrary, RegeneratingGivesTheCommittedFiles)
     EXPECT_EQ(committed.size(), rendered.size());
     for (const auto& groove : rendered) {
         EXPECT_EQ(committed.count(groove.fileName), 1u) << groove.fileName;
-        EXPECT_EQ(ReadFileBytes(SourceDir() + "/grooves/Tamberlyne/" + groove.fileName), groove.bytes) << groove.fileName;
+        EXPECT_EQ(ReadBytes(support::GrooveLibrary() + "/" + groove.fileName), groove.bytes) << groove.fileName;
     }
 }
 
@@ -69,17 +69,15 @@ TEST_F(MidiGrooveLibrary, EveryGrooveCleansIntoItsDrumPart)
         const SmfListing cleaned = ListSmf(out.image);
 
         // Format 1 keeps the tempo track and the first drum track; format 0 its one track.
-        EXPECT_EQ(cleaned.tracks.size(), g.pattern.format == 0 ? 1u : 2u);
-        EXPECT_EQ(cleaned.trackCountField, int(cleaned.tracks.size()));
-        EXPECT_EQ(cleaned.division, g.pattern.division);
+        const size_t tracks = g.pattern.format == 0 ? 1 : 2;
+        EXPECT_EQ(support::Ints(cleaned.tracks.size(), cleaned.trackCountField, cleaned.division),
+                  support::Ints(tracks, tracks, g.pattern.division));
 
         // Only channel-10 notes sound, and they are the first drum part's, keys moved back.
         std::multiset<std::pair<int32_t, int>> heard;
         for (const auto& track : cleaned.tracks)
             for (const SmfEvent& ev : track) {
-                if (ev.status != 0xFF) {
-                    EXPECT_EQ(ev.Channel(), 10);
-                }
+                if (ev.status != 0xFF) { EXPECT_EQ(ev.Channel(), 10); }
                 if (!ev.IsNoteOn()) continue;
                 EXPECT_LE(ev.data1, 59);
                 heard.insert({ev.tick, out.reverseMap[ev.data1] != 0 ? out.reverseMap[ev.data1] : ev.data1});
@@ -88,14 +86,11 @@ TEST_F(MidiGrooveLibrary, EveryGrooveCleansIntoItsDrumPart)
 
         // The groove's meter, and its length in bars as the insertion driver reckons it (a
         // last bar whose final drum message lies in its first 70 % is a closing hit).
-        EXPECT_EQ(out.meter.BPM, g.pattern.numerator);
-        EXPECT_EQ(out.meter.Denominator, g.pattern.denominator);
-        EXPECT_EQ(out.meter.TPM, g.pattern.BarTicks());
         const int32_t bars = out.lastBar - (out.lastTickInBar * 100 / out.meter.TPM < 70 && out.lastBar > 1 ? 1 : 0);
-        EXPECT_EQ(bars, g.pattern.bars);
+        EXPECT_EQ(support::Ints(out.meter.BPM, out.meter.Denominator, out.meter.TPM, bars),
+                  support::Ints(g.pattern.numerator, g.pattern.denominator, g.pattern.BarTicks(), g.pattern.bars));
 
-        const CleanOutcome reference = CleanByMovingBytes(g.bytes);
-        EXPECT_EQ(out.image, reference.image);
+        EXPECT_EQ(out.image, CleanByMovingBytes(g.bytes).image);
 
         features["format 0"] += g.pattern.format == 0;
         features["remapped"] += out.remapped;

@@ -1,8 +1,5 @@
 #include "midi_test_support.h"
 
-#include <fstream>
-#include <iterator>
-
 #include "tamberlyne/host/gateway.h"
 
 namespace {
@@ -12,8 +9,6 @@ int32_t RecordAlert(EWND, int32_t, int32_t, const char* text, EVERSION)
     return 0;
 }
 }  // namespace
-
-const Bytes kEndOfTrack = {0x00, 0xFF, 0x2F, 0x00};
 
 std::vector<std::string>& MidiTest::Alerts()
 {
@@ -31,34 +26,6 @@ void MidiTest::SetUp()
 void MidiTest::TearDown()
 {
     gStavioFuncs.SX_AlertMessage = saved_;
-}
-
-Bytes Chunk(const char* id, const Bytes& body)
-{
-    Bytes chunk(id, id + 4);
-    const uint32_t n = static_cast<uint32_t>(body.size());
-    chunk.insert(chunk.end(), {uint8_t(n >> 24), uint8_t(n >> 16), uint8_t(n >> 8), uint8_t(n)});
-    chunk.insert(chunk.end(), body.begin(), body.end());
-    return chunk;
-}
-
-Bytes Concat(std::initializer_list<Bytes> parts)
-{
-    Bytes all;
-    for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
-
-Bytes Smf(int format, int division, const std::vector<Bytes>& trackBodies, int trackCountField)
-{
-    const int count = trackCountField >= 0 ? trackCountField : static_cast<int>(trackBodies.size());
-    Bytes file = Chunk("MThd", {0, uint8_t(format), uint8_t(count >> 8), uint8_t(count), uint8_t(division >> 8),
-                                uint8_t(division)});
-    for (const Bytes& body : trackBodies) {
-        const Bytes chunk = Chunk("MTrk", body);
-        file.insert(file.end(), chunk.begin(), chunk.end());
-    }
-    return file;
 }
 
 ReaderHarness::ReaderHarness(const Bytes& file, int32_t capacity)
@@ -85,29 +52,7 @@ CleanOutcome Clean(const Bytes& file, int32_t capacity)
     return out;
 }
 
-std::string SourceDir()
-{
-    const char* dir = std::getenv("TAMBERLYNE_SOURCE_DIR");
-    return dir != nullptr ? dir : TAMBERLYNE_SOURCE_TREE;
-}
-
-Bytes ReadFileBytes(const std::string& path)
-{
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
-}
-
 namespace {
-void AppendNumber(Bytes& out, uint32_t value)
-{
-    Bytes groups;
-    do {
-        groups.insert(groups.begin(), uint8_t((value & 0x7F) | (groups.empty() ? 0 : 0x80)));
-        value >>= 7;
-    } while (value != 0);
-    out.insert(out.end(), groups.begin(), groups.end());
-}
-
 Bytes RandomTrack(std::mt19937& rng, bool first)
 {
     auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
@@ -116,7 +61,7 @@ Bytes RandomTrack(std::mt19937& rng, bool first)
     int lastStatus = 0;
     const int events = pick(60);
     for (int e = 0; e < events; ++e) {
-        AppendNumber(body, pick(4) ? pick(200) : pick(40000));
+        support::PutNumber(body, pick(4) ? pick(200) : pick(40000));
         const int kind = pick(12);
         if (kind == 0) {   // meta: tempo or text
             if (pick(2)) body.insert(body.end(), {0xFF, 0x51, 0x03, uint8_t(pick(16)), uint8_t(pick(256)), uint8_t(pick(256))});

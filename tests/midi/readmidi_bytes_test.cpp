@@ -14,12 +14,8 @@ TEST_F(MidiBytes, NumbersAreBigEndianAndVariableLength)
     TMidiRead& r = h.reader;
     EXPECT_EQ(r.ReadWord(), 384);
     EXPECT_EQ(r.ReadLongInt(), 480);
-    EXPECT_EQ(r.ReadNumber(), 128);
-    EXPECT_EQ(r.ReadNumber(), 0);
-    EXPECT_EQ(r.ReadNumber(), 268435455);
-    EXPECT_EQ(r.ReadNumber(), -1);   // five bytes: the high bits wrap away
-    EXPECT_EQ(r.LastNumberRead, -1);
-    EXPECT_EQ(r.BytesRead, 18);
+    for (const int32_t number : {128, 0, 268435455, -1}) EXPECT_EQ(r.ReadNumber(), number);   // -1: five bytes wrap
+    EXPECT_EQ(support::Ints(r.LastNumberRead, r.BytesRead), support::Ints(-1, 18));
     EXPECT_TRUE(Alerts().empty());
 }
 
@@ -30,10 +26,7 @@ TEST_F(MidiBytes, ReadingPastTheEndGivesZerosAndOneAlertPerByte)
     EXPECT_EQ(r.ReadNumber(), 128);   // the missing byte reads 0 and ends the quantity
     EXPECT_EQ(Alerts(), std::vector<std::string>{kEof});
     EXPECT_EQ(r.ReadLongInt(), 0);
-    EXPECT_EQ(Alerts().size(), 5u);
-    EXPECT_EQ(r.inptr, 1);
-    EXPECT_EQ(r.BytesRead, 6);
-    EXPECT_EQ(r.TotalBytesRead, 6);
+    EXPECT_EQ(support::Ints(Alerts().size(), r.inptr, r.BytesRead, r.TotalBytesRead), support::Ints(5, 1, 6, 6));
 }
 
 TEST_F(MidiBytes, WritesAreBigEndianAndStayInsideTheImage)
@@ -61,8 +54,7 @@ TEST_F(MidiBytes, InsertingKeepsTheChunkConsistent)
     ASSERT_TRUE(r.InsertByte());
     EXPECT_EQ(r.inptr, 12);
     EXPECT_EQ(r.ReadByte(), 4);   // the cursor still stands on the byte it stood on
-    EXPECT_EQ(r.ChunkLength, 11);
-    EXPECT_EQ(r.NextOffset, 19);
+    EXPECT_EQ(support::Ints(r.ChunkLength, r.NextOffset), support::Ints(11, 19));
     r.TerminateChunk();
     EXPECT_EQ(r.StartChunk(), 0);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(r.ChunkName)), "MTrk");
@@ -82,8 +74,7 @@ TEST_F(MidiBytes, RemovingAWholeChunkBringsTheNextOneForward)
     r.StartChunk();
     r.TerminateChunk();
     r.RemoveUpToHereFrom(start);
-    EXPECT_EQ(r.inptr, start);
-    EXPECT_EQ(r.NextOffset, start);
+    EXPECT_EQ(support::Ints(r.inptr, r.NextOffset), support::Ints(start, start));
     EXPECT_EQ(h.Image(), Concat({Chunk("MThd", {1, 2}), second}));
     EXPECT_EQ(r.StartChunk(), 1);
 }
@@ -93,8 +84,7 @@ TEST_F(MidiBytes, InsertionIsRefusedWhenTheBlockIsFull)
     ReaderHarness h(Chunk("MTrk", {1, 2}), 10);
     h.reader.StartChunk();
     EXPECT_FALSE(h.reader.InsertByte());
-    EXPECT_EQ(h.size, 10);
-    EXPECT_EQ(h.reader.ChunkLength, 2);
+    EXPECT_EQ(support::Ints(h.size, h.reader.ChunkLength), support::Ints(10, 2));
 }
 
 // The gap-keeping image against a plain vector, over many random edits.

@@ -3,6 +3,7 @@
 
 namespace {
 using Alerts_ = std::vector<std::string>;
+using support::Ints;
 const Bytes kTempo120 = {0x00, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20};
 
 struct HeaderCase {
@@ -34,9 +35,7 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
         EXPECT_EQ(h.reader.ReadHeader(), c.accepted) << ::testing::PrintToString(c.alerts);
         EXPECT_EQ(Alerts(), c.alerts);
         const int32_t headerEnd = int32_t(c.file.size()) - h.reader.TrkCount * 12;
-        if (c.accepted) {
-            EXPECT_EQ(h.reader.inptr, headerEnd);
-        }
+        if (c.accepted) { EXPECT_EQ(h.reader.inptr, headerEnd); }
     }
     Alerts().clear();
     ReaderHarness cut(Bytes{'M', 'T'});   // six bytes missing: one alert each
@@ -51,14 +50,10 @@ TEST_F(MidiHeader, PlainHeaderSetsTheDefaultMeter)
     ReaderHarness h(Smf(1, 480, {kEndOfTrack, kEndOfTrack}));
     h.reader.InitVariables();
     ASSERT_TRUE(h.reader.ReadHeader());
-    EXPECT_EQ(h.reader.TPQ, 480);
-    EXPECT_EQ(h.reader.TrkCountIdx, 10);
     const LEventRec& meter = h.reader.InitialMeterEvent;
-    EXPECT_EQ(meter.TPB, 480);
-    EXPECT_EQ(meter.TPM, 1920);
-    EXPECT_EQ(meter.BPM, 4);
-    EXPECT_EQ(meter.Denominator, 4);
-    EXPECT_EQ(h.reader.InitialTempoEvent.MicsPerBeat, 1000000);
+    EXPECT_EQ(Ints(h.reader.TPQ, h.reader.TrkCountIdx, meter.TPB, meter.TPM, meter.BPM, meter.Denominator,
+                   h.reader.InitialTempoEvent.MicsPerBeat),
+              Ints(480, 10, 480, 1920, 4, 4, 1000000));
 }
 
 TEST_F(MidiHeader, TimeCodeDivisionTakesTheUpperByteAsItStands)
@@ -115,9 +110,7 @@ TEST_F(MidiTrackWalk, MissingEndOfTrackWarnsAndQueuesAStop)
     EXPECT_EQ(Alerts(), Alerts_{"End of track meta event missing"});
     const auto events = run.Events();
     ASSERT_EQ(events.size(), 1u);
-    EXPECT_TRUE(events[0].stop);
-    EXPECT_EQ(events[0].Tick, 480);
-    EXPECT_EQ(events[0].Beat, 2);
+    EXPECT_EQ(Ints(events[0].stop, events[0].Tick, events[0].Beat), Ints(true, 480, 2));
 }
 
 TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
@@ -128,26 +121,17 @@ TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
                          kEndOfTrack}));
     ASSERT_TRUE(run.result);
     const LEventRec& meter = run.h.reader.InitialMeterEvent;
-    EXPECT_EQ(meter.TPB, 240);
-    EXPECT_EQ(meter.TPM, 1440);
-    EXPECT_EQ(meter.BPM, 6);
-    EXPECT_EQ(meter.Denominator, 8);
+    EXPECT_EQ(Ints(meter.TPB, meter.TPM, meter.BPM, meter.Denominator), Ints(240, 1440, 6, 8));
     const auto events = run.Events();
     ASSERT_EQ(events.size(), 3u);
-    EXPECT_EQ(events[0].MicsPerBeat, 500000);   // tempo and meter at one tick: one record
+    // Tempo and meter at one tick: one record.
+    EXPECT_EQ(Ints(events[0].MicsPerBeat, events[0].BPM, run.h.reader.InitialTempoEvent.MicsPerBeat),
+              Ints(500000, 6, 500000));
     EXPECT_DOUBLE_EQ(events[0].Speed, 120.0);
-    EXPECT_EQ(events[0].BPM, 6);
-    EXPECT_EQ(run.h.reader.InitialTempoEvent.MicsPerBeat, 500000);
-    EXPECT_EQ(events[1].Tick, 1440);
-    EXPECT_EQ(events[1].Bar, 2);
-    EXPECT_EQ(events[1].tickinbar, 0);
-    EXPECT_EQ(events[1].Beat, 1);
-    EXPECT_EQ(events[1].EDUinbar, 0);
-    EXPECT_EQ(events[2].Tick, 1560);
-    EXPECT_EQ(events[2].tickinbar, 120);
-    EXPECT_EQ(events[2].Beat, 0);
-    EXPECT_EQ(events[2].EDUinbar, 512);
-    EXPECT_TRUE(events[2].stop);
+    EXPECT_EQ(Ints(events[1].Tick, events[1].Bar, events[1].tickinbar, events[1].Beat, events[1].EDUinbar),
+              Ints(1440, 2, 0, 1, 0));
+    EXPECT_EQ(Ints(events[2].Tick, events[2].tickinbar, events[2].Beat, events[2].EDUinbar, events[2].stop),
+              Ints(1560, 120, 0, 512, true));
     EXPECT_TRUE(Alerts().empty());
 }
 
@@ -157,8 +141,7 @@ TEST_F(MidiTrackWalk, OffbeatTimeSignatureIsShiftedBackOntoBeatOne)
     TrackRun run(Concat({{0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0x58, 0x04, 0x03, 0x02, 0x18, 0x08}, kEndOfTrack}));
     EXPECT_TRUE(run.result);
     EXPECT_EQ(Alerts(), Alerts_{"Invalid offbeat time signature specification found and shifted backwards onto the full beat 1."});
-    EXPECT_EQ(run.h.reader.InitialMeterEvent.BPM, 3);
-    EXPECT_EQ(run.h.reader.InitialMeterEvent.Beat, 1);
+    EXPECT_EQ(Ints(run.h.reader.InitialMeterEvent.BPM, run.h.reader.InitialMeterEvent.Beat), Ints(3, 1));
 }
 
 TEST_F(MidiTrackWalk, ForeignMessagesAreNeutralisedAndDrumsKept)
@@ -182,24 +165,19 @@ TEST_F(MidiTrackWalk, SecondPassMovesHighKeysOntoFreeOnes)
     const Bytes body = Concat({{0x00, 0x99, 36, 100, 0x00, 0x99, 38, 100, 0x00, 0x99, 62, 100, 0x10, 62, 0x00}, kEndOfTrack});
     TrackRun run(body, true, 2);
     ASSERT_TRUE(run.result);
-    EXPECT_EQ(run.h.reader.PitchMappedTo[62], 37);
-    EXPECT_EQ(run.h.reader.PitchReverseMap[37], 62);
-    const Bytes image = run.h.Image();
-    EXPECT_EQ(image[22 + 10], 37);   // with its status byte
-    EXPECT_EQ(image[22 + 13], 37);   // with running status
+    const Bytes image = run.h.Image();   // the key with its status byte, and with running status
+    EXPECT_EQ(Ints(run.h.reader.PitchMappedTo[62], run.h.reader.PitchReverseMap[37], image[22 + 10], image[22 + 13]),
+              Ints(37, 62, 37, 37));
     TrackRun first(body, true, 1);
-    EXPECT_EQ(first.h.reader.PitchMappedTo[62], 0);
-    EXPECT_EQ(first.h.reader.highestpitchfound, 62);
-    EXPECT_EQ(first.h.reader.lowestpitchfound, 36);
+    EXPECT_EQ(Ints(first.h.reader.PitchMappedTo[62], first.h.reader.highestpitchfound, first.h.reader.lowestpitchfound),
+              Ints(0, 62, 36));
 }
 
 TEST_F(MidiTrackWalk, ShortSystemExclusiveIsScannedToTheNextEndByte)
 {
     // F0 01 F7: the four skipped bytes swallow the F7 and what follows; the scan finds the next.
     TrackRun run(Concat({{0x00, 0xF0, 0x01, 0xF7, 0x00, 0x99, 0x24, 0x40, 0x00, 0xF7}, kEndOfTrack}));
-    EXPECT_TRUE(run.result);
-    EXPECT_FALSE(run.drums);
-    EXPECT_TRUE(Alerts().empty());
+    EXPECT_TRUE(run.result && !run.drums && Alerts().empty());
 
     Alerts().clear();
     TrackRun open(Bytes{0x00, 0xF0, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07});   // no end byte anywhere

@@ -4,7 +4,6 @@
 #include "toolbox/resources.h"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 using stavio::HostPose;
 
@@ -26,10 +25,7 @@ std::string MenuText(size_t entry)
     return list != nullptr ? list->strings.at(entry - 1).substr(0, 63) : "";
 }
 
-EREGION Region(uint16_t meas, TIME_EDU startPos)
-{
-    return EREGION{EMUSICPOINT{0, 1, meas, startPos}, EMUSICPOINT{0, 2, meas, kEndOfMeasure}};
-}
+EREGION Region(uint16_t meas, TIME_EDU startPos) { return support::Region(1, 2, meas, meas, startPos); }
 
 class BundleInHost : public ::testing::TestWithParam<HostPose> {
 protected:
@@ -63,30 +59,24 @@ TEST_P(BundleInHost, EnumeratesItsCommandFromItsResources)
 {
     ASSERT_EQ(host_.Plugins().size(), 1u);
     const stavio::PluginInfo& plugin = host_.Plugins()[0];
-    EXPECT_EQ(plugin.interfaceVersion, 0x09000000u);
-    EXPECT_EQ(plugin.initFlags, 0u);
-    EXPECT_EQ(plugin.MenuItem(), MenuText(1));
-    EXPECT_EQ(plugin.StatusText(), MenuText(2));
-    EXPECT_EQ(plugin.UndoText(), MenuText(3));
-    EXPECT_EQ(host_.MenuStatus(0), 1);
+    EXPECT_EQ(plugin_test::Ints(plugin.interfaceVersion, plugin.initFlags, host_.MenuStatus(0)),
+              plugin_test::Ints(0x09000000, 0, 1));
+    EXPECT_EQ((std::vector<std::string>{plugin.MenuItem(), plugin.StatusText(), plugin.UndoText()}),
+              (std::vector<std::string>{MenuText(1), MenuText(2), MenuText(3)}));
 }
 
 TEST_P(BundleInHost, SelectionQuestionsDecideWhetherTheDialogOpens)
 {
-    frontEnd_.AddAnswer(kAlertAnswerNo);
-    EXPECT_EQ(host_.Invoke(0, nullptr), 0);
-    EXPECT_TRUE(host_.DialogRequests().empty());
-    frontEnd_.AddAnswer(kAlertAnswerYes);
-    EXPECT_EQ(host_.Invoke(0, nullptr), 0);
-    EXPECT_EQ(host_.DialogRequests().size(), 1u);
-
+    // Nothing selected, then a selection from beat two: No opens nothing, Yes the dialog.
     const EREGION fromBeatTwo = Region(2, 1024);
-    frontEnd_.AddAnswer(kAlertAnswerNo);
-    EXPECT_EQ(host_.Invoke(0, &fromBeatTwo), 0);
-    EXPECT_EQ(host_.DialogRequests().size(), 1u);
-    frontEnd_.AddAnswer(kAlertAnswerYes);
-    EXPECT_EQ(host_.Invoke(0, &fromBeatTwo), 0);
-    EXPECT_EQ(host_.DialogRequests().size(), 2u);
+    size_t dialogs = 0;
+    for (const EREGION* selection : {static_cast<const EREGION*>(nullptr), &fromBeatTwo}) {
+        for (const int32_t answer : {kAlertAnswerNo, kAlertAnswerYes}) {
+            frontEnd_.AddAnswer(answer);
+            EXPECT_EQ(host_.Invoke(0, selection), 0);
+            EXPECT_EQ(host_.DialogRequests().size(), dialogs += answer == kAlertAnswerYes);
+        }
+    }
     EXPECT_EQ(AskedQuestions(), (std::vector<int32_t>{0x4E210001, 0x4E210001, 0x4E21000B, 0x4E21000B}));
     EXPECT_NE(frontEnd_.Alerts()[0].request.text.find('?'), std::string::npos);   // the bundle's own text
 }
@@ -100,8 +90,7 @@ TEST_P(BundleInHost, WholeMeasuresOpenTheGrooveDialogWithTheHandlerInTheHostsFor
     EXPECT_TRUE(frontEnd_.Alerts().empty());
     ASSERT_EQ(host_.DialogRequests().size(), 1u);
     const stavio::DialogRequest& dialog = host_.DialogRequests()[0];
-    EXPECT_EQ(dialog.dialogId, 20129);
-    EXPECT_EQ(dialog.modal, 1);
+    EXPECT_EQ(plugin_test::Ints(dialog.dialogId, dialog.modal), plugin_test::Ints(20129, 1));
     Dl_info info{};
     ASSERT_NE(dladdr(reinterpret_cast<const void*>(dialog.handler), &info), 0);
     EXPECT_EQ(std::string(info.dli_fname), host_.Plugins()[0].modulePath);
@@ -123,8 +112,7 @@ TEST(PluginBundleMain, ReplyCarriesEntryPointsOnlyOnTheCopyPath)
         StavioFuncs table = host.FunctionTable();
         SXPluginFuncs reply{};
         ASSERT_EQ(mainEntry(&table, &reply), 1);
-        EXPECT_EQ(reply.size, 32u);
-        EXPECT_EQ(reply.version, 0x0c000000u);
+        EXPECT_EQ(plugin_test::Ints(reply.size, reply.version), plugin_test::Ints(32, 0x0c000000));
         const bool copyPath = pose == HostPose::Older;
         const std::pair<const void*, const char*> entries[] = {
             {reinterpret_cast<const void*>(reply.fpGetversion), "Ext_getversion"},

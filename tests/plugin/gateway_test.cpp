@@ -9,9 +9,10 @@
 #include "tests/plugin/plugin_test_support.h"
 #include "toolbox/symbols.h"
 
-#include <gtest/gtest.h>
+#include <tuple>
 
 using plugin_test::HostSession;
+using support::Ints;
 using stavio::HostPose;
 
 namespace {
@@ -26,13 +27,8 @@ SXPluginFuncs StartOnStandIns(uint32_t version, uint32_t size = sizeof(StavioFun
     StavioFuncs table{};
     table.size = size;
     table.version = version;
-    for (int slot = kFirstFunctionSlot; slot <= kLastFunctionSlot; ++slot) {
-        SetSlot(table, slot, StandIn(slot));
-    }
-    plugin_test::ResetPluginState();
-    SXPluginFuncs reply{};
-    EXPECT_EQ(PluginMain(&table, &reply), 1);
-    return reply;
+    for (int slot = kFirstFunctionSlot; slot <= kLastFunctionSlot; ++slot) SetSlot(table, slot, StandIn(slot));
+    return support::StartPluginCore(table);
 }
 
 // The filled slots as runs "first-last".
@@ -40,13 +36,9 @@ std::string FilledSlots()
 {
     std::string runs;
     for (int slot = kFirstFunctionSlot; slot <= kLastFunctionSlot; ++slot) {
-        if (GetSlot(gStavioFuncs, slot) == nullptr) {
-            continue;
-        }
+        if (GetSlot(gStavioFuncs, slot) == nullptr) continue;
         int last = slot;
-        while (last < kLastFunctionSlot && GetSlot(gStavioFuncs, last + 1) != nullptr) {
-            ++last;
-        }
+        while (last < kLastFunctionSlot && GetSlot(gStavioFuncs, last + 1) != nullptr) ++last;
         runs += (runs.empty() ? "" : " ") + std::to_string(slot) + "-" + std::to_string(last);
         slot = last;
     }
@@ -62,24 +54,20 @@ TEST(PluginStartup, CopyPathVersionGatesAndReply)
     EXPECT_EQ(gStavioFuncs.SX_ExecuteMenuItem, reinterpret_cast<SXProc>(StandIn(76)));
     EXPECT_EQ(reply.fpInvoke, &Ext_invoke);   // all six: see the bundle's own test
 
-    StartOnStandIns(0x04000106);
-    EXPECT_EQ(FilledSlots(), "2-60");
-    StartOnStandIns(0x04000107);
-    EXPECT_EQ(FilledSlots(), "2-61");
-    StartOnStandIns(0x07ffffff);
-    EXPECT_EQ(FilledSlots(), "2-61");
-    StartOnStandIns(0x08000000);
-    EXPECT_EQ(FilledSlots(), "2-76");
-    StartOnStandIns(0x08ffffff, static_cast<uint32_t>(SlotOffset(31)));   // a shorter table
-    EXPECT_EQ(FilledSlots(), "2-30");
+    for (const auto& [version, size, filled] : std::vector<std::tuple<uint32_t, size_t, std::string>>{
+             {0x04000106, sizeof(StavioFuncs), "2-60"}, {0x04000107, sizeof(StavioFuncs), "2-61"},
+             {0x07ffffff, sizeof(StavioFuncs), "2-61"}, {0x08000000, sizeof(StavioFuncs), "2-76"},
+             {0x08ffffff, SlotOffset(31), "2-30"}}) {   // the last: a shorter table
+        StartOnStandIns(version, static_cast<uint32_t>(size));
+        EXPECT_EQ(FilledSlots(), filled) << std::hex << version;
+    }
 }
 
 TEST(PluginStartup, NullArgumentsRefuseToStart)
 {
     StavioFuncs table{};
     SXPluginFuncs reply{};
-    EXPECT_EQ(PluginMain(nullptr, &reply), 0);
-    EXPECT_EQ(PluginMain(&table, nullptr), 0);
+    EXPECT_EQ(Ints(PluginMain(nullptr, &reply), PluginMain(&table, nullptr)), Ints(0, 0));
     ASSERT_EQ(InitializeGlobals(), 0);
     EXPECT_EQ(GetStavioBundleRef(), &gStavioFSSpec);
 }
@@ -90,8 +78,7 @@ TEST(PluginStartup, NamePathLooksFunctionsUpByVersionAndLeavesTheReplyAlone)
 {
     stavio::Host host(stavio::HostSettings{HostPose::Newer, "", ""});
     SXPluginFuncs reply = StartOnStandIns(0x09000000);
-    EXPECT_EQ(reply.fpGetversion, nullptr);
-    EXPECT_EQ(reply.fpGetMenuStatus, nullptr);
+    EXPECT_TRUE(reply.fpGetversion == nullptr && reply.fpGetMenuStatus == nullptr);
     // Slot 62 has a name the host does not export; 77-78 are never looked up; 82 has no name;
     // 101-103 wait for 0x0b000000; 104-105 come with the first block.
     EXPECT_EQ(FilledSlots(), "2-61 63-76 79-81 83-100 104-105");
@@ -153,13 +140,11 @@ int32_t RecordShowHide(EDLG, int32_t, int32_t, EVERSION)
 TEST(PluginDefaults, MissingSlotsAnswerTheirDefaultsAndChordAnalysisTellsTheUser)
 {
     HostSession session(HostPose::Older);
-    EXPECT_EQ(SX_GetMaxLayers(), 4);
-    EXPECT_EQ(SX_IsMachO(), 0);
-    EXPECT_EQ(SX_ProcessMidiData(nullptr), -1);
-    EXPECT_EQ(SX_KillTimer(nullptr, 1, kPluginApiVersion), 0);
-    EXPECT_EQ(SX_GetWindowCount(), 0);
     gStavioFuncs.SX_GetStavioPathMac = nullptr;
-    EXPECT_EQ(SX_GetStavioPathMac(nullptr), 0);
+    EXPECT_EQ(Ints(SX_GetMaxLayers(), SX_IsMachO(), SX_ProcessMidiData(nullptr),
+                   SX_KillTimer(nullptr, 1, kPluginApiVersion),
+                   SX_GetWindowCount(), SX_GetStavioPathMac(nullptr)),
+              Ints(4, 0, -1, 0, 0, 0));
     EXPECT_TRUE(session.frontEnd.Alerts().empty());
 
     EXPECT_EQ(SX_AnalyzeChord(nullptr, nullptr, 0, kPluginApiVersion), 0);
@@ -196,8 +181,7 @@ TEST(PluginCallbacks, OlderHostGetsATransitionVectorNewerTheHandlerItself)
         SXDialogHandlerRef ref = NewDialogHandlerProc(handler);
         ASSERT_NE(ref, reinterpret_cast<void*>(handler));
         const auto* vector = static_cast<const SXTransitionVector*>(ref);
-        EXPECT_EQ(vector->code, handler);
-        EXPECT_EQ(vector->toc, nullptr);
+        EXPECT_TRUE(vector->code == handler && vector->toc == nullptr);
         DisposeDialogHandlerProc(ref);   // the sanitizer reports a leak otherwise
     }
     HostSession session(HostPose::Newer);

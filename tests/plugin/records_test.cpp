@@ -7,8 +7,7 @@
 #include "tamberlyne/host/versioned_records.h"
 #include "tests/plugin/plugin_test_support.h"
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <cstring>
 
 using namespace plugin_test;
@@ -114,15 +113,11 @@ TEST(PluginPreferenceMaps, PlaybackAndPageFormatAreAssembledFromTheirOtherRecord
     PutOther(doc, Tag("ot36"), 0, Words(2, 0, 0, 0, 0, 33));
     PutOther(doc, Tag("ot37"), 0, Words(5, 9, 0x0101));
     PutOther(doc, Tag("ot37"), 1, Words(77, 77, 77));   // another incidence: not read
-    EDTPlaybackPrefs playback{};
-    ASSERT_EQ(Load(Tag("pfPL"), 0, playback), 1);
-    EXPECT_EQ(playback.baseKeyVelocity, 64);
-    EXPECT_EQ(playback.tempo, 120);
-    EXPECT_EQ(playback.playbackStartMode, 2);
-    EXPECT_EQ(playback.swing, 33);
-    EXPECT_EQ(playback.startMeasure, 5);
-    EXPECT_EQ(playback.stopMeasure, 9);
-    EXPECT_EQ(playback.playbackFlags, 0x0101);
+    EDTPlaybackPrefs p{};
+    ASSERT_EQ(Load(Tag("pfPL"), 0, p), 1);
+    EXPECT_EQ(Ints(p.baseKeyVelocity, p.tempo, p.playbackStartMode, p.swing, p.startMeasure, p.stopMeasure,
+                   p.playbackFlags),
+              Ints(64, 120, 2, 33, 5, 9, 0x0101));
 
     PutOther(doc, Tag("ot70"), 0, Words(0, 3168, 1, static_cast<int16_t>(0x8000), 100, 85));
     PutOther(doc, Tag("ot71"), 0, Words(96, 144, 150, 160, 170, 1));   // same margins everywhere
@@ -136,15 +131,11 @@ TEST(PluginPreferenceMaps, PlaybackAndPageFormatAreAssembledFromTheirOtherRecord
     ASSERT_EQ(SX_LoadEData(Tag("pfPF"), &key, &page, &size, kPluginApiVersion), 1);
     EXPECT_EQ(size, 48);
     EXPECT_EQ(tap.calls.size(), 5u);   // one load per "other" record, not per field
-    EXPECT_EQ(page.pageHeight, 3168);
-    EXPECT_EQ(page.pageWidth, 0x00018000);   // high half first
-    EXPECT_EQ(page.systemPercent, 85);
-    EXPECT_EQ(page.leftPageRightMargin, 170);
-    EXPECT_EQ(page.facingPages, 0);           // kept inverted
-    EXPECT_EQ(page.rightPageRightMargin, 14);
-    EXPECT_EQ(page.systemDistance, 0);
-    EXPECT_EQ(page.firstSystemLeftMargin, 32);
-    EXPECT_EQ(page.firstPageSystemCount, 4);  // the low byte only
+    // The width high half first, facing pages kept inverted, the system count's low byte only.
+    EXPECT_EQ(Ints(page.pageHeight, page.pageWidth, page.systemPercent, page.leftPageRightMargin, page.facingPages,
+                   page.rightPageRightMargin, page.systemDistance, page.firstSystemLeftMargin,
+                   page.firstPageSystemCount),
+              Ints(3168, 0x00018000, 85, 170, 0, 14, 0, 32, 4));
 
     // Low-half-first fields are exchanged.
     PREFERENCE_LOCATION_MAPRECORD map[] = {{0, '7', '0', 0, 0, 0, 2, 4, MC_WINFOURBYTE}};
@@ -176,8 +167,7 @@ TEST(PluginPreferenceMaps, ArrayRowsAndTheirRanges)
     PutOther(session.document(), Tag("ot40"), 127, Words(1234));
     EDTGeneric pieces[4] = {};
     ASSERT_EQ(Load(Tag("pfPF"), 1, pieces), 1);
-    EXPECT_EQ(pieces[0].words[0], 1);
-    EXPECT_EQ(pieces[3].words[0], 4);
+    EXPECT_EQ(Ints(pieces[0].words[0], pieces[3].words[0]), Ints(1, 4));
     EXPECT_EQ(Load(Tag("pfPF"), 1, pieces, 47), 0);
     ASSERT_EQ(Load(Tag("pfSN"), 128, pieces[0]), 1);
     EXPECT_EQ(pieces[0].words[0], 1234);
@@ -192,8 +182,7 @@ TEST(PluginPreferenceMaps, ArrayRowsAndTheirRanges)
     int16_t count = 0;
     int16_t first = 0;
     EXPECT_TRUE(mapPrefTag(Tag("pfGb"), 4, &other, &count, &first));
-    EXPECT_EQ(other, Tag("ot98"));
-    EXPECT_EQ(first, 3);
+    EXPECT_EQ(Ints(other, first), Ints(Tag("ot98"), 3));
     EXPECT_TRUE(mapPrefTag(Tag("pfGG"), 0, &other, &count, &first));
     EXPECT_EQ(count, 11);
     for (auto [tag, cmper] : {std::pair{Tag("pfGb"), 0}, {Tag("pfGb"), 5}, {Tag("pfSl"), 16}, {Tag("pfTs"), 10},
@@ -213,10 +202,11 @@ TEST(PluginPreferenceSave, OnlyNewCallersMapAndOnlyChangedRecordsAreWritten)
     PutOther(doc, Tag("ot39"), 0, Words(0, 0, 0, 120));
     EDTPlaybackPrefs playback{};
     playback.tempo = 90;
-    EXPECT_EQ(Save(Tag("pfPL"), playback, sizeof(playback), 0x07ffffff), 0);   // to the host, which refuses
-    EXPECT_EQ(GetOther(doc, Tag("ot39")).words[3], 120);
-    EXPECT_EQ(Save(Tag("pfPL"), playback, sizeof(playback), 0x08000000), 1);
-    EXPECT_EQ(GetOther(doc, Tag("ot39")).words[3], 90);
+    for (const auto& [version, saved, tempo] : {std::array<int32_t, 3>{0x07ffffff, 0, 120}, {0x08000000, 1, 90}}) {
+        EXPECT_EQ(Save(Tag("pfPL"), playback, sizeof(playback), EVERSION(version)),
+                  saved);   // older: to the host, which refuses
+        EXPECT_EQ(GetOther(doc, Tag("ot39")).words[3], tempo);
+    }
 
     PutOther(doc, Tag("ot71"), 0, Words(96, 144, 150, 160, 170, 1));
     PutOther(doc, Tag("ot74"), 0, Words(31, 32, 0x7f04, 99));
@@ -231,11 +221,10 @@ TEST(PluginPreferenceSave, OnlyNewCallersMapAndOnlyChangedRecordsAreWritten)
     page.firstPageSystemCount = 0x1ff;
     ASSERT_EQ(Save(Tag("pfPF"), page), 1);
     EXPECT_EQ(tap.Saves(), 3u);
-    EXPECT_EQ(GetOther(doc, Tag("ot72")).words[0], 50);
-    EXPECT_EQ(GetOther(doc, Tag("ot71")).words[5], 0);
-    const EDTGeneric ot74 = GetOther(doc, Tag("ot74"));
-    EXPECT_EQ(static_cast<uint16_t>(ot74.words[2]), 0x7fffu);   // the high byte is kept
-    EXPECT_EQ(ot74.words[3], 99);
+    const EDTGeneric ot74 = GetOther(doc, Tag("ot74"));   // the high byte of word 2 is kept
+    EXPECT_EQ(Ints(GetOther(doc, Tag("ot72")).words[0], GetOther(doc, Tag("ot71")).words[5], uint16_t(ot74.words[2]),
+                   ot74.words[3]),
+              Ints(50, 0, 0x7fff, 99));
 
     // The size is tested against twice the number of rows; fields past it are not read.
     page.systemDistance = 7;
@@ -260,8 +249,7 @@ TEST(PluginSpecialRecords, StaffSystemFallbackAndPreZeroedLoads)
     EXPECT_EQ(Load(kTagStaffSystemDef, 3, buffer, 66), 0);
     PutOther(session.document(), kTagStaffSystemDefOther, 0, Words(1), 3);
     EXPECT_EQ(Load(kTagStaffSystemDef, 3, buffer, 66), 1);
-    EXPECT_EQ(buffer[65], 0);
-    EXPECT_EQ(buffer[66], 0xAA);   // nothing past the caller's size
+    EXPECT_EQ(Ints(buffer[65], buffer[66]), Ints(0, 0xAA)) << "nothing past the caller's size";
     EDataID key = Key(3);
     int32_t size = 0;
     EXPECT_EQ(SX_LoadEData(kTagStaffSystemDef, &key, nullptr, &size, kPluginApiVersion), 1);
@@ -269,7 +257,6 @@ TEST(PluginSpecialRecords, StaffSystemFallbackAndPreZeroedLoads)
 
     std::memset(buffer, 0xAA, sizeof(buffer));
     EXPECT_EQ(Load(kTagZeroFilled108, 1, buffer, 108), 0);   // the host filled nothing
-    EXPECT_EQ(buffer[107], 0);
-    EXPECT_EQ(buffer[108], 0xAA);
+    EXPECT_EQ(Ints(buffer[107], buffer[108]), Ints(0, 0xAA));
     EXPECT_EQ(Load(kTagZeroFilled48, 1, buffer, 40), 0);
 }

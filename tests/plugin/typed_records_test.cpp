@@ -7,11 +7,10 @@
 #include "tests/plugin/plugin_test_support.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 
 using plugin_test::HostSession;
+using support::Ints;
 
 namespace {
 
@@ -39,8 +38,7 @@ TEST(PluginTypedRecords, InstrumentListAndOtherRecords)
     ASSERT_TRUE(sx_deleteIU(0, 0));   // later incidences move down
     EDTInstrumentUsed moved{};
     ASSERT_TRUE(sx_loadIU(0, 0, moved));
-    EXPECT_EQ(moved.inst, second.inst);
-    EXPECT_EQ(moved.separ, -777);
+    EXPECT_EQ(Ints(moved.inst, moved.separ), Ints(second.inst, -777));
     EXPECT_FALSE(sx_loadIU(0, 2, moved));
 
     const EXTAG tag = MakeTag('o', 't', 'Z', 'Z');
@@ -51,8 +49,7 @@ TEST(PluginTypedRecords, InstrumentListAndOtherRecords)
     cmper = 65535;
     inci = 12;   // a new number starts at incidence 0
     ASSERT_TRUE(sx_createother(tag, cmper, inci, &record, sizeof(record), kPluginApiVersion));
-    EXPECT_EQ(cmper, 8);
-    EXPECT_EQ(inci, 0);
+    EXPECT_EQ(Ints(cmper, inci), Ints(8, 0));
     inci = -1;   // append an incidence
     ASSERT_TRUE(sx_createother(tag, cmper, inci, &record, sizeof(record), kPluginApiVersion));
     EXPECT_EQ(inci, 1);
@@ -86,20 +83,18 @@ TEST(PluginRecordClasses, StaffNamesTextBlocksAndTheFallback)
     EXPECT_EQ(name.GetPlainText(), "Drum Set");
     EXPECT_EQ(staff.GetAbbrivName(&name), 0);
     EXPECT_STREQ(name.GetText(), "Dr.");
-    ASSERT_EQ(staff.Load(2), 1);   // a single blank
-    EXPECT_EQ(staff.GetFullName(&name), 1);
-    EXPECT_STREQ(name.GetText(), "[Staff 2]");
-    ASSERT_EQ(staff.Load(3), 1);   // no name at all
-    EXPECT_EQ(staff.GetAbbrivName(&name), 1);
-    EXPECT_STREQ(name.GetText(), "[Staff 3]");
+    // Staff 2's name is a single blank, staff 3 has no name at all.
+    for (const auto& [inst, full] : {std::pair{2, true}, {3, false}}) {
+        ASSERT_EQ(staff.Load(inst), 1);
+        EXPECT_EQ(full ? staff.GetFullName(&name) : staff.GetAbbrivName(&name), 1);
+        EXPECT_EQ(std::string(name.GetText()), "[Staff " + std::to_string(inst) + "]");
+    }
     EXPECT_EQ(staff.Load(9), 0);
 
     CTextObject text;   // the text blocks in order: two names of staff 1, one of staff 2
     ASSERT_EQ(text.LoadTextObject(1), 1);
     std::vector<std::string> texts{text.GetText()};
-    while (text.Next() == 1) {
-        texts.push_back(text.GetText());
-    }
+    while (text.Next() == 1) texts.push_back(text.GetText());
     EXPECT_EQ(texts, (std::vector<std::string>{"^font(Times)Drum Set", "Dr.", " "}));
     EXPECT_EQ(text.LoadTextObject(99), 0);
     EXPECT_STREQ(text.GetText(), "");

@@ -27,10 +27,10 @@ TEST(CleanQVF, GivesEveryNoteAUniqueIdentifierMirroredInItsFlag)
         EXENTRY entry;
         EXQVF2005a frame = FrameOf(entry, before);
         CleanQVF(&frame, true);
-        for (size_t i = 0; i < after.size(); ++i) {
-            EXPECT_EQ(entry.note[i].noteID, after[i]) << "case starting " << before[0] << ", note " << i;
-            EXPECT_EQ(uint32_t{entry.note[i].flag}, (0x00E00003u | uint32_t(after[i] & 0x1F) << 16));
-        }
+        for (size_t i = 0; i < after.size(); ++i)
+            EXPECT_EQ(score_test::Ints(entry.note[i].noteID, entry.note[i].flag),
+                      score_test::Ints(after[i], 0x00E00003u | uint32_t(after[i] & 0x1F) << 16))
+                << "case starting " << before[0] << ", note " << i;
         EXPECT_EQ(entry.note[11].tcd, 0);
     }
 }
@@ -44,14 +44,12 @@ TEST(CleanQVF, RestsGetANoteRecordOnlyWhenAllowedAndEmptyFramesStayAsTheyAre)
     EXPECT_EQ(rest.note[11].tcd, 7);
     frame.numEntries = 1;
     CleanQVF(&frame, true);
-    EXPECT_EQ(rest.numNotes, 0);
-    EXPECT_EQ(uint32_t{rest.ef}, 0u);
+    EXPECT_EQ(score_test::Ints(rest.numNotes, rest.ef), score_test::Ints(0, 0));
     CanAddNoteRecordToRests = true;
     CleanQVF(&frame, true);
     CanAddNoteRecordToRests = false;
-    EXPECT_EQ(rest.numNotes, 1);
-    EXPECT_EQ(uint32_t{rest.note[0].flag}, kNoteIsRestRecord);
-    EXPECT_EQ(uint32_t{rest.ef}, kEntryRestHasNoteRecord);
+    EXPECT_EQ(score_test::Ints(rest.numNotes, rest.note[0].flag, rest.ef),
+              score_test::Ints(1, kNoteIsRestRecord, kEntryRestHasNoteRecord));
 }
 
 using EntryFrames = score_test::ScoreTest;

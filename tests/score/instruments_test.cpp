@@ -10,9 +10,8 @@ TEST_F(Instruments, LoadsTheListAndSavingAShorterOneDeletesTheExtraSlots)
     Start(stavio::DocumentBuilder().Measures(1).Staff("A").Staff("B").Staff("C").Staff("D").Build());
     TInstruments list(0, false);
     ASSERT_EQ(list.data.size(), 4u);
-    EXPECT_EQ(list.maxsize, 4u);
-    EXPECT_EQ(list.data[2].IU.inst, 3);
-    EXPECT_FALSE(list.data[2].userbool);
+    EXPECT_EQ(score_test::Ints(list.maxsize, list.data[2].IU.inst, list.data[2].userbool),
+              score_test::Ints(4, 3, false));
 
     list.data[1].IU.separ = list.data[0].IU.separ - 250;
     EXPECT_FALSE(list.SaveSystem(0));
@@ -26,6 +25,5 @@ TEST_F(Instruments, LoadsTheListAndSavingAShorterOneDeletesTheExtraSlots)
     EXPECT_FALSE(sx_loadIU(0, 1, record));
     EXPECT_EQ(TInstruments(0, false).maxsize, 1u);
     TInstruments empty(5, false);
-    EXPECT_EQ(empty.maxsize, 0u);
-    EXPECT_EQ(empty._system, 5u);
+    EXPECT_EQ(score_test::Ints(empty.maxsize, empty._system), score_test::Ints(0, 5));
 }

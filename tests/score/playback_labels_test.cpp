@@ -14,18 +14,7 @@ constexpr int kOff = 17;
 class PlaybackLabels : public score_test::ScoreTest {
 protected:
     void StartWith(stavio::DocumentBuilder builder = {}) { Start(builder.Measures(40).Staff("Drums").Staff("Bass").Build()); }
-    // The playback type bytes of staff `inst`'s labels in `meas`, in incidence order.
-    std::vector<int> Labels(int inst, int meas)
-    {
-        std::vector<int> kinds;
-        for (const EDTGeneric& assignment : stavio::ExpressionAssignments(doc(), meas)) {
-            const auto definition = stavio::ReadTextExpression(doc(), assignment.words[0]);
-            if (stavio::AssignmentOnStaff(assignment, inst) && definition) {
-                kinds.push_back(definition->header.playbackType & 0xFF);
-            }
-        }
-        return kinds;
-    }
+    std::vector<int> Labels(int inst, int meas) { return score_test::Labels(doc(), inst, meas); }
 };
 
 }  // namespace
@@ -37,8 +26,8 @@ TEST_F(PlaybackLabels, LabelsAroundARegionAreWrittenOnceWithSharedExpressions)
         EXPECT_EQ(TurnHumanPlaybackOff(1, 3), run == 0);
         EXPECT_TRUE(TurnHumanPlaybackOn(1, 7));
     }
-    EXPECT_EQ(Labels(1, 3), (std::vector<int>{kOff}));
-    EXPECT_EQ(Labels(1, 7), (std::vector<int>{kOn}));
+    EXPECT_EQ((std::vector<std::vector<int>>{Labels(1, 3), Labels(1, 7)}),
+              (std::vector<std::vector<int>>{{kOff}, {kOn}}));
     EDTMeasureSpec2005 spec;
     ASSERT_TRUE(score_test::ReadOther(doc(), kTagMeasureSpec, 3, 0, spec));
     EXPECT_NE(spec.meflag & kMeasureMeflagHasExpressions, 0);
@@ -59,8 +48,8 @@ TEST_F(PlaybackLabels, OnLabelsWherePlaybackGoesOffAreReplacedAndLookingBackStop
     TurnHumanPlaybackOn(1, 5);
     TurnHumanPlaybackOn(2, 5);
     EXPECT_TRUE(TurnHumanPlaybackOff(1, 5));
-    EXPECT_EQ(Labels(1, 5), (std::vector<int>{kOff}));
-    EXPECT_EQ(Labels(2, 5), (std::vector<int>{kOn}));
+    EXPECT_EQ((std::vector<std::vector<int>>{Labels(1, 5), Labels(2, 5)}),
+              (std::vector<std::vector<int>>{{kOff}, {kOn}}));
     EXPECT_FALSE(TurnHumanPlaybackOff(1, 30));   // measure 5 is 25 back: still off
     TurnHumanPlaybackOn(1, 10);
     EXPECT_TRUE(TurnHumanPlaybackOff(1, 12));     // looking back stops at the "on" label

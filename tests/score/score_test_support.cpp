@@ -1,9 +1,9 @@
 #include "tests/score/score_test_support.h"
 
+#include "stavio/document/text_expressions.h"
 #include "tamberlyne/host/entry_frames.h"
-#include "tamberlyne/host/gateway.h"
-#include "tamberlyne/host/startup.h"
 #include "tamberlyne/plugin/plugin_globals.h"
+#include "tests/support/plugin_core.h"
 
 namespace score_test {
 
@@ -12,11 +12,7 @@ ScoreTest::ScoreTest() : host(std::make_unique<stavio::Host>(stavio::HostSetting
 void ScoreTest::Start(stavio::Document document, const EREGION& region, uint32_t options)
 {
     host->SetDocument(std::move(document));
-    gStavioFuncs = StavioFuncs{};
-    gStavioFuncs.size = sizeof(StavioFuncs);
-    StavioFuncs table = host->FunctionTable();
-    SXPluginFuncs reply{};
-    ASSERT_EQ(PluginMain(&table, &reply), 1);
+    support::StartPluginCore(*host);
     LoadedQVFCounter = 0;
     CanAddNoteRecordToRests = false;
     SelRegion = region;
@@ -25,15 +21,7 @@ void ScoreTest::Start(stavio::Document document, const EREGION& region, uint32_t
 
 void ScoreTest::TearDown()
 {
-    EXPECT_EQ(LoadedQVFCounter, 0);
-    EXPECT_EQ(host->LiveFrameCount(), 0u);
-    EXPECT_EQ(host->RefusedFrameFrees(), 0u);
-}
-
-EREGION Region(uint16_t firstSlot, uint16_t lastSlot, uint16_t firstMeas, uint16_t lastMeas, int32_t startPos,
-               int32_t endPos)
-{
-    return EREGION{{0, firstSlot, firstMeas, startPos}, {0, lastSlot, lastMeas, endPos}};
+    EXPECT_EQ(Ints(LoadedQVFCounter, host->LiveFrameCount(), host->RefusedFrameFrees()), Ints(0, 0, 0));
 }
 
 EXMEASRANGE Range(int16_t startMeas, int32_t startEdu, int16_t endMeas, int32_t endEdu)
@@ -60,10 +48,33 @@ std::vector<Assigned> Assignments(const stavio::Document& doc, int inst)
 {
     std::vector<Assigned> found;
     EDTStaffStyleAssign a;
-    while (ReadOther(doc, kTagStaffStyleAssign, inst, int(found.size()), a)) {
+    while (ReadOther(doc, kTagStaffStyleAssign, inst, int(found.size()), a))
         found.push_back({a.style, a.range.start.meas, a.range.start.edu, a.range.end.meas, a.range.end.edu});
-    }
     return found;
+}
+
+int16_t ClefAt(stavio::Document& doc, int inst, int meas, int16_t set)
+{
+    int16_t frames[stavio::kMaxLayers] = {};
+    EDTGfhold2004 hold{0, 0, 0, frames};
+    const stavio::RecordKey key = stavio::RecordKey::Detail(inst, meas, 0);
+    doc.Read(kTagGfhold, key, &hold, kGfhold2004Size, kPluginApiVersion);
+    if (set >= 0) {
+        hold.clef = set;
+        doc.Write(kTagGfhold, key, &hold, kGfhold2004Size, kPluginApiVersion);
+    }
+    return hold.clef;
+}
+
+std::vector<int> Labels(const stavio::Document& doc, int inst, int meas)
+{
+    std::vector<int> kinds;
+    for (const EDTGeneric& assignment : stavio::ExpressionAssignments(doc, meas)) {
+        const auto definition = stavio::ReadTextExpression(doc, assignment.words[0]);
+        if (stavio::AssignmentOnStaff(assignment,
+                                      inst) && definition) kinds.push_back(definition->header.playbackType & 0xFF);
+    }
+    return kinds;
 }
 
 }  // namespace score_test

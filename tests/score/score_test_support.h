@@ -4,14 +4,16 @@
 
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 #include <array>
 #include <memory>
 #include <vector>
 
 namespace score_test {
+
+using support::Ints;
+using support::Region;
 
 // Every test ends with no entry frame out: the plug-in's count and the host's agree on 0.
 class ScoreTest : public ::testing::Test {
@@ -27,9 +29,6 @@ protected:
     std::unique_ptr<stavio::Host> host;
 };
 
-// Whole measures `firstMeas`..`lastMeas` of slots `firstSlot`..`lastSlot` of list 0.
-EREGION Region(uint16_t firstSlot, uint16_t lastSlot, uint16_t firstMeas, uint16_t lastMeas, int32_t startPos = 0,
-               int32_t endPos = kEndOfMeasure);
 EXMEASRANGE Range(int16_t startMeas, int32_t startEdu, int16_t endMeas, int32_t endEdu = kEndOfMeasure);
 EDTStaffStyle2003 SlashStyle(uint16_t mask1 = 0, uint16_t mask2 = 0x1000);
 
@@ -47,5 +46,11 @@ bool ReadOther(const stavio::Document& doc, EXTAG tag, int cmper, int inci, Reco
 // measure, end position).
 using Assigned = std::array<int32_t, 5>;
 std::vector<Assigned> Assignments(const stavio::Document& doc, int inst);
+
+// The clef of a staff-measure; `set` (when not -1) is written first.
+int16_t ClefAt(stavio::Document& doc, int inst, int meas, int16_t set = -1);
+
+// The playback type bytes of staff `inst`'s labels in `meas`, in incidence order (17 off, 16 on).
+std::vector<int> Labels(const stavio::Document& doc, int inst, int meas);
 
 }  // namespace score_test

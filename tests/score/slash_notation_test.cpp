@@ -85,9 +85,7 @@ TEST_F(SlashNotationRuns, SlashStylesThatDoMoreAreNeitherReusedNorCut)
 {
     stavio::DocumentBuilder builder;
     builder.Measures(8).Staff("Drums");
-    for (int16_t number = 1; number <= 999; ++number) {
-        builder.StaffStyle(number, score_test::SlashStyle(0x0004));
-    }
+    for (int16_t number = 1; number <= 999; ++number) builder.StaffStyle(number, score_test::SlashStyle(0x0004));
     Start(builder.StyleAssignment(1, 1, score_test::Range(1, 0, 8)).Build());
     Add(Region(1, 1, 3, 4));
     EXPECT_EQ(StyleName(1000), "Quillodeon Slash Notation");

@@ -7,19 +7,14 @@
 #include <array>
 #include <cstring>
 
+using score_test::Ints;
 using score_test::Region;
 
 namespace {
 
 class StaffPreparation : public score_test::ScoreTest {
 protected:
-    int16_t Clef(int inst, int meas)
-    {
-        int16_t frames[stavio::kMaxLayers] = {};
-        EDTGfhold2004 hold{0, 0, 0, frames};
-        doc().Read(kTagGfhold, stavio::RecordKey::Detail(inst, meas, 0), &hold, kGfhold2004Size, kPluginApiVersion);
-        return hold.clef;
-    }
+    int16_t Clef(int inst, int meas) { return score_test::ClefAt(doc(), inst, meas); }
     EDTClefDef PercussionClef()
     {
         EDTClefDef clef{};
@@ -49,8 +44,8 @@ TEST_F(StaffPreparation, PutClefSetsTheRegionsMeasuresAndAsksOnlyAboutAPercussio
     frontEnd.AddAnswer(kAlertAnswerNo);
     PutClef(1, kPercussionClef);
     ASSERT_EQ(frontEnd.Alerts().size(), 1u);
-    EXPECT_EQ(frontEnd.Alerts()[0].request.stringId, 0x4E21000C);
-    EXPECT_EQ(frontEnd.Alerts()[0].request.style, kAlertQuestion);
+    EXPECT_EQ(Ints(frontEnd.Alerts()[0].request.stringId, frontEnd.Alerts()[0].request.style),
+              Ints(0x4E21000C, kAlertQuestion));
     const EDTClefDef declined = PercussionClef();
     EXPECT_EQ(std::memcmp(&declined, &clef, sizeof(clef)), 0);
     EXPECT_EQ(Clef(1, 3), kPercussionClef);   // the measures get the clef all the same
@@ -96,14 +91,11 @@ TEST_F(StaffPreparation, StavesShareOneChannelTenDefinitionThatTheDialogDoesNotY
     EXPECT_EQ(stavio::ChannelName(doc(), definition), "Tamberlyne");
     EDTInstrumentUsage usage;
     ASSERT_TRUE(score_test::ReadOther(doc(), kTagInstrumentUsage, 2, 0, usage, kInstrumentUsageVersion));
-    EXPECT_EQ(usage.flag, 0x5055);
-    EXPECT_EQ(usage.f, definition - 1);
+    EXPECT_EQ(Ints(usage.flag, usage.f), Ints(0x5055, definition - 1));
 
     EXPECT_FALSE(IsDrumStaff(1));   // code 9 until the host marks its drum channel
     ASSERT_TRUE(stavio::SetChannelCode(doc(), definition, int16_t(0x8009)));
-    EXPECT_TRUE(IsDrumStaff(1));
-    EXPECT_FALSE(IsDrumStaff(3));
-    EXPECT_FALSE(IsDrumStaff(12));
+    EXPECT_EQ(Ints(IsDrumStaff(1), IsDrumStaff(3), IsDrumStaff(12)), Ints(true, false, false));
 }
 
 TEST_F(StaffPreparation, ANewChannelDefinitionWhenOneToNinetyNineAreTakenAndThePercussionMap)

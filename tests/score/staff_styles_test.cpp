@@ -22,9 +22,7 @@ protected:
         stavio::DocumentBuilder builder;
         builder.Measures(20).Staff("Drums").Staff("Bass").StaffStyle(kSlash, score_test::SlashStyle());
         builder.StaffStyle(kUserSlash, score_test::SlashStyle(0x0010)).StaffStyle(kOther, score_test::SlashStyle(0, 0x0200));
-        for (const auto& [style, range] : assignments) {
-            builder.StyleAssignment(1, style, range);
-        }
+        for (const auto& [style, range] : assignments) builder.StyleAssignment(1, style, range);
         Start(builder.Build());
     }
 };

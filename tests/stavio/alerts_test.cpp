@@ -4,7 +4,7 @@
 #include "tests/stavio/test_support.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
+#include <tuple>
 
 namespace stavio {
 namespace {
@@ -12,12 +12,12 @@ namespace {
 TEST(StavioScriptedFrontEnd, AnswersQuestionsInOrderThenNoAndNoticesWithOne)
 {
     ScriptedFrontEnd script({kAlertAnswerYes, kAlertAnswerNo, kAlertAnswerYes});
-    EXPECT_EQ(script.Alert({kAlertQuestion, 0, "First?"}), kAlertAnswerYes);
-    EXPECT_EQ(script.Alert({kAlertStop, 0, "Stop."}), kAlertAnswerOk) << "a notice takes no answer";
-    EXPECT_EQ(script.Alert({kAlertQuestion, 0, "Second?"}), kAlertAnswerNo);
-    EXPECT_EQ(script.Alert({kAlertQuestion, 0, "Third?"}), kAlertAnswerYes);
-    EXPECT_EQ(script.Alert({kAlertQuestion, 0, "Fourth?"}), kAlertAnswerNo) << "no answer left means No";
-    EXPECT_EQ(script.Alert({kAlertWarning, 0, "Careful."}), kAlertAnswerOk);
+    // A notice takes no answer; no answer left means No.
+    for (const auto& [style, text, answer] : std::vector<std::tuple<int32_t, const char*, int32_t>>{
+             {kAlertQuestion, "First?", kAlertAnswerYes}, {kAlertStop, "Stop.", kAlertAnswerOk},
+             {kAlertQuestion, "Second?", kAlertAnswerNo}, {kAlertQuestion, "Third?", kAlertAnswerYes},
+             {kAlertQuestion, "Fourth?", kAlertAnswerNo}, {kAlertWarning, "Careful.", kAlertAnswerOk}})
+        EXPECT_EQ(script.Alert({style, 0, text}), answer) << text;
     ASSERT_EQ(script.Alerts().size(), 6u);
     EXPECT_EQ(script.Alerts()[1].request.text, "Stop.");
     EXPECT_EQ(script.Alerts()[4].answer, kAlertAnswerNo);
@@ -54,13 +54,12 @@ TEST_F(StavioHostAlerts, StringIdsAreResolvedFromTheCurrentResourceChain)
     EXPECT_EQ(table.SX_AlertMessage(nullptr, 0, 0, "Warning to plug-in developer", kPluginApiVersion), kAlertAnswerOk);
     EXPECT_EQ(table.SX_AlertMessage(nullptr, kAlertQuestion, 0x4E210063, nullptr, kPluginApiVersion), kAlertAnswerNo);
 
-    ASSERT_EQ(script.Alerts().size(), 4u);
-    EXPECT_EQ(script.Alerts()[0].request.text, "Nothing is selected. Use the whole score?");
-    EXPECT_EQ(script.Alerts()[0].request.stringId, 0x4E210001);
-    EXPECT_EQ(script.Alerts()[1].request.text, "Second text");
-    EXPECT_EQ(script.Alerts()[1].request.style, kAlertWarning);
-    EXPECT_EQ(script.Alerts()[2].request.text, "Warning to plug-in developer");
-    EXPECT_EQ(script.Alerts()[3].request.text, "(text 0x4E210063 not found)") << "a missing text is never empty";
+    std::vector<std::string> texts;
+    for (const auto& alert : script.Alerts()) texts.push_back(alert.request.text);   // a missing text is never empty
+    EXPECT_EQ(texts, (std::vector<std::string>{"Nothing is selected. Use the whole score?", "Second text",
+                                               "Warning to plug-in developer", "(text 0x4E210063 not found)"}));
+    EXPECT_EQ(support::Ints(script.Alerts()[0].request.stringId, script.Alerts()[1].request.style),
+              support::Ints(0x4E210001, kAlertWarning));
 }
 
 TEST_F(StavioHostAlerts, WithoutAFrontEndEveryQuestionIsAnsweredNo)

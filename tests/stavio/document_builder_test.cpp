@@ -1,7 +1,6 @@
 // Built documents hold what the builder was told, in the records a plug-in reads.
 #include "stavio/document_builder.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 namespace stavio {
 namespace {
@@ -16,16 +15,15 @@ TEST(StavioDocumentBuilder, BuildsMeasuresMetersFlagsAndNamedStavesInListZero)
                        .Staff("Drum Set", "Dr.")
                        .Staff("Cowbell")
                        .Build();
-    EXPECT_EQ(doc.MeasureCount(), 16);
-    EXPECT_EQ(doc.MeasureDuration(8), 4096);
-    EXPECT_EQ(doc.MeasureDuration(9), 3072);
-    EXPECT_EQ(doc.MeasureDuration(16), 3072);
+    using support::Ints;
+    EXPECT_EQ(Ints(doc.MeasureCount(), doc.MeasureDuration(8), doc.MeasureDuration(9), doc.MeasureDuration(16)),
+              Ints(16, 4096, 3072, 3072));
 
     EDTMeasureSpec spec{};
-    ASSERT_TRUE(doc.Read(kTagMeasureSpec, RecordKey::Other(5, 0), spec, 0x09000000));
-    EXPECT_EQ(spec.auxflag, kMeasureAuxRefused);
-    ASSERT_TRUE(doc.Read(kTagMeasureSpec, RecordKey::Other(6, 0), spec, 0x09000000));
-    EXPECT_EQ(spec.auxflag, 0);
+    for (const auto& [meas, flag] : {std::pair<uint16_t, int>{5, kMeasureAuxRefused}, {6, 0}}) {
+        ASSERT_TRUE(doc.Read(kTagMeasureSpec, RecordKey::Other(meas, 0), spec, 0x09000000));
+        EXPECT_EQ(spec.auxflag, flag) << meas;
+    }
 
     EXPECT_EQ(doc.StaffCount(), 2);
     EDTStaffSpec2003 staff{};
@@ -37,12 +35,9 @@ TEST(StavioDocumentBuilder, BuildsMeasuresMetersFlagsAndNamedStavesInListZero)
     EXPECT_EQ(staff.abbrvName, 0);
 
     const EREGION whole = doc.WholeRegion();
-    EXPECT_EQ(whole.start.IUslot, 1);
-    EXPECT_EQ(whole.end.IUslot, 2);
-    EXPECT_EQ(whole.start.meas, 1);
-    EXPECT_EQ(whole.end.meas, 16);
-    EXPECT_EQ(TIME_EDU{whole.start.duraPos}, 0);
-    EXPECT_EQ(TIME_EDU{whole.end.duraPos}, kEndOfMeasure);
+    EXPECT_EQ(Ints(whole.start.IUslot, whole.end.IUslot, whole.start.meas, whole.end.meas, whole.start.duraPos,
+                   whole.end.duraPos),
+              Ints(1, 2, 1, 16, 0, kEndOfMeasure));
 }
 
 }  // namespace

@@ -1,11 +1,12 @@
 // Edit brackets opened by a plug-in become whole undo steps of the document.
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 namespace stavio {
 namespace {
+
+using support::Ints;
 
 class StavioEditBrackets : public ::testing::Test {
 protected:
@@ -21,6 +22,7 @@ protected:
         ASSERT_EQ(Table().SX_CreateEData(kTagStaffSpec, &key, nullptr, 102, kPluginApiVersion), 1);
     }
     int32_t Staves() const { return host_.document().StaffCount(); }
+    Document& Doc() { return host_.document(); }
     const StavioFuncs& Table() const { return host_.FunctionTable(); }
 
     Host host_;
@@ -32,16 +34,15 @@ TEST_F(StavioEditBrackets, ABracketIsOneStepThatUndoesAndRedoesWhole)
     AddStaff();
     AddStaff();
     EXPECT_EQ(End(), 1);
-    EXPECT_EQ(Staves(), 3);
-    EXPECT_EQ(host_.document().UndoCount(), 1u);
-    EXPECT_EQ(host_.document().UndoName(), "Add two");
+    EXPECT_EQ(Ints(Staves(), Doc().UndoCount()), Ints(3, 1));
+    EXPECT_EQ(Doc().UndoName(), "Add two");
 
-    ASSERT_TRUE(host_.document().Undo());
+    ASSERT_TRUE(Doc().Undo());
     EXPECT_EQ(Staves(), 1);
-    EXPECT_FALSE(host_.document().Undo()) << "nothing more to undo";
-    ASSERT_TRUE(host_.document().Redo());
+    EXPECT_FALSE(Doc().Undo()) << "nothing more to undo";
+    ASSERT_TRUE(Doc().Redo());
     EXPECT_EQ(Staves(), 3);
-    EXPECT_FALSE(host_.document().Redo());
+    EXPECT_FALSE(Doc().Redo());
 }
 
 TEST_F(StavioEditBrackets, NestedBracketsMakeOneStep)
@@ -51,12 +52,12 @@ TEST_F(StavioEditBrackets, NestedBracketsMakeOneStep)
     Start("Inner");
     AddStaff();
     EXPECT_EQ(End(), 1);
-    EXPECT_EQ(host_.document().UndoCount(), 0u) << "the outer bracket is still open";
+    EXPECT_EQ(Doc().UndoCount(), 0u) << "the outer bracket is still open";
     AddStaff();
     EXPECT_EQ(End(), 1);
-    EXPECT_EQ(host_.document().UndoCount(), 1u);
-    EXPECT_EQ(host_.document().UndoName(), "Outer");
-    ASSERT_TRUE(host_.document().Undo());
+    EXPECT_EQ(Doc().UndoCount(), 1u);
+    EXPECT_EQ(Doc().UndoName(), "Outer");
+    ASSERT_TRUE(Doc().Undo());
     EXPECT_EQ(Staves(), 1);
 }
 
@@ -65,8 +66,7 @@ TEST_F(StavioEditBrackets, CancelPutsBackTheStateOfItsBracketOnly)
     Start("Cancelled");
     AddStaff();
     Cancel();
-    EXPECT_EQ(Staves(), 1);
-    EXPECT_EQ(host_.document().UndoCount(), 0u);
+    EXPECT_EQ(Ints(Staves(), Doc().UndoCount()), Ints(1, 0));
 
     Start("Outer");
     AddStaff();
@@ -75,7 +75,7 @@ TEST_F(StavioEditBrackets, CancelPutsBackTheStateOfItsBracketOnly)
     Cancel();
     EXPECT_EQ(Staves(), 2) << "the outer bracket's change stays";
     EXPECT_EQ(End(), 1);
-    ASSERT_TRUE(host_.document().Undo());
+    ASSERT_TRUE(Doc().Undo());
     EXPECT_EQ(Staves(), 1);
 }
 
@@ -86,13 +86,13 @@ TEST_F(StavioEditBrackets, UnmatchedEndFailsAndANewStepClearsRedo)
     Start("First");
     AddStaff();
     End();
-    ASSERT_TRUE(host_.document().Undo());
-    EXPECT_EQ(host_.document().RedoCount(), 1u);
+    ASSERT_TRUE(Doc().Undo());
+    EXPECT_EQ(Doc().RedoCount(), 1u);
     Start("Second");
     AddStaff();
     End();
-    EXPECT_EQ(host_.document().RedoCount(), 0u);
-    EXPECT_FALSE(host_.document().Redo());
+    EXPECT_EQ(Doc().RedoCount(), 0u);
+    EXPECT_FALSE(Doc().Redo());
 }
 
 }  // namespace

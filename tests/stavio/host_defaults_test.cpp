@@ -4,8 +4,7 @@
 #include "stavio/document/staff_playback.h"
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 #include <set>
 #include <string>
@@ -14,6 +13,7 @@ namespace stavio {
 namespace {
 
 constexpr EVERSION kV = kPluginApiVersion;
+using support::Ints;
 
 class StavioHostDefaults : public ::testing::Test {
 protected:
@@ -23,6 +23,15 @@ protected:
     {
         char name[64] = "junk";
         return T().SX_FontNumToName(number, name, capacity, kV) != 0 ? std::string(name) : "<" + std::string(name) + ">";
+    }
+    // Loads the "other" record (cmper, 0) through the table, as a plug-in does.
+    template <typename Record>
+    int32_t LoadOther(EXTAG tag, uint16_t cmper, Record& record) const
+    {
+        EDataID key{};
+        key.other = EOtherID{cmper, 0};
+        int32_t size = sizeof(Record);
+        return T().SX_LoadEData(tag, &key, &record, &size, kV);
     }
     int16_t ChannelCodeOf(int inst) const
     {
@@ -55,9 +64,9 @@ TEST_F(StavioHostDefaults, FontNamesAndNumbersRoundTripAndUnknownNamesAreAdded)
     char untouched = 'x';
     EXPECT_EQ(T().SX_FontNumToName(0, &untouched, 0, kV), 0);
     EXPECT_EQ(untouched, 'x');
-    EXPECT_EQ(T().SX_FontNameToNum("", kV), -1);
-    EXPECT_EQ(T().SX_FontNameToNum(nullptr, kV), -1);
-    EXPECT_EQ(T().SX_FontNameToNum(std::string(300, 'a').c_str(), kV), -1);
+    EXPECT_EQ(Ints(T().SX_FontNameToNum("", kV), T().SX_FontNameToNum(nullptr, kV),
+                   T().SX_FontNameToNum(std::string(300, 'a').c_str(), kV)),
+              Ints(-1, -1, -1));
 }
 
 TEST_F(StavioHostDefaults, ClefTwelveIsThePercussionClefInTheDorvaneFont)
@@ -70,26 +79,20 @@ TEST_F(StavioHostDefaults, ClefTwelveIsThePercussionClefInTheDorvaneFont)
         int32_t size = sizeof(def);
         ASSERT_EQ(T().SX_LoadEData(kTagClefDef, &key, &def, &size, kV), 1) << clef;
         EXPECT_EQ(size, 18);
-        EXPECT_NE(ClefMeaningOf(clef), nullptr);
+        ASSERT_NE(ClefMeaningOf(clef), nullptr);
+        EXPECT_EQ((def.flag & kClefUsesFont) != 0, clef == kPercussionClef) << clef;
         if (clef == kPercussionClef) {
-            EXPECT_TRUE(def.flag & kClefUsesFont);
             EXPECT_EQ(FontName(def.font).substr(0, 7), "Dorvane");
-            EXPECT_EQ(def.adjust, -10);
-            EXPECT_EQ(def.clefchar, 139);
+            EXPECT_EQ(Ints(def.adjust, def.clefchar), Ints(-10, 139));
             EXPECT_STREQ(ClefMeaningOf(clef)->sign, "percussion");
-        } else {
-            EXPECT_FALSE(def.flag & kClefUsesFont) << clef;
         }
     }
     EXPECT_STREQ(ClefMeaningOf(0)->sign, "G");
     EXPECT_EQ(ClefMeaningOf(3)->line, 4);
     EXPECT_EQ(ClefMeaningOf(18), nullptr);
 
-    EDataID pref{};
-    pref.other = EOtherID{6, 0};
     EDTFontPref font{};
-    int32_t size = sizeof(font);
-    ASSERT_EQ(T().SX_LoadEData(kTagDefaultFontPref, &pref, &font, &size, kV), 1);
+    ASSERT_EQ(LoadOther(kTagDefaultFontPref, 6, font), 1);
     EXPECT_EQ(FontName(static_cast<int16_t>(font.fontIDHigh << 8 | font.fontIDLow)), "Times New Roman");
     EXPECT_GT(font.sizeEfx, 0);
 }
@@ -97,11 +100,8 @@ TEST_F(StavioHostDefaults, ClefTwelveIsThePercussionClefInTheDorvaneFont)
 TEST_F(StavioHostDefaults, PercussionMapOneIsTheGeneralMidiKit)
 {
     Use(Document());
-    EDataID key{};
-    key.other = EOtherID{1, 0};
     EDTGeneric name{};
-    int32_t size = sizeof(name);
-    ASSERT_EQ(T().SX_LoadEData(kTagPercussionMapName, &key, &name, &size, kV), 1);
+    ASSERT_EQ(LoadOther(kTagPercussionMapName, 1, name), 1);
 
     const PercussionMap* map = host_.document().PercussionMapOf(1);
     ASSERT_NE(map, nullptr);
@@ -120,9 +120,7 @@ TEST_F(StavioHostDefaults, PercussionMapOneIsTheGeneralMidiKit)
         EXPECT_EQ(note->notehead, piece.head) << piece.key;
     }
     EXPECT_EQ(map->notes.size(), 81u - 35u + 1u);
-    EXPECT_TRUE(map->ForKey(36)->foot);
-    EXPECT_TRUE(map->ForKey(44)->foot);
-    EXPECT_FALSE(map->ForKey(38)->foot);
+    EXPECT_EQ(Ints(map->ForKey(36)->foot, map->ForKey(44)->foot, map->ForKey(38)->foot), Ints(true, true, false));
     EXPECT_EQ(map->ForKey(34), nullptr);
     // Position and head lead back to the key; snares share a place and the acoustic one wins.
     std::set<std::pair<int, Notehead>> places;
@@ -135,7 +133,7 @@ TEST_F(StavioHostDefaults, PercussionMapOneIsTheGeneralMidiKit)
 
     Use(DocumentBuilder().Measures(1).WithoutPercussionMap().Build());
     EXPECT_EQ(host_.document().PercussionMapOf(1), nullptr);
-    EXPECT_EQ(T().SX_LoadEData(kTagPercussionMapName, &key, &name, &size, kV), 0);
+    EXPECT_EQ(LoadOther(kTagPercussionMapName, 1, name), 0);
 }
 
 TEST_F(StavioHostDefaults, EveryStaffGetsAChannelOfItsOwnSkippingTheDrumChannel)
@@ -151,23 +149,19 @@ TEST_F(StavioHostDefaults, EveryStaffGetsAChannelOfItsOwnSkippingTheDrumChannel)
         definitions.insert(StaffChannelDefinition(host_.document(), inst));
         EXPECT_NE(ChannelCodeOf(inst), kChannel10Code) << inst;
     }
-    EXPECT_EQ(definitions.size(), 10u);
-    EXPECT_EQ(ChannelCodeOf(9), 8);
-    EXPECT_EQ(ChannelCodeOf(10), 10);
+    EXPECT_EQ(Ints(definitions.size(), ChannelCodeOf(9), ChannelCodeOf(10)), Ints(10, 8, 10));
     EXPECT_EQ(ChannelName(host_.document(), StaffChannelDefinition(host_.document(), 2)), "Staff no. 2");
     EXPECT_EQ(ChannelName(host_.document(), StaffChannelDefinition(host_.document(), 11)), "Contrabassoo")
         << "names keep 12 characters";
 
     // The drum staff: its usage points at a definition with the host's drum channel code.
     EXPECT_EQ(ChannelCodeOf(11), kDrumChannelCode);
-    EDataID key{};
-    key.other = EOtherID{11, 0};
     EDTDrumStaff drum{};
-    int32_t size = sizeof(drum);
-    ASSERT_EQ(T().SX_LoadEData(kTagDrumStaff, &key, &drum, &size, kV), 1);
+    ASSERT_EQ(LoadOther(kTagDrumStaff, 11, drum), 1);
     EXPECT_EQ(drum.percMap, 1);
 
     // A staff the plug-in makes gets its channel as well.
+    EDataID key{};
     key.other = EOtherID{kPickNumber, 0};
     ASSERT_EQ(T().SX_CreateEData(kTagStaffSpec, &key, nullptr, sizeof(EDTStaffSpec2003), kV), 1);
     EXPECT_EQ(ChannelName(host_.document(), StaffChannelDefinition(host_.document(), key.other.cmper)), "Staff 12");

@@ -6,7 +6,6 @@
 #include "toolbox/resources.h"
 
 #include <dlfcn.h>
-#include <gtest/gtest.h>
 
 #include <filesystem>
 #include <fstream>
@@ -20,9 +19,7 @@ public:
     explicit ProbeView(const std::string& modulePath) : handle_(dlopen(modulePath.c_str(), RTLD_NOW | RTLD_NOLOAD)) {}
     ~ProbeView()
     {
-        if (handle_ != nullptr) {
-            dlclose(handle_);
-        }
+        if (handle_ != nullptr) dlclose(handle_);
     }
     bool Loaded() const { return handle_ != nullptr; }
     template <typename Result>
@@ -39,9 +36,7 @@ private:
 const PluginFailure* FailureFor(const Host& host, const std::string& bundleName)
 {
     for (const PluginFailure& failure : host.Failures()) {
-        if (std::filesystem::path(failure.path).filename() == bundleName) {
-            return &failure;
-        }
+        if (std::filesystem::path(failure.path).filename() == bundleName) return &failure;
     }
     return nullptr;
 }
@@ -96,32 +91,29 @@ TEST_P(StavioProbe, LoadsInvokesAndUnloadsThroughTheBinaryInterface)
     ASSERT_TRUE(host.LoadBundle(bundle)) << host.Failures().front().reason;
     EXPECT_EQ(toolbox::CurResFile(), before) << "the plug-in's file is current only during its calls";
     const PluginInfo& info = host.Plugins().front();
-    EXPECT_EQ(info.StatusText(), "Probe status");
-    EXPECT_EQ(info.UndoText(), "Undo Probe");
+    EXPECT_EQ(info.StatusText() + "|" + info.UndoText(), "Probe status|Undo Probe");
     EXPECT_EQ(info.interfaceVersion, kPluginInterfaceVersion);
 
     ProbeView probe(info.modulePath);
     ASSERT_TRUE(probe.Loaded());
-    const bool newer = GetParam() == HostPose::Newer;
-    EXPECT_EQ(probe.Ask<int>("ProbeUsedNamePath"), newer ? 1 : 0);
-    EXPECT_EQ(probe.Ask<int>("ProbeNamesFound"), newer ? 8 : 0) << "every name the probe asks for is exported";
-    EXPECT_EQ(probe.Ask<uint32_t>("ProbeHostVersion"), host.TableVersion());
+    const bool newer = GetParam() == HostPose::Newer;   // every name the probe asks for is exported
+    EXPECT_EQ(support::Ints(probe.Ask<int>("ProbeUsedNamePath"), probe.Ask<int>("ProbeNamesFound"),
+                            probe.Ask<uint32_t>("ProbeHostVersion")),
+              support::Ints(newer ? 1 : 0, newer ? 8 : 0, host.TableVersion()));
 
     // Nothing selected: the probe asks, is told Yes, adds a staff in one edit bracket and asks
     // for its dialog with the handler in the form this pose expects.
     EXPECT_EQ(host.Invoke(0, nullptr), 1);
     ASSERT_EQ(script.Alerts().size(), 1u);
     EXPECT_EQ(script.Alerts()[0].request.text, "Nothing is selected. Use the whole score?");
-    EXPECT_EQ(host.document().StaffCount(), 2);
     EXPECT_EQ(host.document().UndoName(), "Probe Edit");
     ASSERT_EQ(host.DialogRequests().size(), 1u);
-    EXPECT_EQ(host.DialogRequests()[0].dialogId, 20129);
+    EXPECT_EQ(support::Ints(host.document().StaffCount(), host.DialogRequests()[0].dialogId), support::Ints(2, 20129));
     EXPECT_EQ(reinterpret_cast<void*>(host.DialogRequests()[0].handler), probe.Ask<void*>("ProbeDialogHandler"));
 
     // Asked again with no answer left: No, and nothing changes.
     EXPECT_EQ(host.Invoke(0, nullptr), 0);
-    EXPECT_EQ(host.document().StaffCount(), 2);
-    EXPECT_EQ(host.MenuStatus(0), 1);
+    EXPECT_EQ(support::Ints(host.document().StaffCount(), host.MenuStatus(0)), support::Ints(2, 1));
 
     host.UnloadPlugins();
     EXPECT_EQ(probe.Ask<int>("ProbeTerminateCalls"), 1);

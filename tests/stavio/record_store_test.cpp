@@ -4,8 +4,7 @@
 #include "stavio/document/canonical.h"
 #include "stavio/document/document.h"
 #include "stavio/document_builder.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 #include <cstring>
 
@@ -17,6 +16,7 @@ constexpr EVERSION kV8 = 0x08000000;
 constexpr EVERSION kV9 = 0x09000000;
 constexpr EVERSION kV10 = 0x0A000000;
 constexpr EXTAG kOtherTag = MakeTag('o', 't', 'Q', 'Z');
+using support::Ints;
 
 EDataID Other(uint16_t cmper, int16_t inci)
 {
@@ -49,8 +49,7 @@ TEST(StavioRecordStore, MeasureSpecIsKnownInBothLayoutsAndConvertsBetweenThem)
     EDTMeasureSpec2005 wide{};
     int32_t size = sizeof(wide);
     ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &wide, &size, kV10), 1);
-    EXPECT_EQ(size, 26);
-    EXPECT_EQ(wide.beats, 3);
+    EXPECT_EQ(Ints(size, wide.beats), Ints(26, 3));
     wide.frontSpaceExtra = 5;
     wide.backSpaceExtra = 7;
     ASSERT_EQ(doc.SaveRecord(kTagMeasureSpec, &key, &wide, 26, kV10), 1);
@@ -59,14 +58,12 @@ TEST(StavioRecordStore, MeasureSpecIsKnownInBothLayoutsAndConvertsBetweenThem)
     EDTMeasureSpec narrow{};
     size = sizeof(narrow);
     ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &narrow, &size, kV9), 1);
-    EXPECT_EQ(size, 24);
-    EXPECT_EQ(narrow.frontSpaceExtra, 5);
+    EXPECT_EQ(Ints(size, narrow.frontSpaceExtra), Ints(24, 5));
     narrow.beats = 6;
     ASSERT_EQ(doc.SaveRecord(kTagMeasureSpec, &key, &narrow, 24, 0x09FFFFFF), 1);
     size = sizeof(wide);
     ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, &wide, &size, 0x0C000000), 1);
-    EXPECT_EQ(wide.beats, 6);
-    EXPECT_EQ(wide.backSpaceExtra, 7);
+    EXPECT_EQ(Ints(wide.beats, wide.backSpaceExtra), Ints(6, 7));
 }
 
 TEST(StavioRecordStore, RefusesSizesAndVersionsItDoesNotKnow)
@@ -93,10 +90,11 @@ TEST(StavioRecordStore, RefusesSizesAndVersionsItDoesNotKnow)
     };
     for (const Case& request : refused) {
         int32_t size = request.size;
-        EXPECT_EQ(doc.LoadRecord(request.tag, &key, buffer, &size, request.version), 0)
+        EXPECT_EQ(Ints(doc.LoadRecord(request.tag, &key, buffer, &size, request.version),
+                       doc.SaveRecord(request.tag, &key, buffer, request.size, request.version),
+                       doc.CreateRecord(request.tag, &key, buffer, request.size, request.version)),
+                  Ints(0, 0, 0))
             << std::hex << request.tag << " " << request.size << " " << request.version;
-        EXPECT_EQ(doc.SaveRecord(request.tag, &key, buffer, request.size, request.version), 0);
-        EXPECT_EQ(doc.CreateRecord(request.tag, &key, buffer, request.size, request.version), 0);
     }
     int32_t size = 24;
     EXPECT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, buffer, &size, kV9), 1) << "the right request still works";
@@ -106,11 +104,12 @@ TEST(StavioRecordStore, SizeQueryAnswersTheLayoutOfTheVersionOrNothingForAMissin
 {
     Document doc = DocumentBuilder().Measures(1).Build();
     EDataID key = Other(1, 0);
+    for (const auto& [version, expected] : {std::pair{kV9, 24}, {kPluginApiVersion, 26}}) {
+        int32_t size = 0;
+        ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, version), 1);
+        EXPECT_EQ(size, expected) << std::hex << version;
+    }
     int32_t size = 0;
-    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kV9), 1);
-    EXPECT_EQ(size, 24);
-    ASSERT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kPluginApiVersion), 1);
-    EXPECT_EQ(size, 26);
     key = Other(2, 0);
     EXPECT_EQ(doc.LoadRecord(kTagMeasureSpec, &key, nullptr, &size, kV9), 0);
 }
@@ -136,8 +135,7 @@ TEST(StavioRecordStore, VariableTextFillsOnlyUpToTheCallersSize)
     std::memset(buffer, '#', sizeof(buffer));
     size = 4;
     ASSERT_EQ(doc.LoadRecord(kTagTextBody, &textKey, buffer, &size, kPluginApiVersion), 1);
-    EXPECT_EQ(size, 4);
-    EXPECT_EQ(std::string(buffer, 8), "Drum####");
+    EXPECT_EQ(std::to_string(size) + std::string(buffer, 8), "4Drum####");
 }
 
 TEST(StavioRecordStore, CreateWithoutNumberTakesTheOneAfterTheHighest)
@@ -147,14 +145,13 @@ TEST(StavioRecordStore, CreateWithoutNumberTakesTheOneAfterTheHighest)
     EDataID key = Other(kPickNumber, 0);
     ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
     EXPECT_EQ(key.other.cmper, 1) << "an empty tag starts at 1";
-    key = Other(9, 0);
-    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
-    key = Other(5, 0);
-    ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    for (uint16_t cmper : {9, 5}) {
+        key = Other(cmper, 0);
+        ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
+    }
     key = Other(kPickNumber, 3);
     ASSERT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 1);
-    EXPECT_EQ(key.other.cmper, 10);
-    EXPECT_EQ(key.other.inci, 0);
+    EXPECT_EQ(Ints(key.other.cmper, key.other.inci), Ints(10, 0));
     key = Other(9, 0);
     EXPECT_EQ(doc.CreateRecord(kOtherTag, &key, &record, 12, kPluginApiVersion), 0) << "the key is taken";
 }
@@ -174,10 +171,8 @@ TEST(StavioRecordStore, AppendedIncidencesFollowTheLastAndDeletionShiftsLaterOne
 
     EDataID doomed = Other(4, 1);
     ASSERT_EQ(doc.DeleteRecord(kOtherTag, &doomed, kPluginApiVersion), 1);
-    EXPECT_EQ(FirstWordAt(doc, 4, 0), 10);
-    EXPECT_EQ(FirstWordAt(doc, 4, 1), 12);
-    EXPECT_EQ(FirstWordAt(doc, 4, 2), 13);
-    EXPECT_EQ(FirstWordAt(doc, 4, 3), -1);
+    EXPECT_EQ(Ints(FirstWordAt(doc, 4, 0), FirstWordAt(doc, 4, 1), FirstWordAt(doc, 4, 2), FirstWordAt(doc, 4, 3)),
+              Ints(10, 12, 13, -1));
     EXPECT_EQ(FirstWordAt(doc, 5, 0), 50) << "another group does not move";
     doomed = Other(4, 7);
     EXPECT_EQ(doc.DeleteRecord(kOtherTag, &doomed, kPluginApiVersion), 0);
@@ -205,8 +200,7 @@ TEST(StavioRecordStore, NextAndPreviousWalkKeysInOrder)
 
     key = Other(3, 0);
     ASSERT_EQ(doc.PreviousRecord(kOtherTag, &key, &record, &size, kPluginApiVersion), 1);
-    EXPECT_EQ(key.other.cmper, 1);
-    EXPECT_EQ(key.other.inci, 1);
+    EXPECT_EQ(Ints(key.other.cmper, key.other.inci), Ints(1, 1));
     key = Other(1, 0);
     EXPECT_EQ(doc.PreviousRecord(kOtherTag, &key, &record, &size, kPluginApiVersion), 0);
     size = 10;
@@ -232,8 +226,8 @@ TEST(StavioRecordStore, OlderStaffSpecIsTheFirst66BytesAndOlderTextBlockCarriesT
     ASSERT_EQ(doc.SaveRecord(kTagStaffSpec, &key, older, 66, kV5), 1);
     size = sizeof(spec);
     ASSERT_EQ(doc.LoadRecord(kTagStaffSpec, &key, &spec, &size, kV8), 1);
-    EXPECT_EQ(spec.botBarlineOffset, 9);
-    EXPECT_EQ(spec.range[0], 42) << "the older layout leaves the newer fields alone";
+    EXPECT_EQ(Ints(spec.botBarlineOffset, spec.range[0]),
+              Ints(9, 42)) << "the older layout leaves the newer fields alone";
 
     EDataID blockKey = Other(static_cast<uint16_t>(spec.fullName), 0);
     int16_t oldBlock[24];
@@ -260,8 +254,7 @@ TEST(StavioRecordStore, FrameDetailFillsTheCallersFrameArrayAndKeepsTheHostsNumb
     hold.frame = frames;
     int32_t size = kGfhold2004Size;
     ASSERT_EQ(doc.LoadRecord(kTagGfhold, &key, &hold, &size, kPluginApiVersion), 1);
-    EXPECT_EQ(size, kGfhold2004Size);
-    EXPECT_EQ(std::vector<int16_t>(frames, frames + 4), (std::vector<int16_t>{7, 0, 3, 0}));
+    EXPECT_EQ(Ints(size, frames[0], frames[1], frames[2], frames[3]), Ints(kGfhold2004Size, 7, 0, 3, 0));
 
     hold.clef = kPercussionClef;
     frames[0] = 99;
@@ -279,16 +272,13 @@ TEST(StavioRecordStore, CreatingAStaffSpecAddsAStaffToTheMainList)
     Document doc = DocumentBuilder().Measures(3).Staff("Piano").Staff("Bass").Build();
     EDataID key = Other(kPickNumber, 0);
     ASSERT_EQ(doc.CreateRecord(kTagStaffSpec, &key, nullptr, sizeof(EDTStaffSpec2003), kPluginApiVersion), 1);
-    EXPECT_EQ(key.other.cmper, 3);
-    EXPECT_EQ(doc.StaffCount(), 3);
-    EXPECT_EQ(doc.SlotToInst(3, 0), 3);
+    EXPECT_EQ(Ints(key.other.cmper, doc.StaffCount(), doc.SlotToInst(3, 0)), Ints(3, 3, 3));
 
     EDataID listKey = Other(0, 2);   // slot 3 of list 0
     EDTInstrumentUsed entry{};
     int32_t size = sizeof(entry);
     ASSERT_EQ(doc.LoadRecord(kTagInstrumentUsed, &listKey, &entry, &size, kPluginApiVersion), 1);
-    EXPECT_EQ(entry.inst, 3);
-    EXPECT_EQ(int32_t{entry.separ}, -2 * kStaffSpacing);
+    EXPECT_EQ(Ints(entry.inst, entry.separ), Ints(3, -2 * kStaffSpacing));
     int16_t frames[kMaxLayers];
     EXPECT_TRUE(doc.FrameNumbers(3, 3, frames)) << "the new staff has a frame detail in every measure";
 }

@@ -4,8 +4,7 @@
 #include "stavio/document/text_expressions.h"
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/test_support.h"
 
 #include <cstring>
 #include <string>
@@ -15,6 +14,7 @@ namespace stavio {
 namespace {
 
 constexpr EVERSION kV = kPluginApiVersion;
+using support::Ints;
 
 EDataID Key(uint16_t cmper, int16_t inci)
 {
@@ -70,9 +70,7 @@ protected:
 
 TEST_F(StavioScoreRecords, StyleAssignmentsAppendShiftDownOnDeleteAndNeedTheirStaff)
 {
-    EXPECT_EQ(StyleAt(2, 0), 1);
-    EXPECT_EQ(StyleAt(2, 2), 5);
-    EXPECT_EQ(StyleAt(1, 0), -1);
+    EXPECT_EQ(Ints(StyleAt(2, 0), StyleAt(2, 2), StyleAt(1, 0)), Ints(1, 5, -1));
 
     EDTStaffStyleAssign assignment{};
     assignment.style = 1;
@@ -83,9 +81,7 @@ TEST_F(StavioScoreRecords, StyleAssignmentsAppendShiftDownOnDeleteAndNeedTheirSt
 
     EDataID doomed = Key(2, 1);
     ASSERT_EQ(T().SX_DeleteEData(kTagStaffStyleAssign, &doomed, kV), 1);
-    EXPECT_EQ(StyleAt(2, 1), 5);
-    EXPECT_EQ(StyleAt(2, 2), 7);
-    EXPECT_EQ(StyleAt(2, 3), -1);
+    EXPECT_EQ(Ints(StyleAt(2, 1), StyleAt(2, 2), StyleAt(2, 3)), Ints(5, 7, -1));
 
     for (uint16_t missing : {uint16_t{0}, uint16_t{3}, kPickNumber}) {
         key = Key(missing, -1);
@@ -137,11 +133,10 @@ TEST_F(StavioScoreRecords, ExpressionAssignmentsAppendPerMeasureAndShiftDownOnDe
 {
     std::vector<EDTGeneric> assigned = ExpressionAssignments(host_.document(), 4);
     ASSERT_EQ(assigned.size(), 2u);
-    EXPECT_EQ(assigned[0].words[0], 1);
-    EXPECT_EQ(assigned[0].words[2], 76);
-    EXPECT_EQ(static_cast<uint16_t>(assigned[0].words[5]), 0x1002);
-    EXPECT_TRUE(AssignmentOnStaff(assigned[0], 2));
-    EXPECT_FALSE(AssignmentOnStaff(assigned[1], 2));
+    EXPECT_EQ(Ints(assigned[0].words[0], assigned[0].words[2], uint16_t(assigned[0].words[5]),
+                   AssignmentOnStaff(assigned[0], 2),
+                   AssignmentOnStaff(assigned[1], 2)),
+              Ints(1, 76, 0x1002, true, false));
     EDTMeasureSpec2005 spec{};
     ASSERT_TRUE(Load(kTagMeasureSpec, 4, 0, spec));
     EXPECT_TRUE(spec.meflag & kMeasureMeflagHasExpressions);
@@ -154,8 +149,7 @@ TEST_F(StavioScoreRecords, ExpressionAssignmentsAppendPerMeasureAndShiftDownOnDe
     ASSERT_EQ(T().SX_DeleteEData(kTagExpressionAssign, &first, kV), 1);
     assigned = ExpressionAssignments(host_.document(), 4);
     ASSERT_EQ(assigned.size(), 2u);
-    EXPECT_EQ(assigned[0].words[0], 3);
-    EXPECT_TRUE(AssignmentOnStaff(assigned[1], 2));
+    EXPECT_EQ(Ints(assigned[0].words[0], AssignmentOnStaff(assigned[1], 2)), Ints(3, true));
     EXPECT_TRUE(ExpressionAssignments(host_.document(), 5).empty());
 }
 
@@ -165,9 +159,7 @@ TEST_F(StavioScoreRecords, InstrumentListSavedShorterLosesItsLaterSlots)
     std::vector<EDTInstrumentUsed> list;
     for (int16_t slot = 0;; ++slot) {
         EDTInstrumentUsed entry{};
-        if (!Load(kTagInstrumentUsed, 0, slot, entry)) {
-            break;
-        }
+        if (!Load(kTagInstrumentUsed, 0, slot, entry)) break;
         list.push_back(entry);
     }
     ASSERT_EQ(list.size(), 2u);
@@ -180,17 +172,17 @@ TEST_F(StavioScoreRecords, InstrumentListSavedShorterLosesItsLaterSlots)
     ASSERT_EQ(T().SX_SaveEData(kTagInstrumentUsed, &key, &list[0], 24, kV), 1);
     key = Key(0, 1);
     ASSERT_EQ(T().SX_DeleteEData(kTagInstrumentUsed, &key, kV), 1);
-    EXPECT_EQ(T().SX_SlotToInst(1, 0, kV), 2);
-    EXPECT_EQ(T().SX_SlotToInst(2, 0, kV), 0);
+    EXPECT_EQ(Ints(T().SX_SlotToInst(1, 0, kV), T().SX_SlotToInst(2, 0, kV)), Ints(2, 0));
     EXPECT_EQ(T().SX_DeleteEData(kTagInstrumentUsed, &key, kV), 0);
 }
 
 TEST_F(StavioScoreRecords, DrumRecordsAreStrictAboutSizeVersionAndStaff)
 {
-    EDTInstrumentUsage usage{};
-    EXPECT_TRUE(Load(kTagInstrumentUsage, 2, 0, usage, kInstrumentUsageVersion));
-    EXPECT_TRUE(Load(kTagInstrumentUsage, 2, 0, usage, kV));
-    EXPECT_FALSE(Load(kTagInstrumentUsage, 2, 0, usage, 0x0A000000)) << "older than the 24-byte layout";
+    EDTInstrumentUsage usage{};   // 0x0A000000 is older than the 24-byte layout
+    EXPECT_EQ(Ints(Load(kTagInstrumentUsage, 2, 0, usage, kInstrumentUsageVersion),
+                   Load(kTagInstrumentUsage, 2, 0, usage, kV),
+                   Load(kTagInstrumentUsage, 2, 0, usage, 0x0A000000)),
+              Ints(true, true, false));
     EDataID key = Key(3, 0);
     EXPECT_EQ(T().SX_SaveEData(kTagInstrumentUsage, &key, &usage, 24, kInstrumentUsageVersion), 0) << "no staff 3";
     key = Key(2, 1);

@@ -1,8 +1,8 @@
-// Shared helpers of the host tests: temporary folders, string resources and bundles made on
-// the spot from the test modules.
+// What the host tests share besides tests/support: string resources and bundles made on the
+// spot from the test modules.
 #pragma once
 
-#include "sdk/sdk.h"
+#include "tests/support/test_support.h"
 
 #include <optional>
 #include <string>
@@ -10,18 +10,7 @@
 
 namespace stavio::test {
 
-// A fresh folder under the system's temporary folder, removed with everything in it.
-class TempFolder {
-public:
-    TempFolder();
-    ~TempFolder();
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    const std::string& Path() const { return path_; }
-
-private:
-    std::string path_;
-};
+using support::TempFolder;
 
 // Writes a resource file holding the string list `listId`.
 void WriteStringList(const std::string& path, int16_t listId, const std::vector<std::string>& entries);
@@ -33,8 +22,5 @@ std::string TestModulePath(const std::string& module);
 // `withResources`, Resources/<name>.rsrc with menu texts (list 20000) and alert texts (20001).
 std::string MakeBundle(const std::string& folder, const std::string& name, const std::optional<std::string>& module,
                        bool withResources = true);
-
-// A region of whole measures.
-EREGION Region(uint16_t firstSlot, uint16_t lastSlot, uint16_t firstMeas, uint16_t lastMeas);
 
 }  // namespace stavio::test

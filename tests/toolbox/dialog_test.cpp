@@ -1,14 +1,12 @@
 // Dialogs built from layout resources found through the resource chain: items and their states,
 // controls, pop-up menus, ending, and the handles that travel through other interfaces.
+#include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
-#include "test_support.h"
-
-#include <gtest/gtest.h>
+#include <array>
 
 using namespace toolbox;
-using toolbox_test::TempFolder;
-using toolbox_test::WriteText;
+using support::Ints;
 
 namespace {
 
@@ -18,7 +16,7 @@ class ToolboxDialogs : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        WriteText(folder_ / "dialogs.rsrc",
+        support::WriteFile(folder_ / "dialogs.rsrc",
                   "resource 'DLOG' 20129 \"Groove\" {\n"
                   "    title = \"Fill with Drum Groove\"\n"
                   "    size = 420 300\n"
@@ -44,7 +42,7 @@ protected:
         CloseAllResFiles();
     }
 
-    TempFolder folder_;
+    support::TempFolder folder_;
     Dialog* dialog_ = nullptr;
 };
 
@@ -94,12 +92,10 @@ TEST_F(ToolboxDialogs, MissingOrBrokenLayoutsAreRefusedWithAReason)
 TEST_F(ToolboxDialogs, ControlValuesStayWithinTheirRange)
 {
     EXPECT_EQ(dialog_->ItemValue(6), 0);
-    EXPECT_EQ(dialog_->SetItemValue(6, 1), kNoErr);
-    EXPECT_EQ(dialog_->ItemValue(6), 1);
-    EXPECT_EQ(dialog_->SetItemValue(9, 5), kNoErr);
-    EXPECT_EQ(dialog_->ItemValue(9), 1);
-    EXPECT_EQ(dialog_->SetItemValue(9, -3), kNoErr);
-    EXPECT_EQ(dialog_->ItemValue(9), 0);
+    for (const auto& [item, set, value] : std::vector<std::array<int16_t, 3>>{{6, 1, 1}, {9, 5, 1}, {9, -3, 0}}) {
+        EXPECT_EQ(dialog_->SetItemValue(item, set), kNoErr);
+        EXPECT_EQ(dialog_->ItemValue(item), value) << item << " set to " << set;
+    }
 
     DialogItem* popup = dialog_->Item(8);
     EXPECT_EQ(popup->Value(), 1);
@@ -108,20 +104,16 @@ TEST_F(ToolboxDialogs, ControlValuesStayWithinTheirRange)
     popup->SetMaximum(3);   // the value follows the range down
     EXPECT_EQ(popup->Value(), 3);
     popup->SetMinimum(7);   // a minimum above the maximum raises it
-    EXPECT_EQ(popup->Maximum(), 7);
-    EXPECT_EQ(popup->Value(), 7);
+    EXPECT_EQ(Ints(popup->Maximum(), popup->Value()), Ints(7, 7));
     popup->SetMaximum(2);   // a maximum below the minimum lowers it
-    EXPECT_EQ(popup->Minimum(), 2);
-    EXPECT_EQ(popup->Value(), 2);
+    EXPECT_EQ(Ints(popup->Minimum(), popup->Value()), Ints(2, 2));
 
     // User items and static text hold no value; missing items answer 0 and kParamErr.
-    EXPECT_EQ(dialog_->SetItemValue(4, 3), kItemNotControl);
-    EXPECT_EQ(dialog_->SetItemValue(5, 3), kItemNotControl);
+    EXPECT_EQ(Ints(dialog_->SetItemValue(4, 3), dialog_->SetItemValue(5, 3), dialog_->SetItemValue(77, 1)),
+              Ints(kItemNotControl, kItemNotControl, kParamErr));
     dialog_->Item(4)->SetMaximum(10);
     dialog_->Item(4)->SetValue(3);
-    EXPECT_EQ(dialog_->ItemValue(4), 0);
-    EXPECT_EQ(dialog_->SetItemValue(77, 1), kParamErr);
-    EXPECT_EQ(dialog_->ItemValue(77), 0);
+    EXPECT_EQ(Ints(dialog_->ItemValue(4), dialog_->ItemValue(77)), Ints(0, 0));
 }
 
 TEST_F(ToolboxDialogs, ItemAsControlRefusesUserItemsStaticTextAndMissingItems)
@@ -141,10 +133,10 @@ TEST_F(ToolboxDialogs, ItemAsControlRefusesUserItemsStaticTextAndMissingItems)
 
 TEST_F(ToolboxDialogs, EnablingShowingAndFindingItems)
 {
-    EXPECT_EQ(dialog_->FindItem(Point{350, 270}), 1);
-    EXPECT_EQ(dialog_->FindItem(Point{400, 270}), 3);   // right edges lie outside; item 3 lies behind
-    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 4);    // the first in layout order wins
-    EXPECT_EQ(dialog_->FindItem(Point{415, 295}), 0);
+    // Right edges lie outside, item 3 lies behind, the first in layout order wins.
+    EXPECT_EQ(Ints(dialog_->FindItem(Point{350, 270}), dialog_->FindItem(Point{400, 270}),
+                   dialog_->FindItem(Point{50, 100}), dialog_->FindItem(Point{415, 295})),
+              Ints(1, 3, 4, 0));
 
     EXPECT_EQ(dialog_->EnableItem(1, false), kNoErr);
     EXPECT_FALSE(dialog_->Item(1)->IsEnabled());
@@ -153,26 +145,20 @@ TEST_F(ToolboxDialogs, EnablingShowingAndFindingItems)
     EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 3);    // hidden ones are not
     EXPECT_EQ(dialog_->ShowItem(4, true), kNoErr);
     EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 4);
-    EXPECT_EQ(dialog_->EnableItem(99, true), kParamErr);
-    EXPECT_EQ(dialog_->ShowItem(99, true), kParamErr);
-
     DialogRect rect;
+    EXPECT_EQ(Ints(dialog_->EnableItem(99, true), dialog_->ShowItem(99, true), dialog_->ItemRect(99, rect)),
+              Ints(kParamErr, kParamErr, kParamErr));
     EXPECT_EQ(dialog_->ItemRect(4, rect), kNoErr);
     EXPECT_EQ(rect, (DialogRect{20, 40, 220, 240}));
-    EXPECT_EQ(dialog_->ItemRect(99, rect), kParamErr);
 }
 
 TEST_F(ToolboxDialogs, PopupMenusCollectEntriesAndWidenTheirRange)
 {
     DialogItem* popup = dialog_->Item(8);
-    EXPECT_EQ(popup->AppendMenuEntry("Drums"), kNoErr);
-    EXPECT_EQ(popup->AppendMenuEntry("Bass"), kNoErr);
-    EXPECT_EQ(popup->AppendMenuEntry("Piano"), kNoErr);
-    EXPECT_EQ(popup->MenuEntryCount(), 3);
+    for (const char* entry : {"Drums", "Bass", "Piano"}) EXPECT_EQ(popup->AppendMenuEntry(entry), kNoErr);
+    EXPECT_EQ(Ints(popup->MenuEntryCount(), popup->Maximum()), Ints(3, 3));
     EXPECT_EQ(*popup->MenuEntryText(2), "Bass");
-    EXPECT_EQ(popup->MenuEntryText(0), nullptr);
-    EXPECT_EQ(popup->MenuEntryText(4), nullptr);
-    EXPECT_EQ(popup->Maximum(), 3);
+    EXPECT_TRUE(popup->MenuEntryText(0) == nullptr && popup->MenuEntryText(4) == nullptr);
     popup->SetValue(3);
     EXPECT_EQ(popup->Value(), 3);
 
@@ -196,27 +182,22 @@ TEST_F(ToolboxDialogs, EndingIsFinalAndHandlesDieWithTheDialog)
     EXPECT_FALSE(dialog_->HasEnded());
     dialog_->End(2);
     dialog_->End(1);
-    EXPECT_TRUE(dialog_->HasEnded());
-    EXPECT_EQ(dialog_->Result(), 2);
+    EXPECT_EQ(Ints(dialog_->HasEnded(), dialog_->Result()), Ints(true, 2));
 
     void* handle = dialog_;
     void* control = dialog_->Item(1);
     EXPECT_EQ(LiveDialog(handle), dialog_);
-    EXPECT_EQ(LiveDialog(&flags), nullptr);
-    EXPECT_EQ(LiveDialog(nullptr), nullptr);
+    EXPECT_TRUE(LiveDialog(&flags) == nullptr && LiveDialog(nullptr) == nullptr);
     DisposeDialog(dialog_);
     DisposeDialog(dialog_);   // a second time is ignored
-    EXPECT_EQ(LiveDialog(handle), nullptr);
-    EXPECT_EQ(LiveControl(control), nullptr);
-    EXPECT_TRUE(LiveDialogs().empty());
+    EXPECT_TRUE(LiveDialog(handle) == nullptr && LiveControl(control) == nullptr && LiveDialogs().empty());
 }
 
 TEST(ToolboxMouseDownWords, CarryYAndModifiersBothWays)
 {
     for (int y : {0, 1, 299, -5, 32767, -32768}) {
         const intptr_t word = PackMouseDownWord(y, kShiftKey | kCommandKey);
-        EXPECT_EQ(MouseDownY(word), y);
-        EXPECT_EQ(MouseDownModifiers(word), kShiftKey | kCommandKey);
+        EXPECT_EQ(Ints(MouseDownY(word), MouseDownModifiers(word)), Ints(y, kShiftKey | kCommandKey));
     }
     EXPECT_EQ(MouseDownModifiers(PackMouseDownWord(-1, kNoModifiers)), kNoModifiers);
 }
@@ -236,7 +217,6 @@ TEST(ToolboxDialogLayouts, PopUpEntriesComeFromTheLayout)
     const DialogItem* popup = dialog->Item(11);
     ASSERT_EQ(popup->MenuEntryCount(), 3);
     EXPECT_EQ(*popup->MenuEntryText(3), "Slash notation");
-    EXPECT_EQ(popup->Maximum(), 3);
-    EXPECT_EQ(popup->Value(), 1);
+    EXPECT_EQ(Ints(popup->Maximum(), popup->Value()), Ints(3, 1));
     DisposeAllDialogs();
 }

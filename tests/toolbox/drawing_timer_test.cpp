@@ -1,9 +1,9 @@
 // A dialog port's drawing state and log, as the list painter uses them, and dialog timers.
+#include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
-#include <gtest/gtest.h>
-
 using namespace toolbox;
+using support::Ints;
 
 namespace {
 
@@ -11,11 +11,7 @@ constexpr RGBColor kGrey{0x8000, 0x8000, 0x8000};
 
 class ToolboxDrawing : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        dialog_ = NewDialogFromLayout(DialogLayout{"Paint", 200, 150, {}});
-        ASSERT_NE(dialog_, nullptr);
-    }
+    void SetUp() override { ASSERT_NE(dialog_ = NewDialogFromLayout(DialogLayout{"Paint", 200, 150, {}}), nullptr); }
     void TearDown() override { DisposeAllDialogs(); }
 
     Dialog* dialog_ = nullptr;
@@ -70,28 +66,26 @@ TEST_F(ToolboxDrawing, TheLogShowsWhatWasDrawnInWhichState)
     port.RestoreState(saved);
     port.SetPenState(pen);
 
-    ASSERT_EQ(port.Log().size(), 3u);
-    EXPECT_EQ(port.Log()[0].kind, DrawKind::kDialogItems);
-    EXPECT_EQ(port.Log()[0].rect, (DialogRect{0, 0, 200, 150}));
-    EXPECT_EQ(port.Log()[1].kind, DrawKind::kFrameRect);
-    EXPECT_EQ(port.Log()[1].rect, (DialogRect{19, 18, 121, 102}));
-    EXPECT_EQ(port.Log()[1].state.foreground, kGrey);
-    EXPECT_EQ(port.Log()[2].kind, DrawKind::kListCells);
-    EXPECT_EQ(port.Log()[2].rect, (DialogRect{20, 20, 120, 100}));
-    EXPECT_EQ(port.Log()[2].state.background, kWhite);
+    const std::vector<DrawOp>& log = port.Log();
+    ASSERT_EQ(log.size(), 3u);
+    EXPECT_EQ(Ints(log[0].kind, log[1].kind, log[2].kind),
+              Ints(DrawKind::kDialogItems, DrawKind::kFrameRect, DrawKind::kListCells));
+    EXPECT_EQ(log[0].rect, (DialogRect{0, 0, 200, 150}));
+    EXPECT_EQ(log[1].rect, (DialogRect{19, 18, 121, 102}));
+    EXPECT_EQ(log[1].state.foreground, kGrey);
+    EXPECT_EQ(log[2].rect, (DialogRect{20, 20, 120, 100}));
+    EXPECT_EQ(log[2].state.background, kWhite);
     EXPECT_EQ(port.State().background, kGrey);
     EXPECT_EQ(dialog_->ItemsDrawCount(), 1);
 
-    // A region outside the content area draws no items.
-    dialog_->DrawItems(DialogRect{300, 300, 400, 400});
+    dialog_->DrawItems(DialogRect{300, 300, 400, 400});   // outside the content area: no items drawn
     EXPECT_EQ(dialog_->ItemsDrawCount(), 1);
 }
 
 TEST_F(ToolboxDrawing, TheLogKeepsTheNewestOperations)
 {
     DrawingPort& port = dialog_->Port();
-    for (size_t i = 0; i <= DrawingPort::kLogLimit; ++i)
-        port.FrameRect(MakeRect(0, 0, static_cast<long>(i), 1));
+    for (size_t i = 0; i <= DrawingPort::kLogLimit; ++i) port.FrameRect(MakeRect(0, 0, static_cast<long>(i), 1));
     EXPECT_EQ(port.Log().size(), DrawingPort::kLogLimit / 2 + 1);
     EXPECT_EQ(port.Log().back().rect.right, static_cast<int16_t>(DrawingPort::kLogLimit));
 }
@@ -109,6 +103,7 @@ TEST(ToolboxGeometry, InsetClampAndIntersect)
 
 TEST(ToolboxTimers, FireWhenDueAndRearmFromTheTimeAsked)
 {
+    using Ids = std::vector<int32_t>;
     TimerSet timers;
     EXPECT_EQ(timers.NextDue(), std::nullopt);
     EXPECT_EQ(timers.Start(1, 100, 1000), kNoErr);
@@ -117,10 +112,10 @@ TEST(ToolboxTimers, FireWhenDueAndRearmFromTheTimeAsked)
     EXPECT_EQ(timers.NextDue(), 1080u);
 
     EXPECT_TRUE(timers.TakeDue(1079).empty());
-    EXPECT_EQ(timers.TakeDue(1080), std::vector<int32_t>{2});
-    EXPECT_EQ(timers.TakeDue(1100), std::vector<int32_t>{1});
+    EXPECT_EQ(timers.TakeDue(1080), Ids{2});
+    EXPECT_EQ(timers.TakeDue(1100), Ids{1});
     // Late: each fires once, earliest first, and is next due a period after now.
-    EXPECT_EQ(timers.TakeDue(1500), (std::vector<int32_t>{2, 1}));
+    EXPECT_EQ(timers.TakeDue(1500), (Ids{2, 1}));
     EXPECT_EQ(timers.NextDue(), 1530u);
 
     // Starting a running timer restarts it.
@@ -131,8 +126,7 @@ TEST(ToolboxTimers, FireWhenDueAndRearmFromTheTimeAsked)
 
     EXPECT_EQ(timers.Kill(1), kNoErr);
     EXPECT_EQ(timers.Kill(1), kParamErr);
-    EXPECT_FALSE(timers.IsRunning(1));
-    EXPECT_TRUE(timers.IsRunning(2));
+    EXPECT_EQ(Ints(timers.IsRunning(1), timers.IsRunning(2)), Ints(false, true));
     EXPECT_TRUE(timers.TakeDue(1520).empty());
 }
 
@@ -140,8 +134,7 @@ TEST(ToolboxTimers, EachDialogHasItsOwnTimers)
 {
     Dialog* first = NewDialogFromLayout(DialogLayout{});
     Dialog* second = NewDialogFromLayout(DialogLayout{});
-    ASSERT_NE(first, nullptr);
-    ASSERT_NE(second, nullptr);
+    ASSERT_TRUE(first != nullptr && second != nullptr);
     ASSERT_EQ(first->Timers().Start(1, 100, 0), kNoErr);
     EXPECT_TRUE(second->Timers().TakeDue(1000).empty());
     EXPECT_EQ(first->Timers().TakeDue(100), std::vector<int32_t>{1});

@@ -1,34 +1,26 @@
 // Files, folders, well-known folders and symbol lookup, on a real file system.
+#include "tests/support/test_support.h"
 #include "toolbox/files.h"
 #include "toolbox/folders.h"
 #include "toolbox/symbols.h"
-
-#include "test_support.h"
-
-#include <gtest/gtest.h>
 
 #include <sys/stat.h>
 #include <unistd.h>
 
 using namespace toolbox;
-using toolbox_test::ReadText;
-using toolbox_test::ScopedEnv;
-using toolbox_test::TempFolder;
-using toolbox_test::WriteText;
+using support::ScopedEnv;
+using support::TempFolder;
 
 TEST(Files, FolderItemsComeInByteOrderOfTheirNames)
 {
     TempFolder folder;
     for (const char* name : {"b.mid", "B.MID", "\xC3\xA4.mid", "a.mid", "Z"})
-        WriteText(folder / name, "x");
+        support::WriteFile(folder / name, "x");
     ASSERT_EQ(mkdir((folder / "sub").c_str(), 0755), 0);
 
     std::vector<std::string> names;
     std::vector<bool> folders;
-    for (int index = 1;; ++index) {
-        const auto item = FolderItemAt(folder.Path(), index);
-        if (!item)
-            break;
+    for (int index = 1; const auto item = FolderItemAt(folder.Path(), index); ++index) {
         names.push_back(item->name);
         folders.push_back(item->isFolder);
     }
@@ -87,13 +79,12 @@ TEST(Files, SpecificationsAndFolders)
     EXPECT_EQ(FileSpecFromPath("name").folder, "");
     EXPECT_EQ((FileSpec{"dir/", "x"}.Path()), "dir/x");
 
-    EXPECT_TRUE(EnsureFolder(folder / "one/two/three"));
+    support::WriteFile(folder / "file", "");
+    for (const auto& [path, made] : std::vector<std::pair<std::string, bool>>{
+             {folder / "one/two/three", true}, {folder / "one/two", true}, {folder / "file", false},
+             {folder / "file/below", false}, {"", false}})
+        EXPECT_EQ(EnsureFolder(path), made) << path;
     EXPECT_TRUE(IsFolder(folder / "one/two/three"));
-    EXPECT_TRUE(EnsureFolder(folder / "one/two"));
-    WriteText(folder / "file", "");
-    EXPECT_FALSE(EnsureFolder(folder / "file"));
-    EXPECT_FALSE(EnsureFolder(folder / "file/below"));
-    EXPECT_FALSE(EnsureFolder(""));
 }
 
 TEST(Folders, PreferencesAndDataFoldersFollowTheXdgVariables)
@@ -115,17 +106,14 @@ TEST(Folders, PreferencesAndDataFoldersFollowTheXdgVariables)
         EXPECT_EQ(PreferencesFolder(true), home / ".config");
         EXPECT_EQ(UserDataFolder(true), home / ".local/share");
     }
-    {
-        ScopedEnv config("XDG_CONFIG_HOME", "");
-        EXPECT_EQ(PreferencesFolder(false), home / ".config");
-    }
+    ScopedEnv config("XDG_CONFIG_HOME", "");
+    EXPECT_EQ(PreferencesFolder(false), home / ".config");
 }
 
 TEST(Folders, ApplicationFileCanBeNamedByTheHost)
 {
     EXPECT_TRUE(IsFolder(ApplicationFolder()));
     EXPECT_EQ(ApplicationFolder() + "/toolbox_tests", ApplicationFile());
-
     SetApplicationFile("/opt/stavio/bin/tamberlyne");
     EXPECT_EQ(ApplicationFile(), "/opt/stavio/bin/tamberlyne");
     EXPECT_EQ(ApplicationFolder(), "/opt/stavio/bin");

@@ -1,10 +1,14 @@
 // List controls: rows and cells, the selection rules of clicks, double clicks, scrolling and
 // hit testing, and when a list draws.
+#include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
-#include <gtest/gtest.h>
+#include <array>
+#include <tuple>
 
 using namespace toolbox;
+using support::Ints;
+using Rows = std::vector<int>;
 
 namespace {
 
@@ -12,11 +16,7 @@ namespace {
 // (20, 40), with its vertical scroll bar from x = 120 to 135.
 class ToolboxLists : public ::testing::Test {
 protected:
-    void SetUp() override
-    {
-        dialog_ = NewDialogFromLayout(DialogLayout{"Lists", 300, 300, {}});
-        ASSERT_NE(dialog_, nullptr);
-    }
+    void SetUp() override { ASSERT_NE(dialog_ = NewDialogFromLayout(DialogLayout{"Lists", 300, 300, {}}), nullptr); }
     void TearDown() override { DisposeAllDialogs(); }
 
     ListControl* MakeList(int rows, bool singleSelection, int columns = 1)
@@ -28,10 +28,9 @@ protected:
         ListControl* list = nullptr;
         EXPECT_EQ(dialog_->NewList(spec, list), kNoErr);
         list->AddRows(rows, 0);
-        for (int row = 0; row < rows; ++row) {
+        for (int row = 0; row < rows; ++row)
             for (int column = 0; column < columns; ++column)
                 list->SetCellText(Cell{row, column}, "row " + std::to_string(row));
-        }
         return list;
     }
 
@@ -42,14 +41,11 @@ protected:
         return Point{rect.left + 5, rect.top + 8};
     }
 
-    static std::vector<int> SelectedRows(const ListControl& list)
+    static Rows SelectedRows(const ListControl& list)
     {
-        std::vector<int> rows;
-        for (Cell cell{0, 0}; list.FindSelectedCell(cell); ++cell.row) {
-            rows.push_back(cell.row);
-            if (cell.row + 1 >= list.Rows())
-                break;
-        }
+        Rows rows;
+        for (Cell cell{0, 0}; list.FindSelectedCell(cell) && (rows.push_back(cell.row), cell.row + 1 < list.Rows());)
+            ++cell.row;
         return rows;
     }
 
@@ -65,19 +61,16 @@ TEST_F(ToolboxLists, RowsAreAddedAndDeletedAroundTheirCells)
     EXPECT_EQ(list->AddRows(1, 99), 5);    // past the end: appended
     EXPECT_EQ(list->AddRows(-1, 0), -1);
     EXPECT_EQ(list->Rows(), 6);
-    EXPECT_EQ(*list->CellText(Cell{0, 0}), "row 0");
-    EXPECT_EQ(*list->CellText(Cell{1, 0}), "");
-    EXPECT_EQ(*list->CellText(Cell{3, 0}), "row 1");
-    EXPECT_EQ(list->CellText(Cell{6, 0}), nullptr);
-    EXPECT_EQ(list->CellText(Cell{0, 1}), nullptr);
+    EXPECT_EQ(*list->CellText(Cell{0, 0}) + "|" + *list->CellText(Cell{1, 0}) + "|" + *list->CellText(Cell{3, 0}),
+              "row 0||row 1");
+    EXPECT_TRUE(list->CellText(Cell{6, 0}) == nullptr && list->CellText(Cell{0, 1}) == nullptr);
     EXPECT_EQ(list->SetCellText(Cell{-1, 0}, "x"), kParamErr);
 
-    list->DeleteRows(10, 4);   // as many as there are
-    EXPECT_EQ(list->Rows(), 4);
-    list->DeleteRows(1, 4);    // past the end: nothing
-    EXPECT_EQ(list->Rows(), 4);
-    list->DeleteRows(0, 3);    // a count of 0 empties the list
-    EXPECT_EQ(list->Rows(), 0);
+    // As many as there are; past the end nothing; a count of 0 empties the list.
+    for (const auto& [count, from, left] : std::vector<std::array<int, 3>>{{10, 4, 4}, {1, 4, 4}, {0, 3, 0}}) {
+        list->DeleteRows(count, from);
+        EXPECT_EQ(list->Rows(), left) << count << " from " << from;
+    }
 
     ListControl* refused = nullptr;
     ListSpec noColumns;
@@ -113,26 +106,25 @@ TEST_F(ToolboxLists, ClicksInASingleSelectionListSelectOneCellWhateverTheKeys)
     EXPECT_EQ(list->LastClick(), kNoCell);
     list->Click(RowPoint(*list, 1), kNoModifiers, 1000);
     list->Click(RowPoint(*list, 3), kShiftKey, 5000);
-    EXPECT_EQ(SelectedRows(*list), std::vector<int>{3});
+    EXPECT_EQ(SelectedRows(*list), Rows{3});
     list->Click(RowPoint(*list, 2), kCommandKey, 9000);
-    EXPECT_EQ(SelectedRows(*list), std::vector<int>{2});
+    EXPECT_EQ(SelectedRows(*list), Rows{2});
     EXPECT_EQ(list->LastClick(), (Cell{2, 0}));
     list->SetSelected(Cell{0, 0}, true);   // also when the program selects
-    EXPECT_EQ(SelectedRows(*list), std::vector<int>{0});
+    EXPECT_EQ(SelectedRows(*list), Rows{0});
 }
 
 TEST_F(ToolboxLists, ShiftExtendsAndCommandTogglesInAMultiSelectionList)
 {
     ListControl* list = MakeList(5, false);
     list->Click(RowPoint(*list, 1), kNoModifiers, 1000);
-    list->Click(RowPoint(*list, 3), kShiftKey, 2000);
-    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 2, 3}));
-    list->Click(RowPoint(*list, 2), kCommandKey, 3000);
-    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 3}));
-    list->Click(RowPoint(*list, 4), kCommandKey, 4000);
-    EXPECT_EQ(SelectedRows(*list), (std::vector<int>{1, 3, 4}));
-    list->Click(RowPoint(*list, 0), kNoModifiers, 5000);
-    EXPECT_EQ(SelectedRows(*list), std::vector<int>{0});
+    uint64_t when = 1000;
+    for (const auto& [row, keys, selected] : std::vector<std::tuple<int, Modifiers, Rows>>{
+             {3, kShiftKey, {1, 2, 3}}, {2, kCommandKey, {1, 3}}, {4, kCommandKey, {1, 3, 4}},
+             {0, kNoModifiers, {0}}}) {
+        list->Click(RowPoint(*list, row), keys, when += 1000);
+        EXPECT_EQ(SelectedRows(*list), selected) << row;
+    }
 
     // Below the last row: a plain click deselects everything, Shift keeps it.
     MakeList(0, false);
@@ -152,13 +144,11 @@ TEST_F(ToolboxLists, ASecondClickOnTheSameCellInTimeIsADoubleClick)
 {
     SetDoubleClickInterval(400);
     ListControl* list = MakeList(4, true);
-    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1000));
-    EXPECT_TRUE(list->Click(RowPoint(*list, 1), kNoModifiers, 1400));    // at the limit
-    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1500));   // a third starts over
-    EXPECT_FALSE(list->Click(RowPoint(*list, 1), kNoModifiers, 1901));   // too late
-    EXPECT_FALSE(list->Click(RowPoint(*list, 2), kNoModifiers, 2000));   // another cell
-    EXPECT_FALSE(list->Click(RowPoint(*list, 2), kNoModifiers, 1990));   // the clock went back
-    EXPECT_TRUE(list->Click(RowPoint(*list, 2), kNoModifiers, 2100));
+    // At the limit; a third starts over; too late; another cell; the clock went back.
+    for (const auto& [row, when, doubled] : std::vector<std::array<int, 3>>{
+             {1, 1000, 0}, {1, 1400, 1}, {1, 1500, 0}, {1, 1901, 0}, {2, 2000, 0}, {2, 1990, 0}, {2, 2100, 1}})
+        EXPECT_EQ(list->Click(RowPoint(*list, row), kNoModifiers, uint64_t(when)),
+                  doubled != 0) << row << " at " << when;
     EXPECT_EQ(list->LastClick(), (Cell{2, 0}));
 
     // Rows moving under the cell break the pair.
@@ -174,8 +164,7 @@ TEST_F(ToolboxLists, ScrollingMovesRowsUnderTheViewWithinLimits)
     EXPECT_EQ(list->VisibleRows(), 5);
     EXPECT_EQ(list->CellAt(Point{25, 40}), (Cell{0, 0}));
     EXPECT_EQ(list->CellAt(Point{25, 119}), (Cell{4, 0}));
-    EXPECT_FALSE(list->CellAt(Point{120, 50}));   // the scroll bar is no cell
-    EXPECT_FALSE(list->CellAt(Point{25, 39}));
+    EXPECT_FALSE(list->CellAt(Point{120, 50}) || list->CellAt(Point{25, 39})) << "the scroll bar is no cell";
 
     list->Scroll(0, 3);
     EXPECT_EQ(list->TopRow(), 3);
@@ -185,48 +174,39 @@ TEST_F(ToolboxLists, ScrollingMovesRowsUnderTheViewWithinLimits)
     list->Scroll(0, 100);
     EXPECT_EQ(list->TopRow(), 7);   // the last row at the bottom
     list->Scroll(5, -100);
-    EXPECT_EQ(list->TopRow(), 0);
-    EXPECT_EQ(list->LeftColumn(), 0);
+    EXPECT_EQ(Ints(list->TopRow(), list->LeftColumn()), Ints(0, 0));
 
     // Deleting rows pulls the view back.
     list->Scroll(0, 7);
     list->DeleteRows(6, 6);
-    EXPECT_EQ(list->TopRow(), 1);
-    EXPECT_EQ(list->VisibleRows(), 5);
+    EXPECT_EQ(Ints(list->TopRow(), list->VisibleRows()), Ints(1, 5));
 
     // A view that is not a whole number of rows high shows the last one in part.
     list->Resize(100, 70);
     EXPECT_EQ(list->View(), (DialogRect{20, 40, 120, 110}));
-    EXPECT_EQ(list->TopRow(), 1);
-    EXPECT_EQ(list->VisibleRows(), 5);
+    EXPECT_EQ(Ints(list->TopRow(), list->VisibleRows()), Ints(1, 5));
     list->Scroll(0, 10);
-    EXPECT_EQ(list->TopRow(), 2);   // now four whole rows fill the view
-    EXPECT_EQ(list->VisibleRows(), 4);
+    EXPECT_EQ(Ints(list->TopRow(), list->VisibleRows()), Ints(2, 4)) << "now four whole rows fill the view";
 }
 
 TEST_F(ToolboxLists, AutoScrollShowsTheFirstSelectedCellAndScrollBarsScroll)
 {
     ListControl* list = MakeList(20, true);
-    list->SetSelected(Cell{9, 0}, true);
-    list->AutoScroll();
-    EXPECT_EQ(list->TopRow(), 5);   // just far enough: row 9 at the bottom
-    list->SetSelected(Cell{2, 0}, true);
-    list->AutoScroll();
-    EXPECT_EQ(list->TopRow(), 2);
-    list->AutoScroll();
-    EXPECT_EQ(list->TopRow(), 2);
+    for (const auto& [row, top] : std::vector<std::pair<int,
+         int>>{{9, 5}, {2, 2}, {2, 2}}) {   // row 9: just far enough
+        list->SetSelected(Cell{row, 0}, true);
+        list->AutoScroll();
+        EXPECT_EQ(list->TopRow(), top) << row;
+    }
 
     const DialogRect bar = *list->VerticalScrollBar();
     EXPECT_EQ(bar, (DialogRect{120, 40, 135, 120}));
-    EXPECT_FALSE(list->Click(Point{125, 115}, kNoModifiers, 0));   // down arrow
-    EXPECT_EQ(list->TopRow(), 3);
-    list->Click(Point{125, 42}, kNoModifiers, 0);                  // up arrow
-    EXPECT_EQ(list->TopRow(), 2);
-    list->Click(Point{125, 100}, kNoModifiers, 0);                 // below the thumb: a page down
-    EXPECT_EQ(list->TopRow(), 7);
-    list->Click(Point{125, 56}, kNoModifiers, 0);                  // above it: a page up
-    EXPECT_EQ(list->TopRow(), 2);
-    EXPECT_EQ(SelectedRows(*list), std::vector<int>{2});
+    // The down arrow, the up arrow, below the thumb (a page down), above it (a page up).
+    for (const auto& [y, top] : std::vector<std::pair<int, int>>{{115, 3}, {42, 2}, {100, 7}, {56, 2}}) {
+        EXPECT_FALSE(list->Click(Point{125, y}, kNoModifiers, 0));
+        EXPECT_EQ(list->TopRow(), top) << y;
+    }
+    EXPECT_EQ(SelectedRows(*list), Rows{2});
     EXPECT_FALSE(list->HorizontalScrollBar());
     EXPECT_EQ(list->Bounds(), (DialogRect{20, 40, 135, 120}));
 }
@@ -239,27 +219,22 @@ TEST_F(ToolboxLists, DrawingOffDefersTheDrawingToTheNextUpdate)
     list->AddRows(3, 0);
     list->SetCellText(Cell{0, 0}, "Rock");
     list->SetSelected(Cell{0, 0}, true);
-    EXPECT_EQ(list->DrawCount(), drawnBefore);
-    EXPECT_TRUE(list->NeedsUpdate());
-
+    EXPECT_EQ(Ints(list->DrawCount(), list->NeedsUpdate()), Ints(drawnBefore, true));
     list->Update(DialogRect{0, 0, 10, 10});   // elsewhere: nothing to draw
     EXPECT_TRUE(list->NeedsUpdate());
     list->Update(dialog_->ContentRect());
-    EXPECT_EQ(list->DrawCount(), drawnBefore + 1);
-    EXPECT_FALSE(list->NeedsUpdate());
-    ASSERT_EQ(list->LastDrawn().cells.size(), 3u);
-    EXPECT_EQ(list->LastDrawn().cells[0].text, "Rock");
-    EXPECT_TRUE(list->LastDrawn().cells[0].selected);
-    EXPECT_EQ(list->LastDrawn().cells[2].rect, (DialogRect{20, 72, 120, 88}));
+    EXPECT_EQ(Ints(list->DrawCount(), list->NeedsUpdate()), Ints(drawnBefore + 1, false));
+    const auto& cells = list->LastDrawn().cells;
+    ASSERT_EQ(cells.size(), 3u);
+    EXPECT_TRUE(cells[0].text == "Rock" && cells[0].selected);
+    EXPECT_EQ(cells[2].rect, (DialogRect{20, 72, 120, 88}));
 
     list->SetDrawing(true);
     list->Activate(false);
-    EXPECT_EQ(list->DrawCount(), drawnBefore + 2);
-    EXPECT_FALSE(list->LastDrawn().active);
+    EXPECT_EQ(Ints(list->DrawCount(), list->LastDrawn().active), Ints(drawnBefore + 2, false));
     list->Activate(false);   // no change, no drawing
     EXPECT_EQ(list->DrawCount(), drawnBefore + 2);
 
     dialog_->DisposeList(list);
-    EXPECT_FALSE(dialog_->OwnsList(list));
-    EXPECT_TRUE(dialog_->Lists().empty());
+    EXPECT_TRUE(!dialog_->OwnsList(list) && dialog_->Lists().empty());
 }

@@ -1,19 +1,16 @@
 // The resource chain over real files: lookup order, shadowing, reopening, writing, and the
 // plug-in's own bundle file.
+#include "tests/support/test_support.h"
 #include "toolbox/resources.h"
 
-#include "test_support.h"
-
-#include <gtest/gtest.h>
-
+#include <array>
 #include <csignal>
 #include <sys/resource.h>
 #include <sys/stat.h>
 
 using namespace toolbox;
-using toolbox_test::ReadText;
-using toolbox_test::TempFolder;
-using toolbox_test::WriteText;
+using support::Ints;
+using support::ReadFile;
 
 namespace {
 
@@ -28,18 +25,12 @@ protected:
     FileSpec Spec(const std::string& name) const { return FileSpec{folder_.Path(), name}; }
     FileSpec WriteFile(const std::string& name, const std::string& text) const
     {
-        WriteText(folder_ / name, text);
+        support::WriteFile(folder_ / name, text);
         return Spec(name);
     }
 
-    TempFolder folder_;
+    support::TempFolder folder_;
 };
-
-std::string BundleFolder()
-{
-    const char* source = std::getenv("TAMBERLYNE_SOURCE_DIR");
-    return std::string(source != nullptr ? source : TAMBERLYNE_SOURCE_DIR_DEFAULT) + "/tamberlyne/resources";
-}
 
 }  // namespace
 
@@ -53,9 +44,7 @@ TEST_F(ResourceChain, LookupsWalkFromTheCurrentFileToTheOldest)
                                      "resource 'STR ' 8 {\n text = \"only in the newer file\"\n}\n");
     const ResFileRef olderRef = OpenResFile(older, true);
     const ResFileRef newerRef = OpenResFile(newer, true);
-    ASSERT_GT(olderRef, 0);
-    ASSERT_GT(newerRef, 0);
-    EXPECT_NE(olderRef, newerRef);
+    ASSERT_TRUE(olderRef > 0 && newerRef > 0 && olderRef != newerRef);
     EXPECT_EQ(CurResFile(), newerRef);
 
     // The newer list shadows the older one as a whole: its missing entry 2 is not taken from there.
@@ -82,12 +71,9 @@ TEST_F(ResourceChain, LookupsWalkFromTheCurrentFileToTheOldest)
 
 TEST_F(ResourceChain, ReopeningAndClosing)
 {
-    const FileSpec a = WriteFile("a.rsrc", "");
-    const FileSpec b = WriteFile("b.rsrc", "");
-    const FileSpec c = WriteFile("c.rsrc", "");
-    const ResFileRef refA = OpenResFile(a, true);
-    const ResFileRef refB = OpenResFile(b, true);
-    const ResFileRef refC = OpenResFile(c, true);
+    const ResFileRef refA = OpenResFile(WriteFile("a.rsrc", ""), true);
+    const ResFileRef refB = OpenResFile(WriteFile("b.rsrc", ""), true);
+    const ResFileRef refC = OpenResFile(WriteFile("c.rsrc", ""), true);
     ASSERT_GT(refA, 0);
 
     // The same file by another path is the same open file; it becomes current, its place stays.
@@ -102,8 +88,7 @@ TEST_F(ResourceChain, ReopeningAndClosing)
     CloseResFile(refA);
     EXPECT_EQ(CurResFile(), refB);
     UseResFile(refA);
-    EXPECT_EQ(ResError(), kResFileNotOpen);
-    EXPECT_EQ(CurResFile(), refB);
+    EXPECT_EQ(Ints(ResError(), CurResFile()), Ints(kResFileNotOpen, refB));
 
     // "No file current" can be put back as it was found; nothing is found then.
     UseResFile(-1);
@@ -116,10 +101,11 @@ TEST_F(ResourceChain, ReopeningAndClosing)
 
 TEST_F(ResourceChain, OpenFailuresSayWhy)
 {
-    EXPECT_EQ(OpenResFile(Spec("missing.rsrc"), true), -1);
-    EXPECT_EQ(ResError(), kFileNotFound);
-    EXPECT_EQ(OpenResFile(FileSpec{folder_ / "no-folder", "x.rsrc"}, true), -1);
-    EXPECT_EQ(ResError(), kDirNotFound);
+    for (const auto& [spec, error] : {std::pair{Spec("missing.rsrc"), kFileNotFound},
+                                      std::pair{FileSpec{folder_ / "no-folder", "x.rsrc"}, kDirNotFound}}) {
+        EXPECT_EQ(OpenResFile(spec, true), -1);
+        EXPECT_EQ(ResError(), error) << spec.Path();
+    }
 
     const FileSpec broken = WriteFile("broken.rsrc", "resource 'STR#' 1 {\n    1 = oops\n}\n");
     EXPECT_EQ(OpenResFile(broken, true), -1);
@@ -148,7 +134,7 @@ TEST_F(ResourceChain, SettingsAreAddedChangedAndWritten)
     EXPECT_EQ(ChangeResource(kVrnx, 20000, Bytes(std::string("0\0", 2))), kNoErr);
     EXPECT_EQ(WriteResFile(ref), kNoErr);
     EXPECT_EQ(WriteResFile(ref + 100), kResFileNotOpen);
-    EXPECT_NE(ReadText(prefs.Path()).find("resource 'VRNX' 20000 \"tamberlyne\" {\n    text = \"0\\0\"\n}"),
+    EXPECT_NE(ReadFile(prefs.Path()).find("resource 'VRNX' 20000 \"tamberlyne\" {\n    text = \"0\\0\"\n}"),
               std::string::npos);
 
     CloseAllResFiles();
@@ -161,7 +147,7 @@ TEST_F(ResourceChain, SettingsAreAddedChangedAndWritten)
     // A read-only file changes in memory only.
     EXPECT_EQ(ChangeResource(kVrnx, 20000, Bytes("7")), kNoErr);
     EXPECT_EQ(WriteResFile(CurResFile()), kPermissionErr);
-    EXPECT_NE(ReadText(prefs.Path()).find("\"0\\0\""), std::string::npos);
+    EXPECT_NE(ReadFile(prefs.Path()).find("\"0\\0\""), std::string::npos);
 }
 
 TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
@@ -189,7 +175,7 @@ TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
         std::signal(SIGXFSZ, oldHandler);
         EXPECT_EQ(err, kIOErr);
     }
-    EXPECT_EQ(ReadText(spec.Path()), original);
+    EXPECT_EQ(ReadFile(spec.Path()), original);
     EXPECT_EQ(FolderItemAt(folder_.Path(), 2), std::nullopt) << "a temporary file was left behind";
 
     // A folder that may not be written to (root may write anywhere, so this part needs a user).
@@ -197,27 +183,22 @@ TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
         ASSERT_EQ(chmod(folder_.Path().c_str(), 0555), 0);
         EXPECT_EQ(WriteResFile(ref), kPermissionErr);
         chmod(folder_.Path().c_str(), 0755);
-        EXPECT_EQ(ReadText(spec.Path()), original);
+        EXPECT_EQ(ReadFile(spec.Path()), original);
     }
 }
 
 TEST_F(ResourceChain, TheBundleFileHoldsEveryTextThePlugInAsksFor)
 {
-    const ResFileRef ref = OpenResFile(FileSpec{BundleFolder(), "Tamberlyne.rsrc"}, true);
+    const ResFileRef ref = OpenResFile(FileSpec{support::SourceDir() + "/tamberlyne/resources", "Tamberlyne.rsrc"},
+                                       true);
     ASSERT_GT(ref, 0) << ResErrorText();
     // The plug-in cuts menu texts after 63 bytes and alert texts after 255.
-    for (int16_t entry = 1; entry <= 3; ++entry) {
-        const auto text = GetIndString(20000, entry);
-        ASSERT_TRUE(text.has_value()) << "menu entry " << entry;
-        EXPECT_FALSE(text->empty());
-        EXPECT_LT(text->size(), 64u);
-    }
-    for (int16_t entry = 1; entry <= 12; ++entry) {
-        const auto text = GetIndString(20001, entry);
-        ASSERT_TRUE(text.has_value()) << "alert entry " << entry;
-        EXPECT_FALSE(text->empty());
-        EXPECT_LT(text->size(), 256u);
-    }
+    for (const auto& [list, entries, limit] : {std::array<int16_t, 3>{20000, 3, 64}, {20001, 12, 256}})
+        for (int16_t entry = 1; entry <= entries; ++entry) {
+            const auto text = GetIndString(list, entry);
+            ASSERT_TRUE(text.has_value()) << list << " entry " << entry;
+            EXPECT_TRUE(!text->empty() && text->size() < size_t(limit)) << *text;
+        }
     EXPECT_EQ(GetIndString(20001, 13), std::nullopt);
     EXPECT_NE(GetIndString(20001, 12)->find("\"Dorvane\""), std::string::npos);
     EXPECT_NE(GetIndString(20001, 8)->find("\"Tamberlyne\""), std::string::npos);

@@ -1,5 +1,6 @@
 // The text form of resource files: what is printed reads back byte for byte, and files that do
 // not follow the format are refused with the file and the line.
+#include "tests/support/test_support.h"
 #include "toolbox/resources.h"
 
 #include <gtest/gtest.h>
@@ -126,18 +127,13 @@ TEST(ResourceText, ReadsAHandWrittenFile)
     ASSERT_EQ(file.All().size(), 3u);
 
     const Resource* menu = file.Find(kStringListType, 20000);
-    ASSERT_NE(menu, nullptr);
+    const Resource* setting = file.Find(kVrnx, 20000);
+    const Resource* empty = file.Find(kStringType, -5);
+    ASSERT_TRUE(menu != nullptr && setting != nullptr && empty != nullptr);
     EXPECT_EQ(menu->name, "Menu");
     EXPECT_EQ(menu->strings, (std::vector<std::string>{"Fill A # kept", ""}));
-
-    const Resource* setting = file.Find(kVrnx, 20000);
-    ASSERT_NE(setting, nullptr);
     EXPECT_EQ(setting->data, (std::vector<uint8_t>{'1', 0, 0x0A, 0xFF, 0x7F, 0, '1'}));
-
-    const Resource* empty = file.Find(kStringType, -5);
-    ASSERT_NE(empty, nullptr);
-    EXPECT_TRUE(empty->data.empty());
-    EXPECT_TRUE(empty->name.empty());
+    EXPECT_TRUE(empty->data.empty() && empty->name.empty());
 }
 
 TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
@@ -212,17 +208,13 @@ TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
 
     DialogLayout layout;
     ASSERT_TRUE(ReadDialogLayout(*resource, layout, error)) << error;
-    EXPECT_EQ(layout.title, "Fill with Drum Groove");
-    EXPECT_EQ(layout.width, 420);
-    EXPECT_EQ(layout.height, 300);
     ASSERT_EQ(layout.items.size(), 3u);
-    EXPECT_EQ(layout.items[1].number, 4);
-    EXPECT_EQ(layout.items[1].kind, DialogItemKind::kUserItem);
-    EXPECT_TRUE(layout.items[1].label.empty());
-    EXPECT_EQ(layout.items[2].kind, DialogItemKind::kPopup);
-    EXPECT_EQ(layout.items[2].rect.left, 240);
-    EXPECT_EQ(layout.items[2].rect.bottom, 84);
-    EXPECT_EQ(layout.items[2].label, "Staff:");
+    const DialogItemSpec& user = layout.items[1];
+    const DialogItemSpec& popup = layout.items[2];
+    EXPECT_EQ(layout.title + "|" + user.label + "|" + popup.label, "Fill with Drum Groove||Staff:");
+    EXPECT_EQ(support::Ints(layout.width, layout.height, user.number, user.kind, popup.kind, popup.rect.left,
+                            popup.rect.bottom),
+              support::Ints(420, 300, 4, DialogItemKind::kUserItem, DialogItemKind::kPopup, 240, 84));
 
     Resource broken = *resource;
     broken.strings.push_back("size = 1 1");

@@ -2,10 +2,10 @@
 // elsewhere, painting with a frame, and list operations that draw on white whatever the port's
 // state.
 #include "tamberlyne/ui/dialog_lists.h"
+#include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
-#include <gtest/gtest.h>
-
+#include <array>
 #include <cstring>
 
 using namespace toolbox;
@@ -58,11 +58,8 @@ protected:
     std::vector<int> Selected() const
     {
         std::vector<int> rows;
-        for (int row = 0; row < list_->Rows(); ++row) {
-            if (list_->IsSelected(Cell{row, 0})) {
-                rows.push_back(row);
-            }
-        }
+        for (int row = 0; row < list_->Rows(); ++row)
+            if (list_->IsSelected(Cell{row, 0})) rows.push_back(row);
         return rows;
     }
 
@@ -83,12 +80,11 @@ TEST_F(DialogLists, ModifierKeysAddToTheSelectionAndPlainClicksStartOver)
     EXPECT_EQ(Selected(), (std::vector<int>{1}));
     EXPECT_EQ(gListLastClick, (Cell{1, 0}));
     EXPECT_EQ(gListDoubleClick, 0);
-
-    // The same cell again within the double-click time.
-    EXPECT_TRUE(Click(1, kNoModifiers, 7200));
-    EXPECT_EQ(gListDoubleClick, 1);
-    EXPECT_TRUE(Click(2, kNoModifiers, 7300));
-    EXPECT_EQ(gListDoubleClick, 0);
+    // The same cell again within the double-click time, then another cell.
+    for (const auto& [row, when, doubled] : {std::array<int, 3>{1, 7200, 1}, {2, 7300, 0}}) {
+        EXPECT_TRUE(Click(row, kNoModifiers, uint64_t(when)));
+        EXPECT_EQ(gListDoubleClick, doubled) << row;
+    }
 }
 
 TEST_F(DialogLists, WithoutClearingAPlainClickInTheViewLeavesTheListToDecide)
@@ -137,8 +133,7 @@ TEST_F(DialogLists, ListOperationsDrawOnWhiteAndPutTheThemeBack)
     ASSERT_FALSE(dialog_->Port().Log().empty());
     for (const DrawOp& op : dialog_->Port().Log()) {
         EXPECT_EQ(op.kind, DrawKind::kListCells);
-        EXPECT_EQ(op.state.background, kWhite);
-        EXPECT_EQ(op.state.foreground, kBlack);
+        EXPECT_TRUE(op.state.background == kWhite && op.state.foreground == kBlack);
     }
 
     // A list without a port cannot save a drawing state: nothing is done, and it is reported.
@@ -147,8 +142,7 @@ TEST_F(DialogLists, ListOperationsDrawOnWhiteAndPutTheThemeBack)
     ListControl orphan(spec, nullptr);
     const int failures = WhiteListAssertionFailures();
     EXPECT_EQ(LAddRowWhite(1, 0, &orphan), -1);
-    EXPECT_EQ(orphan.Rows(), 0);
-    EXPECT_EQ(WhiteListAssertionFailures(), failures + 1);
+    EXPECT_EQ(support::Ints(orphan.Rows(), WhiteListAssertionFailures()), support::Ints(0, failures + 1));
     LDelRowWhite(0, 0, nullptr);   // null lists are ignored
 }
 
@@ -159,13 +153,11 @@ TEST_F(DialogLists, PaintingFramesTheListInGreyAndRedrawsIt)
     EXPECT_TRUE(QVMacPaintHandlerForDialogsWithList(dialog_, list_, nullptr));
     const std::vector<DrawOp>& log = dialog_->Port().Log();
     ASSERT_EQ(log.size(), 3u);
-    EXPECT_EQ(log[0].kind, DrawKind::kDialogItems);
-    EXPECT_EQ(log[1].kind, DrawKind::kFrameRect);
+    EXPECT_EQ(support::Ints(log[0].kind, log[1].kind, log[2].kind, log[1].state.themeFont),
+              support::Ints(DrawKind::kDialogItems, DrawKind::kFrameRect, DrawKind::kListCells, kSmallSystemFont));
     EXPECT_EQ(log[1].rect, (DialogRect{19, 18, 136, 122})) << "view and scroll bar, grown by 1 and 2";
     EXPECT_EQ(log[1].state.foreground, (RGBColor{0x8000, 0x8000, 0x8000}));
     EXPECT_EQ(log[1].state.pen, (PenState{1, 1}));
-    EXPECT_EQ(log[1].state.themeFont, kSmallSystemFont);
-    EXPECT_EQ(log[2].kind, DrawKind::kListCells);
     EXPECT_EQ(dialog_->Port().State().foreground, kBlack);
     EXPECT_EQ(dialog_->Port().GetPenState(), (PenState{3, 3}));
 }

@@ -6,10 +6,10 @@
 #include "toolbox/dialogs.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <map>
 #include <sstream>
+#include <tuple>
 
 using stavio::DialogAction;
 using stavio::HostPose;
@@ -72,11 +72,15 @@ int32_t NestedHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t, 
 
 int32_t ProbeHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lParam, void* flags)
 {
+    static const std::map<uint32_t, std::string> kNames{
+        {kDlgMsgInit, "init"},   {kDlgMsgCommand, "command "}, {kDlgMsgTimer, "timer "},  {kDlgMsgPaint, "paint"},
+        {kDlgMsgClose, "close"}, {kDlgMsgMouseDown, "mouse"},  {kDlgMsgCloseRequest, "close request"}};
+    if (const auto name = kNames.find(message); name != kNames.end())
+        gProbe.messages.push_back(name->second + (name->second.back() == ' ' ? std::to_string(wParam) : ""));
     const StavioFuncs& host = *gProbe.table;
     gProbe.dialog = dialog;
     switch (message) {
     case kDlgMsgInit:
-        gProbe.messages.push_back("init");
         if (gProbe.listRows > 0) {
             toolbox::ListSpec spec;
             spec.view = toolbox::DialogRect{20, 50, 120, 150};
@@ -84,19 +88,13 @@ int32_t ProbeHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lP
             toolbox::ListControl* list = nullptr;
             toolbox::LiveDialog(dialog)->NewList(spec, list);
             list->AddRows(gProbe.listRows, 0);
-            for (int row = 0; row < gProbe.listRows; ++row) {
+            for (int row = 0; row < gProbe.listRows; ++row)
                 list->SetCellText(toolbox::Cell{row, 0}, "Row " + std::to_string(row + 1));
-            }
         }
-        if (gProbe.timerPeriod > 0) {
-            host.SX_SetTimer(dialog, 1, gProbe.timerPeriod, kPluginApiVersion);
-        }
-        if (gProbe.show) {
-            toolbox::LiveDialog(dialog)->SetShown(true);
-        }
+        if (gProbe.timerPeriod > 0) host.SX_SetTimer(dialog, 1, gProbe.timerPeriod, kPluginApiVersion);
+        if (gProbe.show) toolbox::LiveDialog(dialog)->SetShown(true);
         break;
     case kDlgMsgCommand:
-        gProbe.messages.push_back("command " + std::to_string(wParam));
         if (wParam == 3) {
             host.SX_SetDlgCntlVal(dialog, 3, host.SX_GetDlgCntlVal(dialog, 3, kPluginApiVersion) == 0 ? 1 : 0,
                                   kPluginApiVersion);
@@ -106,41 +104,26 @@ int32_t ProbeHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lP
             gProbe.onOK = "loud " + std::to_string(host.SX_GetDlgItemVal(dialog, 3, kPluginApiVersion)) + ", kit " +
                           std::to_string(host.SX_GetDlgCntlVal(dialog, 5, kPluginApiVersion)) + ", row " +
                           std::to_string(list != nullptr && list->FindSelectedCell(cell) ? cell.row + 1 : 0);
-            if (gProbe.nestOnOK) {
+            if (gProbe.nestOnOK)
                 host.SX_Dialog(kNestedDialog, reinterpret_cast<void*>(&NestedHandler), nullptr, 1, nullptr,
                                kPluginApiVersion);
-            }
-            if (gProbe.endOnOK) {
-                host.SX_EndDialog(dialog, 7, kPluginApiVersion);
-            }
+            if (gProbe.endOnOK) host.SX_EndDialog(dialog, 7, kPluginApiVersion);
         } else if (wParam == 2 && gProbe.endOnCancel) {
             *static_cast<uint32_t*>(flags) |= 0x10000;
             host.SX_EndDialog(dialog, 2, kPluginApiVersion);
         }
         break;
     case kDlgMsgTimer:
-        gProbe.messages.push_back("timer " + std::to_string(wParam));
         host.SX_KillTimer(dialog, static_cast<int32_t>(wParam), kPluginApiVersion);
         host.SX_EndDialog(dialog, 0, kPluginApiVersion);
         break;
-    case kDlgMsgPaint:
-        gProbe.messages.push_back("paint");
-        break;
     case kDlgMsgMouseDown:
-        gProbe.messages.push_back("mouse");
-        if (toolbox::ListControl* list = ProbeList(dialog)) {
+        if (toolbox::ListControl* list = ProbeList(dialog))
             list->Click(toolbox::Point{static_cast<int>(wParam), toolbox::MouseDownY(lParam)},
                         toolbox::MouseDownModifiers(lParam), toolbox::NowMilliseconds());
-        }
         break;
     case kDlgMsgCloseRequest:
-        gProbe.messages.push_back("close request");
-        if (gProbe.endOnCloseRequest) {
-            host.SX_EndDialog(dialog, 9, kPluginApiVersion);
-        }
-        break;
-    case kDlgMsgClose:
-        gProbe.messages.push_back("close");
+        if (gProbe.endOnCloseRequest) host.SX_EndDialog(dialog, 9, kPluginApiVersion);
         break;
     default:
         break;
@@ -150,12 +133,19 @@ int32_t ProbeHandler(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lP
 
 using Messages = std::vector<std::string>;
 
+// A person at a terminal who types `input`.
+struct Terminal {
+    explicit Terminal(const std::string& input) : in(input) {}
+    std::istringstream in;
+    std::ostringstream out;
+    stavio::TerminalFrontEnd frontEnd{in, out};
+};
+
 class DialogService : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        gProbe = Probe{};
-        gProbe.table = &table_;
+        ResetProbe();
         WriteFile(folder_ / "probe.rsrc", kLayouts);
         ASSERT_GE(toolbox::OpenResFile(toolbox::FileSpec{folder_.Path(), "probe.rsrc"}, true), 0);
     }
@@ -177,15 +167,11 @@ protected:
         script_.SetDialogScript(stavio::DialogScript{kProbeDialog, std::move(actions)});
         return Run(script_, kProbeDialog, pose);
     }
-    std::string Notes() const
+    std::string Notes() const { return AllNotes(script_); }
+    void ResetProbe()
     {
-        std::string notes;
-        for (const auto& dialog : script_.DialogLog()) {
-            for (const auto& note : dialog.notes) {
-                notes += note + "\n";
-            }
-        }
-        return notes;
+        gProbe = Probe{};
+        gProbe.table = &table_;
     }
 
     TempFolder folder_;
@@ -193,8 +179,6 @@ protected:
     uint32_t flags_ = 0;
     stavio::ScriptedFrontEnd script_;
 };
-
-bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 }  // namespace
 
@@ -206,15 +190,15 @@ TEST_F(DialogService, SendsEachActionAsTheProgramsMessageAndClosesLast)
     EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 3", "command 5", "command 1", "close"}));
     EXPECT_EQ(gProbe.onOK, "loud 1, kit 2, row 0");
     ASSERT_EQ(script_.DialogLog().size(), 1u);
-    EXPECT_TRUE(script_.DialogLog()[0].shown);
-    EXPECT_EQ(script_.DialogLog()[0].result, 7);
+    EXPECT_EQ(support::Ints(script_.DialogLog()[0].shown, script_.DialogLog()[0].result), support::Ints(true, 7));
     EXPECT_TRUE(Notes().empty()) << Notes();
 
     // The model is gone with the dialog: the services refuse the stale handle.
     EXPECT_EQ(toolbox::LiveDialog(gProbe.dialog), nullptr);
-    EXPECT_EQ(table_.SX_GetDlgCntlVal(gProbe.dialog, 3, kPluginApiVersion), 0);
-    EXPECT_EQ(table_.SX_EndDialog(gProbe.dialog, 1, kPluginApiVersion), 0);
-    EXPECT_EQ(table_.SX_SetTimer(gProbe.dialog, 1, 10, kPluginApiVersion), 0);
+    EXPECT_EQ(support::Ints(table_.SX_GetDlgCntlVal(gProbe.dialog, 3, kPluginApiVersion),
+                            table_.SX_EndDialog(gProbe.dialog, 1, kPluginApiVersion),
+                            table_.SX_SetTimer(gProbe.dialog, 1, 10, kPluginApiVersion)),
+              support::Ints(0, 0, 0));
 }
 
 TEST_F(DialogService, TheOlderPoseCallsThroughTheTransitionVector)
@@ -240,12 +224,12 @@ TEST_F(DialogService, ItemServicesWorkOnTheLiveModel)
             EXPECT_EQ(t.SX_GetDlgCntl(dialog, 6, kPluginApiVersion), nullptr) << "static text is no control";
             EXPECT_EQ(toolbox::LiveControl(t.SX_GetDlgCntl(dialog, 5, kPluginApiVersion)), session.Dialog().Item(5));
             std::string why;
-            EXPECT_FALSE(session.Press(3, why));
-            EXPECT_EQ(why, "item 3 (\"Loud\") is disabled");
-            EXPECT_FALSE(session.Press(1, why));
-            EXPECT_EQ(why, "item 1 (\"OK\") is hidden");
-            EXPECT_FALSE(session.Press(5, why));
-            EXPECT_EQ(why, "item 5 (\"Kit:\") is not a button, radio button or checkbox");
+            for (const auto& [item, problem] : std::vector<std::pair<int16_t, std::string>>{
+                     {3, "item 3 (\"Loud\") is disabled"}, {1, "item 1 (\"OK\") is hidden"},
+                     {5, "item 5 (\"Kit:\") is not a button, radio button or checkbox"}}) {
+                EXPECT_FALSE(session.Press(item, why));
+                EXPECT_EQ(why, problem);
+            }
             EXPECT_FALSE(session.Click(toolbox::Point{400, 10}, 0, why));
             EXPECT_TRUE(t.SX_EndDialog(dialog, 4, kPluginApiVersion));
             EXPECT_FALSE(session.Press(2, why));
@@ -275,7 +259,7 @@ TEST_F(DialogService, DialogsAreRefusedWhenTheyCannotRun)
     script_.SetDialogScript({});
     EXPECT_EQ(Run(script_, 999), 0);
     EXPECT_TRUE(gProbe.messages.empty());
-    EXPECT_TRUE(Has(script_.DialogLog().back().problem, "999")) << script_.DialogLog().back().problem;
+    support::ExpectHas(script_.DialogLog().back().problem, {"999"});
 
     stavio::Host host(stavio::HostSettings{}, &script_);
     EXPECT_EQ(host.FunctionTable().SX_Dialog(kProbeDialog, nullptr, nullptr, 1, &flags_, kPluginApiVersion), 0);
@@ -292,29 +276,28 @@ TEST_F(DialogService, AHiddenDialogWithATimerEndsOnItsTick)
     EXPECT_TRUE(Notes().empty()) << Notes();
 
     // Without a timer, a dialog its program never shows is closed by the front end.
-    gProbe = Probe{};
-    gProbe.table = &table_;
+    ResetProbe();
     gProbe.show = false;
     EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 2);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "close request", "command 2", "close"}));
-    EXPECT_TRUE(Has(Notes(), "did not show the dialog")) << Notes();
+    support::ExpectHas(Notes(), {"did not show the dialog"});
 }
 
 TEST_F(DialogService, TheCloseBoxFallsBackOnCancelAndThenEndsTheDialogItself)
 {
-    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 2);
-    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
+    // The program ends on Cancel; it does not; it ends on the close request itself.
+    using Case = std::tuple<bool, bool, int32_t, Messages>;
+    for (const auto& [endOnCancel, endOnCloseRequest, result, messages] : std::vector<Case>{
+             {true, false, 2, {"init", "paint", "close request", "command 2", "close"}},
+             {false, false, 0, {"init", "paint", "close request", "command 2", "close"}},
+             {false, true, 9, {"init", "paint", "close request", "close"}}}) {
+        ResetProbe();
+        gProbe.endOnCancel = endOnCancel;
+        gProbe.endOnCloseRequest = endOnCloseRequest;
+        EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), result);
+        EXPECT_EQ(gProbe.messages, messages);
+    }
     EXPECT_EQ(flags_, 0x10000u);
-
-    gProbe.messages.clear();
-    gProbe.endOnCancel = false;
-    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 0);
-    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
-
-    gProbe.messages.clear();
-    gProbe.endOnCloseRequest = true;
-    EXPECT_EQ(RunScript({DialogAction::PressCloseBox()}), 9);
-    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "close"}));
 }
 
 TEST_F(DialogService, ARefusedOKIsReportedAndCancelled)
@@ -322,21 +305,19 @@ TEST_F(DialogService, ARefusedOKIsReportedAndCancelled)
     gProbe.endOnOK = false;
     EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 2);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", "command 2", "close"}));
-    EXPECT_TRUE(Has(Notes(), "stayed open after the last scripted action, press \"OK\" (item 1)")) << Notes();
+    support::ExpectHas(Notes(), {"stayed open after the last scripted action, press \"OK\" (item 1)"});
 }
 
 TEST_F(DialogService, ADialogOpenedFromADialogRunsAndClosesInside)
 {
     gProbe.nestOnOK = true;
     EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 7);
-    const std::string init = "nested " + std::to_string(kDlgMsgInit);
-    const std::string paint = "nested " + std::to_string(kDlgMsgPaint);
-    const std::string cancel = "nested " + std::to_string(kDlgMsgCommand) + " 2";
-    const std::string close = "nested " + std::to_string(kDlgMsgClose);
-    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", init, paint, cancel, close, "close"}));
+    auto nested = [](uint32_t message) { return "nested " + std::to_string(message); };
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", nested(kDlgMsgInit), nested(kDlgMsgPaint),
+                                         nested(kDlgMsgCommand) + " 2", nested(kDlgMsgClose), "close"}));
     ASSERT_EQ(script_.DialogLog().size(), 2u);
     EXPECT_EQ(script_.DialogLog()[0].dialogId, kNestedDialog);
-    EXPECT_TRUE(Has(script_.DialogLog()[0].notes.at(0), "no script for dialog 301"));
+    support::ExpectHas(script_.DialogLog()[0].notes.at(0), {"no script for dialog 301"});
 }
 
 TEST_F(DialogService, AListRowOutOfViewIsScrolledToWithTheScrollBar)
@@ -347,13 +328,12 @@ TEST_F(DialogService, AListRowOutOfViewIsScrolledToWithTheScrollBar)
     const auto mice = std::count(gProbe.messages.begin(), gProbe.messages.end(), "mouse");
     EXPECT_GT(mice, 2) << "arrow presses, then the row";
 
-    gProbe = Probe{};
-    gProbe.table = &table_;
+    ResetProbe();
     gProbe.listRows = 3;
     RunScript({DialogAction::ClickListRowNamed(4, "ROW 2"), DialogAction::PressItem(1)});
     EXPECT_EQ(gProbe.onOK, "loud 0, kit 1, row 2");
     RunScript({DialogAction::ClickListRow(4, 4)});
-    EXPECT_TRUE(Has(Notes(), "the list has no row 4 (it has 3)")) << Notes();
+    support::ExpectHas(Notes(), {"the list has no row 4 (it has 3)"});
 }
 
 // ---- A person at a terminal ---------------------------------------------------------------------
@@ -361,46 +341,36 @@ TEST_F(DialogService, AListRowOutOfViewIsScrolledToWithTheScrollBar)
 TEST_F(DialogService, ThePersonSeesTheDialogAndTypesWhatToDo)
 {
     gProbe.listRows = 3;
-    std::istringstream in("2\nset 5 Jazz\npress 3\nbogus\npress 9\nset 5 4\nok\n");
-    std::ostringstream out;
-    stavio::TerminalFrontEnd terminal(in, out);
-    EXPECT_EQ(Run(terminal), 7);
+    Terminal person("2\nset 5 Jazz\npress 3\nbogus\npress 9\nset 5 4\nok\n");
+    EXPECT_EQ(Run(person.frontEnd), 7);
     EXPECT_EQ(gProbe.onOK, "loud 1, kit 2, row 2");
-    const std::string shown = out.str();
-    EXPECT_TRUE(Has(shown, "== Probe ==\nA note\n")) << shown;
-    EXPECT_TRUE(Has(shown, "      1  Row 1\n   >  2  Row 2\n")) << shown;
-    EXPECT_TRUE(Has(shown, "  [3] [x] Loud\n")) << shown;
-    EXPECT_TRUE(Has(shown, "  [5] Kit: Jazz   [1 Rock, 2 Jazz]\n")) << shown;
-    EXPECT_TRUE(Has(shown, "  [1] <OK>\n")) << shown;
-    EXPECT_TRUE(Has(shown, "Unknown command \"bogus\"")) << shown;
-    EXPECT_TRUE(Has(shown, "Cannot do that: the dialog has no item 9")) << shown;
-    EXPECT_TRUE(Has(shown, "Cannot do that: item 5 (\"Kit:\") has no entry 4")) << shown;
+    support::ExpectHas(person.out.str(), {"== Probe ==\nA note\n", "      1  Row 1\n   >  2  Row 2\n", "  [3] [x] Loud\n",
+                                   "  [5] Kit: Jazz   [1 Rock, 2 Jazz]\n", "  [1] <OK>\n", "Unknown command \"bogus\"",
+                                   "Cannot do that: the dialog has no item 9",
+                                   "Cannot do that: item 5 (\"Kit:\") has no entry 4"});
     EXPECT_EQ(gProbe.messages.back(), "close");
 }
 
 TEST_F(DialogService, TheEndOfTheInputClosesTheDialogAndAnswersNo)
 {
-    std::istringstream in("cancel-not\n");
-    std::ostringstream out;
-    stavio::TerminalFrontEnd terminal(in, out);
-    EXPECT_EQ(Run(terminal), 2);
+    Terminal person("cancel-not\n");
+    EXPECT_EQ(Run(person.frontEnd), 2);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "close request", "command 2", "close"}));
-    EXPECT_TRUE(Has(out.str(), "(end of input: the dialog is closed)")) << out.str();
+    support::ExpectHas(person.out.str(), {"(end of input: the dialog is closed)"});
 
-    EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0, "Go on?"}), kAlertAnswerNo);
-    ASSERT_EQ(terminal.Alerts().size(), 1u);
-    EXPECT_EQ(terminal.Alerts()[0].answer, kAlertAnswerNo);
+    EXPECT_EQ(person.frontEnd.Alert(stavio::AlertRequest{kAlertQuestion, 0, "Go on?"}), kAlertAnswerNo);
+    ASSERT_EQ(person.frontEnd.Alerts().size(), 1u);
+    EXPECT_EQ(person.frontEnd.Alerts()[0].answer, kAlertAnswerNo);
 }
 
 TEST(TerminalFrontEnd, AsksQuestionsUntilAnsweredAndShowsNotices)
 {
-    std::istringstream in("maybe\n YES \nn\n");
-    std::ostringstream out;
-    stavio::TerminalFrontEnd terminal(in, out);
+    Terminal person("maybe\n YES \nn\n");
+    stavio::TerminalFrontEnd& terminal = person.frontEnd;
     EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0x4E210001, "Fill everything?"}), kAlertAnswerYes);
     EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertStop, 0, "Choose a groove."}), kAlertAnswerOk);
     EXPECT_EQ(terminal.Alert(stavio::AlertRequest{kAlertQuestion, 0, "Replace?"}), kAlertAnswerNo);
-    EXPECT_EQ(out.str(), "\nQuestion: Fill everything?\nYes or No? [y/n] Yes or No? [y/n] \nStop: Choose a groove.\n"
+    EXPECT_EQ(person.out.str(), "\nQuestion: Fill everything?\nYes or No? [y/n] Yes or No? [y/n] \nStop: Choose a groove.\n"
                          "\nQuestion: Replace?\nYes or No? [y/n] ");
 }
 
@@ -408,10 +378,8 @@ TEST_F(DialogService, AHiddenDialogAtTheTerminalWaitsForItsTimer)
 {
     gProbe.show = false;
     gProbe.timerPeriod = 20;
-    std::istringstream in;
-    std::ostringstream out;
-    stavio::TerminalFrontEnd terminal(in, out);
-    EXPECT_EQ(Run(terminal), 0);
+    Terminal person("");
+    EXPECT_EQ(Run(person.frontEnd), 0);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "timer 1", "close"}));
-    EXPECT_TRUE(out.str().empty()) << out.str();
+    EXPECT_TRUE(person.out.str().empty()) << person.out.str();
 }

@@ -2,44 +2,16 @@
 // what it prints and its exit status.
 #include "tests/ui/ui_test_support.h"
 
-#include <gtest/gtest.h>
-
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <filesystem>
 
 using namespace ui_test;
+using support::CommandRun;
+using support::ExpectHas;
 
 namespace {
-
-struct CommandRun {
-    int status = -1;
-    std::string out;
-    std::string err;
-};
-
-// Runs the command with `environment` (NAME=value ...) and `input` on its standard input.
-CommandRun Tamberlyne(const std::string& arguments, const std::string& environment = "",
-                      const std::string& input = "")
-{
-    TempFolder folder;
-    const std::string out = folder / "out";
-    const std::string err = folder / "err";
-    const std::string in = folder / "in";
-    WriteFile(in, input);
-    const std::string command = "env " + environment + " " + BuildDir() + "/bin/tamberlyne " + arguments + " <" + in +
-                                " >" + out + " 2>" + err;
-    CommandRun run;
-    const int raw = std::system(command.c_str());
-    run.status = WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-    run.out = ReadFile(out);
-    run.err = ReadFile(err);
-    return run;
-}
-
-bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
 
 // A folder "Tamberlyne" with two grooves, and the environment that keeps preferences and the
 // per-user library inside the test's own folder.
@@ -52,7 +24,7 @@ protected:
     }
     CommandRun Fill(const std::string& options, const std::string& input = "")
     {
-        return Tamberlyne("fill " + options, environment_, input);
+        return support::RunTamberlyne("fill " + options, environment_, input);
     }
 
     TempFolder home_;
@@ -66,12 +38,10 @@ TEST_F(FillCommand, HelpDescribesEveryOption)
 {
     const CommandRun run = Fill("--help");
     EXPECT_EQ(run.status, 0);
-    for (const char* option : {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER",
-                               "--style drums|percussion-clef|slashes", "--new-staff", "--yes, --no", "--library DIR",
-                               "--interactive", "--json", "Exit status"}) {
-        EXPECT_TRUE(Has(run.out, option)) << option;
-    }
-    EXPECT_TRUE(Has(Tamberlyne("--help").out, "fill [fill options]"));
+    ExpectHas(run.out, {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER",
+                        "--style drums|percussion-clef|slashes",
+                        "--new-staff", "--yes, --no", "--library DIR", "--interactive", "--json", "Exit status"});
+    ExpectHas(support::RunTamberlyne("--help").out, {"fill [fill options]"});
 }
 
 TEST_F(FillCommand, WrongUsageSaysWhatIsWrongAndExitsWithTwo)
@@ -87,7 +57,7 @@ TEST_F(FillCommand, WrongUsageSaysWhatIsWrongAndExitsWithTwo)
              {"extra", "takes no arguments besides its options (got \"extra\")"}}) {
         const CommandRun run = Fill(options);
         EXPECT_EQ(run.status, 2) << options;
-        EXPECT_TRUE(Has(run.err, complaint)) << options << ": " << run.err;
+        ExpectHas(run.err, {complaint});
     }
 }
 
@@ -96,21 +66,18 @@ TEST_F(FillCommand, TheLibraryMustBeAWritableFolderNamedTamberlyne)
     std::filesystem::create_directories(home_ / "Grooves");
     CommandRun run = Fill("--measures 1-4 --groove Rock --library " + home_ / "Grooves");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "must be a folder named \"Tamberlyne\"")) << run.err;
-    EXPECT_TRUE(Has(run.err, "is named \"Grooves\"")) << run.err;
+    ExpectHas(run.err, {"must be a folder named \"Tamberlyne\"", "is named \"Grooves\""});
 
     run = Fill("--measures 1-4 --groove Rock --library " + home_ / "Nowhere/Tamberlyne");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "does not exist")) << run.err;
+    ExpectHas(run.err, {"does not exist"});
 
-    if (geteuid() == 0) {
-        GTEST_SKIP() << "a read-only folder is writable for root";
-    }
+    if (geteuid() == 0) GTEST_SKIP() << "a read-only folder is writable for root";
     chmod(library_.c_str(), 0555);
     run = Fill("--measures 1-4 --groove Rock --library " + library_);
     chmod(library_.c_str(), 0755);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "is read-only; the plug-in writes its temporary MIDI file there")) << run.err;
+    ExpectHas(run.err, {"is read-only; the plug-in writes its temporary MIDI file there"});
     EXPECT_TRUE(run.out.empty()) << "the plug-in did not run";
 }
 
@@ -119,24 +86,23 @@ TEST_F(FillCommand, RefusalsExitWithOneAndThePlugInsMessage)
 {
     CommandRun run = Fill("--measures 5-12 --library " + library_);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.out, "Stop: Please choose a groove from the list first.")) << run.out;
-    EXPECT_TRUE(Has(run.err, "tamberlyne: nothing was filled: Please choose a groove from the list first.")) << run.err;
+    ExpectHas(run.out, {"Stop: Please choose a groove from the list first."});
+    ExpectHas(run.err, {"tamberlyne: nothing was filled: Please choose a groove from the list first."});
 
     run = Fill("--measures 5-12 --groove Samba --library " + library_);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "no row reads \"Samba\" (rows: Funk, Rock)")) << run.err;
+    ExpectHas(run.err, {"no row reads \"Samba\" (rows: Funk, Rock)"});
 
     run = Fill("--groove Rock --library " + library_);   // nothing selected, and no --yes
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.out, "Selection: nothing selected")) << run.out;
-    EXPECT_TRUE(Has(run.out, "-> No")) << run.out;
-    EXPECT_TRUE(Has(run.err, "and the answer was No")) << run.err;
+    ExpectHas(run.out, {"Selection: nothing selected", "-> No"});
+    ExpectHas(run.err, {"and the answer was No"});
 
     std::filesystem::remove_all(library_);
     std::filesystem::create_directories(library_);
     run = Fill("--measures 1-2 --groove Rock --library " + library_);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "No grooves were found.")) << run.err;
+    ExpectHas(run.err, {"No grooves were found."});
 }
 
 // A real groove fills the drum staff: the report names the staves, shows what changed and
@@ -147,38 +113,31 @@ TEST_F(FillCommand, ReportsTheDialogTheStavesAndTheResult)
                                std::filesystem::copy_options::overwrite_existing);
     CommandRun run = Fill("--measures 5-12 --groove Rock --staff Drums --style drums --yes --library " + library_);
     EXPECT_EQ(run.status, 0) << run.err;
-    EXPECT_TRUE(Has(run.out, "Selection: measures 5-12 of every staff")) << run.out;
-    EXPECT_TRUE(Has(run.out, "Plug-in result: 1 (the score changed)")) << run.out;
-    EXPECT_TRUE(Has(run.out, "Staff 1 \"Piano\" (unchanged)")) << run.out;
-    EXPECT_TRUE(Has(run.out, "Staff 2 \"Drums\" (changed)")) << run.out;
-    EXPECT_TRUE(Has(run.out, "  MIDI channel 10: yes\n")) << run.out;
-    EXPECT_TRUE(Has(run.out, "  clef in measure 5: 12 (percussion) (was 0)")) << run.out;
-    EXPECT_TRUE(Has(run.out, "  Acoustic Snare |----o-------o---|")) << run.out;
+    ExpectHas(run.out, {"Selection: measures 5-12 of every staff", "Plug-in result: 1 (the score changed)",
+                        "Staff 1 \"Piano\" (unchanged)", "Staff 2 \"Drums\" (changed)", "  MIDI channel 10: yes\n",
+                        "  clef in measure 5: 12 (percussion) (was 0)", "  Acoustic Snare |----o-------o---|"});
 
     run = Fill("--measures 5-12 --groove Rock --staff 3 --library " + library_ + " --json");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out.rfind("{\"library\":", 0), 0u) << run.out;
-    EXPECT_TRUE(Has(run.out, "\"selection\":{\"first\":5,\"last\":12},\"result\":0,\"changed\":false")) << run.out;
-    EXPECT_TRUE(Has(run.out, "has no entry 3 (entries: 1 Piano, 2 Drums)")) << run.out;
-    EXPECT_TRUE(Has(run.out, "\"staves\":[{\"slot\":1,")) << run.out;
+    ExpectHas(run.out, {"\"selection\":{\"first\":5,\"last\":12},\"result\":0,\"changed\":false",
+                        "has no entry 3 (entries: 1 Piano, 2 Drums)", "\"staves\":[{\"slot\":1,"});
     EXPECT_EQ(run.out.back(), '\n');
 
     // The older pose runs the same dialog.
-    run = Tamberlyne("--pose older fill --measures 1-4 --library " + library_, environment_);
+    run = support::RunTamberlyne("--pose older fill --measures 1-4 --library " + library_, environment_);
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.err, "Please choose a groove")) << run.err;
+    ExpectHas(run.err, {"Please choose a groove"});
 }
 
 TEST_F(FillCommand, ThePerUserLibraryIsFilledFromTheBundledOneOnFirstUse)
 {
     const std::string bundled = BuildDir() + "/bin/Tamberlyne";
-    if (!std::filesystem::is_directory(bundled)) {
-        GTEST_SKIP() << "no bundled groove library at " << bundled;
-    }
+    if (!std::filesystem::is_directory(bundled)) GTEST_SKIP() << "no bundled groove library at " << bundled;
     const std::string userLibrary = home_.Path() + "/data/tamberlyne/Tamberlyne";
     CommandRun run = Fill("--measures 1-4 --groove NoSuchGroove");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.out, "Groove library: " + userLibrary + " (filled from " + bundled)) << run.out;
+    ExpectHas(run.out, {"Groove library: " + userLibrary + " (filled from " + bundled});
     size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(bundled)) {
         files += entry.is_regular_file() ? 1 : 0;
@@ -187,7 +146,7 @@ TEST_F(FillCommand, ThePerUserLibraryIsFilledFromTheBundledOneOnFirstUse)
     EXPECT_GT(files, 0u);
 
     // Once there, it is the person's: it is not filled again.
-    std::filesystem::remove(userLibrary + "/" + std::filesystem::directory_iterator(userLibrary)->path().filename().string());
+    std::filesystem::remove(std::filesystem::directory_iterator(userLibrary)->path());
     run = Fill("--measures 1-4 --groove NoSuchGroove");
     EXPECT_FALSE(Has(run.out, "filled from")) << run.out;
 }
@@ -196,16 +155,12 @@ TEST_F(FillCommand, InteractiveShowsTheDialogAndReadsThePersonsChoices)
 {
     const CommandRun run = Fill("--interactive --measures 1-4 --library " + library_, "2\nset 11 3\nok\ncancel\n");
     EXPECT_EQ(run.status, 1);
-    EXPECT_TRUE(Has(run.out, "== Fill with Drum Groove ==")) << run.out;
-    EXPECT_TRUE(Has(run.out, "      1  Funk\n      2  Rock\n")) << run.out;
-    EXPECT_TRUE(Has(run.out, "   >  2  Rock\n")) << run.out;
-    EXPECT_TRUE(Has(run.out, "[11] Style: Slash notation")) << run.out;
-    EXPECT_TRUE(Has(run.out, "[8] Staff: Drums   [1 Piano, 2 Drums]")) << run.out;
-    EXPECT_TRUE(Has(run.err, "nothing was filled")) << run.err;
+    ExpectHas(run.out, {"== Fill with Drum Groove ==", "      1  Funk\n      2  Rock\n", "   >  2  Rock\n",
+                        "[11] Style: Slash notation", "[8] Staff: Drums   [1 Piano, 2 Drums]"});
+    ExpectHas(run.err, {"nothing was filled"});
 
     // A question at the terminal: nothing selected.
     const CommandRun asked = Fill("--interactive --library " + library_, "n\n");
     EXPECT_EQ(asked.status, 1);
-    EXPECT_TRUE(Has(asked.out, "Question: Nothing is selected.")) << asked.out;
-    EXPECT_TRUE(Has(asked.out, "Yes or No? [y/n]")) << asked.out;
+    ExpectHas(asked.out, {"Question: Nothing is selected.", "Yes or No? [y/n]"});
 }

@@ -5,8 +5,6 @@
 #include "tests/ui/ui_test_support.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
-
 #include <cstring>
 #include <filesystem>
 
@@ -37,9 +35,7 @@ std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
 {
     toolbox::ResourceFile file;
     std::string error;
-    if (!toolbox::LoadResourceFile(PrefsPath(session), file, error)) {
-        return std::nullopt;
-    }
+    if (!toolbox::LoadResourceFile(PrefsPath(session), file, error)) return std::nullopt;
     const toolbox::Resource* option = file.Find(kPrefsResourceType, 20000);
     return option != nullptr ? std::optional<toolbox::Resource>(*option) : std::nullopt;
 }
@@ -57,7 +53,6 @@ uint32_t OptionAfterOpening(CoreHost& session)
 TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 {
     CoreHost session(Score(kPianoAndDrums));
-    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
     EXPECT_EQ(OptionAfterOpening(session), 1u);
     EXPECT_FALSE(std::filesystem::exists(PrefsPath(session))) << "Cancel writes nothing";
 
@@ -85,8 +80,7 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
     };
     for (const auto& [text, expected] : cases) {
         CoreHost session(Score(kPianoAndDrums));
-        MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
-        WritePrefs(session, text);
+            WritePrefs(session, text);
         EXPECT_EQ(OptionAfterOpening(session), expected) << "stored \"" << text << "\"";
         EXPECT_TRUE(session.frontEnd.Alerts().empty());
     }
@@ -95,7 +89,6 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
 TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 {
     CoreHost session(Score(kPianoAndDrums));
-    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
     WritePrefs(session, std::string("0\0", 2));
     EXPECT_EQ(OptionAfterOpening(session), 0u);
     toolbox::CloseAllResFiles();
@@ -109,7 +102,6 @@ TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 TEST(GrooveDialogPrefs, ABrokenPreferencesFileIsIgnoredSilently)
 {
     CoreHost session(Score(kPianoAndDrums));
-    MakeGrooveFolder(session.application.Path(), {"Rock.mid"});
     WriteFile(PrefsPath(session), "resource 'VRNX' 20000 {\n    text = \"0\n");
     EXPECT_EQ(OptionAfterOpening(session), 1u);
     const EREGION selection = Measures(1, 4, 2);

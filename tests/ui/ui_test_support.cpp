@@ -1,87 +1,22 @@
 #include "tests/ui/ui_test_support.h"
 
-#include "tamberlyne/host/gateway.h"
-#include "tamberlyne/host/startup.h"
 #include "tamberlyne/plugin/entry_points.h"
 #include "tamberlyne/plugin/plugin_globals.h"
+#include "tests/support/plugin_core.h"
 #include "toolbox/dialogs.h"
 #include "toolbox/resources.h"
 
-#include <gtest/gtest.h>
-
-#include <cstdlib>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace fs = std::filesystem;
 
 namespace ui_test {
 
-std::string BuildDir()
-{
-    const char* dir = std::getenv("TAMBERLYNE_BUILD_DIR");
-    return dir != nullptr ? dir : "build";
-}
-
-std::string BundlePath() { return BuildDir() + "/bin/PlugIns/Tamberlyne.bundle"; }
-std::string BundleResourcePath() { return BundlePath() + "/Resources/Tamberlyne.rsrc"; }
-
-TempFolder::TempFolder()
-{
-    std::string pattern = (fs::temp_directory_path() / "tamberlyne-ui-XXXXXX").string();
-    if (mkdtemp(pattern.data()) == nullptr) {
-        ADD_FAILURE() << "cannot make a temporary folder";
-    }
-    path_ = pattern;
-}
-
-TempFolder::~TempFolder()
-{
-    std::error_code ignored;
-    fs::permissions(path_, fs::perms::owner_all, fs::perm_options::add, ignored);
-    fs::remove_all(path_, ignored);
-}
-
-ScopedEnv::ScopedEnv(const char* name, const std::string& value) : name_(name)
-{
-    if (const char* old = std::getenv(name)) {
-        old_ = old;
-    }
-    setenv(name, value.c_str(), 1);
-}
-
-ScopedEnv::~ScopedEnv()
-{
-    if (old_) {
-        setenv(name_.c_str(), old_->c_str(), 1);
-    } else {
-        unsetenv(name_.c_str());
-    }
-}
-
-void WriteFile(const std::string& path, const std::string& bytes)
-{
-    std::ofstream file(path, std::ios::binary);
-    file << bytes;
-    ASSERT_TRUE(file.good()) << path;
-}
-
-std::string ReadFile(const std::string& path)
-{
-    std::ifstream file(path, std::ios::binary);
-    std::stringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 std::string MakeGrooveFolder(const std::string& applicationFolder, const std::vector<std::string>& names)
 {
     const std::string folder = applicationFolder + "/Tamberlyne";
     fs::create_directories(folder);
-    for (const std::string& name : names) {
-        WriteFile(folder + "/" + name, "not a groove: " + name);
-    }
+    for (const std::string& name : names) WriteFile(folder + "/" + name, "not a groove: " + name);
     return folder;
 }
 
@@ -91,16 +26,9 @@ stavio::Document Score(const std::vector<StaffNames>& staves, int measures)
     builder.Measures(measures);
     for (size_t slot = 1; slot <= staves.size(); ++slot) {
         builder.Staff(staves[slot - 1].full, staves[slot - 1].abbreviated);
-        if (staves[slot - 1].drums) {
-            builder.DrumStaff(static_cast<int>(slot));
-        }
+        if (staves[slot - 1].drums) builder.DrumStaff(static_cast<int>(slot));
     }
     return builder.Build();
-}
-
-EREGION Measures(uint16_t first, uint16_t last, uint16_t staves)
-{
-    return EREGION{EMUSICPOINT{0, 1, first, 0}, EMUSICPOINT{0, staves, last, kEndOfMeasure}};
 }
 
 DialogView ViewOf(const stavio::DialogSession& session)
@@ -109,9 +37,7 @@ DialogView ViewOf(const stavio::DialogSession& session)
     DialogView view;
     view.shown = dialog.IsShown();
     if (const toolbox::ListControl* list = session.ListInItem(4)) {
-        for (int row = 0; row < list->Rows(); ++row) {
-            view.grooveRows.push_back(*list->CellText(toolbox::Cell{row, 0}));
-        }
+        for (int row = 0; row < list->Rows(); ++row) view.grooveRows.push_back(*list->CellText(toolbox::Cell{row, 0}));
     }
     if (const toolbox::DialogItem* staff = dialog.Item(8)) {
         for (int entry = 1; entry <= staff->MenuEntryCount(); ++entry) {
@@ -128,16 +54,15 @@ DialogView ViewOf(const stavio::DialogSession& session)
 
 void InspectingFrontEnd::RunDialog(stavio::DialogSession& session)
 {
-    if (inspect) {
-        inspect(session);
-    }
+    if (inspect) inspect(session);
     ScriptedFrontEnd::RunDialog(session);
 }
 
-DialogHostBase::DialogHostBase(stavio::Document doc, stavio::HostPose pose)
+DialogHostBase::DialogHostBase(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves)
     : configEnv("XDG_CONFIG_HOME", config.Path()), host(stavio::HostSettings{pose, "", application.Path()}, &frontEnd)
 {
     host.SetDocument(std::move(doc));
+    if (!grooves.empty()) MakeGrooveFolder(application.Path(), grooves);
 }
 
 DialogHostBase::~DialogHostBase()
@@ -164,24 +89,22 @@ const stavio::DialogOutcome& DialogHostBase::LastDialog() const
 std::vector<int32_t> DialogHostBase::AlertIds() const
 {
     std::vector<int32_t> ids;
-    for (const auto& alert : frontEnd.Alerts()) {
-        ids.push_back(alert.request.stringId);
-    }
+    for (const auto& alert : frontEnd.Alerts()) ids.push_back(alert.request.stringId);
     return ids;
 }
 
-std::string DialogHostBase::AllNotes() const
+std::string DialogHostBase::AllNotes() const { return ui_test::AllNotes(frontEnd); }
+
+std::string AllNotes(const stavio::ScriptedFrontEnd& frontEnd)
 {
     std::string notes;
-    for (const stavio::DialogOutcome& dialog : frontEnd.DialogLog()) {
-        for (const std::string& note : dialog.notes) {
-            notes += note + "\n";
-        }
-    }
+    for (const stavio::DialogOutcome& dialog : frontEnd.DialogLog())
+        for (const std::string& note : dialog.notes) notes += note + "\n";
     return notes;
 }
 
-BundleHost::BundleHost(stavio::Document doc, stavio::HostPose pose) : DialogHostBase(std::move(doc), pose)
+BundleHost::BundleHost(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves)
+    : DialogHostBase(std::move(doc), pose, grooves)
 {
     EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().reason);
 }
@@ -196,17 +119,11 @@ uint32_t BundleHost::DialogFlags() const
     return requests.empty() || requests.back().flags == nullptr ? 0xDEADBEEF : *requests.back().flags;
 }
 
-CoreHost::CoreHost(stavio::Document doc) : DialogHostBase(std::move(doc), stavio::HostPose::Newer)
+CoreHost::CoreHost(stavio::Document doc, const std::vector<std::string>& grooves)
+    : DialogHostBase(std::move(doc), stavio::HostPose::Newer, grooves)
 {
-    gStavioFuncs = StavioFuncs{};
-    gStavioFuncs.size = sizeof(StavioFuncs);
-    StavioEditDepth = 0;
-    toolbox::FileSpec resources;
-    toolbox::MakeFileSpec(BundlePath() + "/Resources", "Tamberlyne.rsrc", resources);
-    EXPECT_GE(toolbox::OpenResFile(resources, true), 0) << BundleResourcePath();
-    StavioFuncs table = host.FunctionTable();
-    SXPluginFuncs reply{};
-    EXPECT_EQ(PluginMain(&table, &reply), 1);
+    support::OpenBundleResources();
+    support::StartPluginCore(host);
     initFlag = kInitFlagUnread;
     stylenum = 0;
 }

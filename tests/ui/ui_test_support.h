@@ -6,6 +6,7 @@
 #include "stavio/dialogs/dialog_session.h"
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
+#include "tests/support/test_support.h"
 
 #include <functional>
 #include <optional>
@@ -14,39 +15,14 @@
 
 namespace ui_test {
 
-std::string BuildDir();
-std::string BundlePath();
-std::string BundleResourcePath();
+using support::BuildDir;
+using support::BundlePath;
+using support::Has;
+using support::ReadFile;
+using support::ScopedEnv;
+using support::TempFolder;
+using support::WriteFile;
 
-// A fresh folder under the system's temporary folder, removed with everything in it.
-class TempFolder {
-public:
-    TempFolder();
-    ~TempFolder();
-    TempFolder(const TempFolder&) = delete;
-    TempFolder& operator=(const TempFolder&) = delete;
-    const std::string& Path() const { return path_; }
-    std::string operator/(const std::string& name) const { return path_ + "/" + name; }
-
-private:
-    std::string path_;
-};
-
-// Sets an environment variable for the life of the object.
-class ScopedEnv {
-public:
-    ScopedEnv(const char* name, const std::string& value);
-    ~ScopedEnv();
-    ScopedEnv(const ScopedEnv&) = delete;
-    ScopedEnv& operator=(const ScopedEnv&) = delete;
-
-private:
-    std::string name_;
-    std::optional<std::string> old_;
-};
-
-void WriteFile(const std::string& path, const std::string& bytes);
-std::string ReadFile(const std::string& path);
 // Makes "<applicationFolder>/Tamberlyne" holding files of these names (a little data each).
 std::string MakeGrooveFolder(const std::string& applicationFolder, const std::vector<std::string>& names);
 
@@ -63,7 +39,8 @@ struct StaffNames {
 stavio::Document Score(const std::vector<StaffNames>& staves, int measures = 8);
 
 // Whole measures on every staff of the score.
-EREGION Measures(uint16_t first, uint16_t last, uint16_t staves);
+inline EREGION Measures(uint16_t first, uint16_t last,
+                        uint16_t staves) { return support::Region(1, staves, first, last); }
 
 // What the dialog showed right after it was initialised.
 struct DialogView {
@@ -78,6 +55,9 @@ struct DialogView {
 };
 DialogView ViewOf(const stavio::DialogSession& session);
 
+// Every note the front end wrote about its dialogs, one a line.
+std::string AllNotes(const stavio::ScriptedFrontEnd& frontEnd);
+
 // A scripted front end that first hands the dialog to `inspect` (when set).
 class InspectingFrontEnd : public stavio::ScriptedFrontEnd {
 public:
@@ -88,7 +68,8 @@ public:
 // A host with its application folder and the preferences folder in temporary folders.
 class DialogHostBase {
 public:
-    DialogHostBase(stavio::Document doc, stavio::HostPose pose);
+    // With a groove folder holding files of these names, unless there are none.
+    DialogHostBase(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves);
     virtual ~DialogHostBase();
 
     TempFolder application;
@@ -109,7 +90,8 @@ public:
 // The real bundle, loaded by the host.
 class BundleHost : public DialogHostBase {
 public:
-    explicit BundleHost(stavio::Document doc, stavio::HostPose pose = stavio::HostPose::Newer);
+    explicit BundleHost(stavio::Document doc, stavio::HostPose pose = stavio::HostPose::Newer,
+                        const std::vector<std::string>& grooves = {});
     ~BundleHost() override;
     int32_t Invoke(const EREGION* selection) override;
     // The plug-in's options word, through the pointer it handed to SX_Dialog.
@@ -120,7 +102,7 @@ public:
 // resource file current, and its remembered option reset as at load.
 class CoreHost : public DialogHostBase {
 public:
-    explicit CoreHost(stavio::Document doc);
+    explicit CoreHost(stavio::Document doc, const std::vector<std::string>& grooves = {"Rock.mid"});
     ~CoreHost() override;
     int32_t Invoke(const EREGION* selection) override;
 };

@@ -21,6 +21,16 @@ DialogRect ContentOf(const DialogLayout& layout)
     return DialogRect{0, 0, right, bottom};
 }
 
+// kParamErr when the dialog has no such item; otherwise `use` is done with it.
+template <typename ItemType, typename Use>
+OSErr WithItem(ItemType* item, Use use)
+{
+    if (item == nullptr)
+        return kParamErr;
+    use(*item);
+    return kNoErr;
+}
+
 }  // namespace
 
 Dialog::Dialog(const DialogLayout& layout, int16_t layoutId)
@@ -63,11 +73,7 @@ int16_t Dialog::FindItem(Point point) const
 
 OSErr Dialog::ItemRect(int16_t number, DialogRect& rect) const
 {
-    const DialogItem* item = Item(number);
-    if (item == nullptr)
-        return kParamErr;
-    rect = item->Rect();
-    return kNoErr;
+    return WithItem(Item(number), [&rect](const DialogItem& item) { rect = item.Rect(); });
 }
 
 OSErr Dialog::ItemAsControl(int16_t number, DialogItem*& control)
@@ -100,20 +106,12 @@ OSErr Dialog::SetItemValue(int16_t number, int32_t value)
 
 OSErr Dialog::EnableItem(int16_t number, bool enable)
 {
-    DialogItem* item = Item(number);
-    if (item == nullptr)
-        return kParamErr;
-    item->SetEnabled(enable);
-    return kNoErr;
+    return WithItem(Item(number), [enable](DialogItem& item) { item.SetEnabled(enable); });
 }
 
 OSErr Dialog::ShowItem(int16_t number, bool show)
 {
-    DialogItem* item = Item(number);
-    if (item == nullptr)
-        return kParamErr;
-    item->SetVisible(show);
-    return kNoErr;
+    return WithItem(Item(number), [show](DialogItem& item) { item.SetVisible(show); });
 }
 
 OSErr Dialog::NewList(const ListSpec& spec, ListControl*& list) noexcept

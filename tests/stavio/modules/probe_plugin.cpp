@@ -52,9 +52,7 @@ PROBE_EXPORT int32_t StavioExtensionInit(EWND, uint32_t* flags)
 
 PROBE_EXPORT int32_t StavioExtensionEnumerate(void*, int32_t menuIndex, SXT_MENUSTRING_PACKET* packet)
 {
-    if (menuIndex > 0 || !toolbox::GetIndString(20000, 1)) {
-        return 0;
-    }
+    if (menuIndex > 0 || !toolbox::GetIndString(20000, 1)) return 0;
     CopyString(1, packet->menuItem);
     CopyString(2, packet->msgString);
     CopyString(3, packet->undoString);
@@ -85,9 +83,7 @@ PROBE_EXPORT void StavioExtensionTerminate() { ++gTerminateCalls; }
 
 PROBE_EXPORT int32_t main(StavioFuncs* host, SXPluginFuncs* reply)
 {
-    if (host == nullptr || reply == nullptr) {
-        return 0;
-    }
+    if (host == nullptr || reply == nullptr) return 0;
     gTable.size = host->size;
     gTable.version = host->version;
     gNamePath = host->version >= kHostVersionNamePath;

@@ -1,11 +1,73 @@
-// The independent Standard MIDI File reader of the tests.
+#include "tests/support/smf.h"
+
+#include <algorithm>
 #include <stdexcept>
 
-#include "midi_test_support.h"
+namespace support {
+
+Bytes Chunk(const char* id, const Bytes& body)
+{
+    Bytes chunk(id, id + 4);
+    const auto n = static_cast<uint32_t>(body.size());
+    chunk.insert(chunk.end(), {uint8_t(n >> 24), uint8_t(n >> 16), uint8_t(n >> 8), uint8_t(n)});
+    chunk.insert(chunk.end(), body.begin(), body.end());
+    return chunk;
+}
+
+Bytes Concat(std::initializer_list<Bytes> parts)
+{
+    Bytes all;
+    for (const Bytes& part : parts) all.insert(all.end(), part.begin(), part.end());
+    return all;
+}
+
+Bytes Header(int format, int tracks, int division)
+{
+    return Chunk("MThd", {uint8_t(format >> 8), uint8_t(format), uint8_t(tracks >> 8), uint8_t(tracks),
+                          uint8_t(division >> 8), uint8_t(division)});
+}
+
+Bytes Smf(int format, int division, const std::vector<Bytes>& trackBodies, int trackCountField)
+{
+    Bytes file = Header(format, trackCountField >= 0 ? trackCountField : int(trackBodies.size()), division);
+    for (const Bytes& body : trackBodies) {
+        const Bytes chunk = Chunk("MTrk", body);
+        file.insert(file.end(), chunk.begin(), chunk.end());
+    }
+    return file;
+}
+
+void PutNumber(Bytes& out, uint32_t value)
+{
+    Bytes groups{uint8_t(value & 0x7F)};
+    while ((value >>= 7) != 0) groups.push_back(uint8_t(0x80 | (value & 0x7F)));
+    out.insert(out.end(), groups.rbegin(), groups.rend());
+}
+
+Bytes DrumFile(int tpq, int numerator, int denominator, std::vector<DrumHit> hits, int offAfter)
+{
+    std::vector<std::pair<int64_t, Bytes>> messages;
+    for (const DrumHit& hit : hits) {
+        const auto channel = uint8_t(hit.channel - 1);
+        messages.push_back({hit.tick, {uint8_t(0x90 | channel), uint8_t(hit.key), 100}});
+        messages.push_back({hit.tick + offAfter, {uint8_t(0x80 | channel), uint8_t(hit.key), 0}});
+    }
+    std::stable_sort(messages.begin(), messages.end(), [](const auto& a, const auto& b) { return a.first < b.first; });
+    const auto power = uint8_t(__builtin_ctz(unsigned(denominator)));
+    Bytes body{0x00, 0xFF, 0x58, 4, uint8_t(numerator), power, 24, 8};
+    int64_t now = 0;
+    for (const auto& [tick, bytes] : messages) {
+        PutNumber(body, uint32_t(tick - now));
+        now = tick;
+        body.insert(body.end(), bytes.begin(), bytes.end());
+    }
+    return Smf(0, tpq, {Concat({body, kEndOfTrack})});
+}
 
 namespace {
+
 struct Cursor {
-    const std::vector<uint8_t>& bytes;
+    const Bytes& bytes;
     size_t pos = 0;
     size_t end = 0;
     uint8_t Byte()
@@ -40,12 +102,13 @@ std::vector<SmfEvent> ListTrack(Cursor& in)
         SmfEvent ev;
         tick += static_cast<int32_t>(in.Variable());
         ev.tick = tick;
-        uint8_t first = in.Byte();
+        const uint8_t first = in.Byte();
         if (first == 0xFF || first == 0xF0 || first == 0xF7) {
             ev.status = first;
             if (first == 0xFF) ev.data1 = in.Byte();
             const uint32_t length = in.Variable();
             if (length > in.end - in.pos) throw std::runtime_error("meta or sysex runs past its chunk");
+            ev.data.assign(in.bytes.begin() + long(in.pos), in.bytes.begin() + long(in.pos + length));
             in.pos += length;
             running = 0;   // meta and system-exclusive events cancel running status
             events.push_back(ev);
@@ -71,9 +134,10 @@ std::vector<SmfEvent> ListTrack(Cursor& in)
     }
     throw std::runtime_error("track without end-of-track event");
 }
+
 }  // namespace
 
-SmfListing ListSmf(const std::vector<uint8_t>& bytes)
+SmfListing ListSmf(const Bytes& bytes)
 {
     SmfListing file;
     Cursor in{bytes, 0, bytes.size()};
@@ -91,3 +155,5 @@ SmfListing ListSmf(const std::vector<uint8_t>& bytes)
     }
     return file;
 }
+
+}  // namespace support
