@@ -62,7 +62,7 @@ public:
     // From measure `meas` to the end: a new time signature.
     DocumentBuilder& TimeSignatureFrom(int meas, int16_t beats, int16_t divbeat);
     // A staff listed after the ones before; names are stored as text blocks ('SOTX' + 'txbl').
-    // An empty name leaves the spec's name word 0. Its channel definition takes the full name.
+    // An empty name leaves the staff record's name word 0. Its channel definition takes the full name.
     DocumentBuilder& Staff(const std::string& fullName, const std::string& abbreviatedName = "");
     // Sets the measure's `auxflag` bits (kMeasureAuxRefused ...).
     DocumentBuilder& MeasureFlags(int meas, uint16_t auxflag);

@@ -4,7 +4,7 @@
 #include "sdk/tags.h"
 #include "tamberlyne/host/gateway.h"
 #include "tamberlyne/host/typed_records.h"
-#include "tamberlyne/score/measure_spec.h"
+#include "tamberlyne/score/measure_record.h"
 #include "tamberlyne/score/text_expressions.h"
 
 #include <algorithm>

@@ -3,7 +3,7 @@
 #include "tamberlyne/host/entry_frames.h"
 #include "tamberlyne/host/gateway.h"
 #include "tamberlyne/score/beat_rule.h"
-#include "tamberlyne/score/measure_spec.h"
+#include "tamberlyne/score/measure_record.h"
 #include "tamberlyne/score/staff_styles.h"
 
 namespace {

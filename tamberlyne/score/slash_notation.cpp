@@ -5,7 +5,7 @@
 #include "tamberlyne/host/gateway.h"
 #include "tamberlyne/host/typed_records.h"
 #include "tamberlyne/score/beat_rule.h"
-#include "tamberlyne/score/measure_spec.h"
+#include "tamberlyne/score/measure_record.h"
 #include "tamberlyne/score/staff_styles.h"
 
 #include <cstring>
