@@ -11,10 +11,6 @@ namespace stavio {
 
 namespace {
 
-constexpr EVERSION kV5 = 0x05000000;
-constexpr EVERSION kV8 = 0x08000000;
-constexpr EVERSION kV9 = 0x09000000;
-constexpr EVERSION kV10 = 0x0A000000;
 constexpr size_t kTextExpressionHeaderSize = sizeof(EDTTextExpressionHeader);
 
 template <typename Record>

@@ -21,6 +21,11 @@ using Bytes = std::vector<uint8_t>;
 
 constexpr EVERSION kAnyVersionFirst = 0;
 constexpr EVERSION kAnyVersionLast = 0xFFFFFFFF;
+// Host versions at which record layouts changed.
+constexpr EVERSION kV5 = 0x05000000;
+constexpr EVERSION kV8 = 0x08000000;
+constexpr EVERSION kV9 = 0x09000000;
+constexpr EVERSION kV10 = 0x0A000000;
 
 // One layout of a tag: the documented size a caller passes and the versions it belongs to.
 struct RecordLayout {

@@ -12,8 +12,6 @@ constexpr EXTAG kTagPlaybackPrefs = 0x7066504C;     // 'pfPL'
 constexpr EXTAG kTagPianoBracePrefs = 0x70665042;   // 'pfPB'
 constexpr EXTAG kTagPageFormatPrefs = 0x70665046;   // 'pfPF'
 
-constexpr uint16_t kPreferenceCmper = 0xfffe;
-constexpr int32_t kOtherRecordSize = 12;
 constexpr int kWordsPerOtherRecord = 6;
 
 // Rows: bProcessed, the tag's last two characters, cmper, inci, structOffset, offsetInInci,

@@ -6,6 +6,9 @@
 
 #include "sdk/types.h"
 
+constexpr int32_t kOtherRecordSize = 12;      // an "other" record: six 16-bit words
+constexpr uint16_t kPreferenceCmper = 0xfffe; // the cmper under which preference pieces are kept
+
 enum MAP_ARRAY_CONVERSION : int32_t {
     MC_NONE = 0,
     MC_MACFOURBYTE = 1,   // 32-bit field: high half in word offsetInInci, low half in the next word

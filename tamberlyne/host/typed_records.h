@@ -20,6 +20,11 @@ bool sx_savemeasurespec(int16_t meas, EDTMeasureSpec& record);
 bool sx_loaddetail(EXTAG tag, int c1, int c2, void* buffer, int size, int inci, EVERSION version);
 bool sx_savedetail(EXTAG tag, int c1, int c2, const void* buffer, int size, int inci, EVERSION version);
 
+// Keys of a creation: as `cmper`, 0xFFFF asks the host for the next free number; as `inci`,
+// -1 (0xFFFF in the key's 16 bits) appends after the last incidence.
+constexpr int kNewRecordNumber = 0xFFFF;
+constexpr int kAppendIncidence = -1;
+
 // "Other" records, key (cmper, inci).
 bool sx_loadother(EXTAG tag, int cmper, int inci, void* buffer, int size, EVERSION version);
 bool sx_saveother(EXTAG tag, int cmper, int inci, const void* buffer, int size, EVERSION version);

@@ -10,11 +10,9 @@
 
 namespace {
 
-constexpr int32_t kOtherRecordSize = 12;
 constexpr int32_t kStaffSystemDefSize = 66;
 constexpr int32_t kZeroFilled48Size = 48;
 constexpr int32_t kZeroFilled108Size = 108;
-constexpr uint16_t kPreferenceCmper = 0xfffe;
 
 constexpr EVERSION kMapPreferencesOnSaveAbove = 0x07ffffff;
 

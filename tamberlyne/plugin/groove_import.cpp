@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr int kNewNumber = 0xFFFF;               // ask the host for the next free number
 constexpr int32_t kNewStaffDistance = 250;       // a new staff sits this far below the one above
 constexpr int kMaxRespellSteps = 128;            // more than any walk between two MIDI keys takes
 constexpr int kMidiKeys = 128;
@@ -20,7 +19,7 @@ constexpr int kMidiKeys = 128;
 // Creates a staff and places it below the staff above it; its slot in list 0 (0 when none).
 int CreateStaffBelow()
 {
-    int cmper = kNewNumber;
+    int cmper = kNewRecordNumber;
     int inci = 0;
     if (!sx_createother(kTagStaffSpec, cmper, inci, nullptr, sizeof(EDTStaffSpec2003), kPluginApiVersion)) {
         return 0;

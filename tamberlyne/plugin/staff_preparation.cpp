@@ -40,7 +40,6 @@ constexpr int kFirstChannelDef = 1;
 constexpr int kLastChannelDef = 99;
 constexpr char kChannelDefName[12] = "Tamberlyne";   // ten characters, then two zero bytes
 constexpr uint16_t kChannelUsageFlag = 0x5055;
-constexpr int kNewRecordNumber = 0xFFFF;
 
 bool LoadOther(EXTAG tag, int cmper, EDTGeneric& record)
 {

@@ -17,7 +17,6 @@ constexpr char kFallbackFont[] = "Times New Roman";
 constexpr uint16_t kFallbackFontBits = 0x1000;
 constexpr uint16_t kFallbackFontMask = 0x10FF;
 constexpr int kLookBackMeasures = 25;
-constexpr int kAppendIncidence = 0xFFFF;
 
 // Low byte of an expression's playback type.
 constexpr int kLabelHumanOn = 16;

@@ -17,8 +17,6 @@ namespace {
 constexpr int kFirstStyle = 1;
 constexpr int kLastStyle = 999;
 constexpr uint16_t kSlashStyleSfflag = 1;
-constexpr int kNewRecordNumber = 0xFFFF;
-constexpr int kAppendIncidence = -1;
 constexpr int16_t kFirstLayer = 0;
 
 }  // namespace

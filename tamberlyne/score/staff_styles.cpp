@@ -9,7 +9,6 @@
 
 namespace {
 
-constexpr int kAppendIncidence = -1;
 
 bool LoadAssignment(int inst, int inci, EDTStaffStyleAssign& assignment)
 {

@@ -15,7 +15,6 @@ constexpr int kFirstExpression = 1;
 constexpr int kLastExpression = 999;
 constexpr int32_t kHeaderSize = sizeof(EDTTextExpressionHeader);
 constexpr int32_t kSpareBytes = 2;   // allocated beyond the header, text and terminator
-constexpr uint16_t kNewRecordNumber = 0xFFFF;
 
 void CleanLineBreaks(char* text)
 {
