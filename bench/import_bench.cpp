@@ -114,6 +114,6 @@ void BM_ImportThousandMeasuresByRepeatingAGroove(benchmark::State& state)
 }
 BENCHMARK(BM_ImportThousandMeasuresByRepeatingAGroove)->Unit(benchmark::kMillisecond);
 
-}  // namespace
+}   // namespace
 
 BENCHMARK_MAIN();

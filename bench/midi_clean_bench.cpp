@@ -96,7 +96,7 @@ void BM_CleanLargeFile(benchmark::State& state)
     state.counters["file_bytes"] = static_cast<double>(file.size());
 }
 BENCHMARK(BM_CleanLargeFile)->Unit(benchmark::kMillisecond);
-}  // namespace
+}   // namespace
 
 int main(int argc, char** argv)
 {

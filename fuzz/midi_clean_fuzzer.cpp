@@ -34,7 +34,7 @@ void CleanOnce(const uint8_t* data, size_t size, int32_t fromMeasure, int32_t to
     Expect(reader.Events.empty() || reader.Events.back().stop);
     for (int key = 0; key < 128; ++key) Expect(reader.PitchMappedTo[key] <= 59);
 }
-}  // namespace
+}   // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {

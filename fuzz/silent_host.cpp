@@ -15,7 +15,7 @@ StavioFuncs SilentTable()
     table.SX_AlertMessage = &IgnoreAlert;
     return table;
 }
-}  // namespace
+}   // namespace
 
 StavioFuncs gStavioFuncs = SilentTable();
 

@@ -10,7 +10,7 @@ struct EXNOTE {
     int16_t tcd;          // diatonic steps from middle C (0 = C4)
     int16_t alteration;   // semitones
     int16_t noteID;
-    uint32_t flag;        // bits 16-20 mirror the low five bits of noteID; 0x80000000: a rest's note record
+    uint32_t flag;   // bits 16-20 mirror the low five bits of noteID; 0x80000000: a rest's note record
 };
 static_assert(sizeof(EXNOTE) == 10, "EXNOTE is 10 bytes");
 
@@ -18,14 +18,14 @@ constexpr int kMaxNotesPerEntry = 12;
 
 struct EXENTRY {
     uint32_t entnum;
-    int16_t dura;         // notated duration in EDU
+    int16_t dura;   // notated duration in EDU
     int16_t orgposi;
-    uint32_t ef;          // entry flags
+    uint32_t ef;   // entry flags
     uint16_t xef;
-    int16_t numNotes;     // 0 = a rest
+    int16_t numNotes;   // 0 = a rest
     EXNOTE note[kMaxNotesPerEntry];
-    int32_t elldur;       // start position of the entry in the measure, EDU
-    int32_t actdur;       // actual duration, EDU
+    int32_t elldur;   // start position of the entry in the measure, EDU
+    int32_t actdur;   // actual duration, EDU
     int16_t clef;
 };
 static_assert(sizeof(EXENTRY) == 146, "EXENTRY is 146 bytes");
@@ -37,10 +37,10 @@ constexpr uint32_t kEntryInTuplet = 0x00000800;   // the entry lies under a tupl
 constexpr uint32_t kNoteIsRestRecord = 0x80000000;
 
 struct TupletInfo {
-    int16_t stoff;        // index of the first entry under the tuplet
-    int16_t enoff;        // index of the last entry under the tuplet
+    int16_t stoff;   // index of the first entry under the tuplet
+    int16_t enoff;   // index of the last entry under the tuplet
     int16_t logInci;
-    int32_t tupPeriod;    // actual length the tuplet takes, EDU
+    int32_t tupPeriod;   // actual length the tuplet takes, EDU
     EDTTuplet2005 tpDef;
 };
 

@@ -10,10 +10,10 @@
 struct EDTMeasureSpec {
     int16_t measpace;
     int16_t key;
-    int16_t beats;       // number of beats
-    int16_t divbeat;     // length of one beat in EDU
+    int16_t beats;     // number of beats
+    int16_t divbeat;   // length of one beat in EDU
     uint16_t auxflag;
-    uint16_t meflag;     // 0x4000: the measure carries expressions
+    uint16_t meflag;   // 0x4000: the measure carries expressions
     int16_t dispBeats;
     int16_t dispDivbeat;
     uint16_t newflag;
@@ -41,7 +41,7 @@ struct EDTMeasureSpec2005 {
 };
 static_assert(sizeof(EDTMeasureSpec2005) == 26, "EDTMeasureSpec2005 is 26 bytes");
 
-constexpr uint16_t kMeasureAuxRefused = 0x0080;       // the plug-in may not write into this measure
+constexpr uint16_t kMeasureAuxRefused = 0x0080;   // the plug-in may not write into this measure
 constexpr uint16_t kMeasureMeflagHasExpressions = 0x4000;
 
 // 'SOIS', key (instrument, 0), 102 bytes (layout of versions 0x08000000 and later).
@@ -61,8 +61,8 @@ struct EDTStaffSpec2003 {
     int16_t dw_wRest;
     int16_t h_otherRest;
     int16_t stemReversal;
-    int16_t fullName;      // word 15: text block of the full name (0 = none)
-    int16_t abbrvName;     // word 16: text block of the abbreviated name (0 = none)
+    int16_t fullName;    // word 15: text block of the full name (0 = none)
+    int16_t abbrvName;   // word 16: text block of the abbreviated name (0 = none)
     int16_t repeatDotsOff;
     int32_t lineSpace;
     int32_t vertTabNumOff;
@@ -75,7 +75,7 @@ struct EDTStaffSpec2003 {
     int32_t vertStemEndOffUp;
     int32_t vertStemEndOffDown;
     int16_t reserved[9];
-    int16_t range[6];      // the staff's written range, carried as the host gives it
+    int16_t range[6];   // the staff's written range, carried as the host gives it
 };
 static_assert(sizeof(EDTStaffSpec2003) == 102, "EDTStaffSpec2003 is 102 bytes");
 static_assert(offsetof(EDTStaffSpec2003, fullName) == 30, "full name is word 15");
@@ -87,7 +87,7 @@ struct EDTInstrumentUsed {
     int16_t AAAA;
     int16_t BBBB;
     int16_t CCCC;
-    int32_t separ;          // vertical position of the staff, negative downward
+    int32_t separ;   // vertical position of the staff, negative downward
     int16_t measstart_meas;
     int32_t measstart_edu;
     int16_t measend_meas;
@@ -97,7 +97,7 @@ static_assert(sizeof(EDTInstrumentUsed) == 24, "EDTInstrumentUsed is 24 bytes");
 
 // 'SOTX', key (block, 0), 26 bytes (layout of versions 0x09000000 and later).
 struct EDTTextBlock2004 {
-    int16_t textID;         // word 0: number of the 'txbl' text
+    int16_t textID;   // word 0: number of the 'txbl' text
     int16_t lineSpacingPercent;
     int16_t showShape;
     int16_t shapeID;
@@ -131,7 +131,7 @@ struct EDTClefDef {
     int16_t font;
     int16_t size;
     uint16_t efx;
-    uint16_t flag;          // 0x0002: `font` is used
+    uint16_t flag;   // 0x0002: `font` is used
 };
 static_assert(sizeof(EDTClefDef) == 18, "EDTClefDef is 18 bytes");
 constexpr int16_t kPercussionClef = 12;
@@ -165,7 +165,7 @@ static_assert(sizeof(EDTGeneric) == 12, "EDTGeneric is 12 bytes");
 
 struct EXMEASPOINT {
     int16_t meas;
-    int32_t edu;            // kEndOfMeasure = to the end of the measure
+    int32_t edu;   // kEndOfMeasure = to the end of the measure
 };
 static_assert(sizeof(EXMEASPOINT) == 6, "EXMEASPOINT is 6 bytes");
 

@@ -15,15 +15,15 @@ using ECONTROL = void*;      // a control of a host dialog (opaque to the plug-i
 
 constexpr EVERSION kPluginApiVersion = 0x0C000000;   // what the plug-in passes from its own code
 constexpr TIME_EDU kEduPerQuarter = 1024;
-constexpr TIME_EDU kEndOfMeasure = 0x7FFFFFFF;       // duraPos/edu meaning "to the end of the measure"
+constexpr TIME_EDU kEndOfMeasure = 0x7FFFFFFF;   // duraPos/edu meaning "to the end of the measure"
 
 #pragma pack(push, 2)
 
 struct EMUSICPOINT {
-    uint16_t IUlist;   // instrument-usage list
-    uint16_t IUslot;   // staff slot in that list (1-based)
-    uint16_t meas;     // measure number (1-based)
-    TIME_EDU duraPos;  // position inside the measure
+    uint16_t IUlist;    // instrument-usage list
+    uint16_t IUslot;    // staff slot in that list (1-based)
+    uint16_t meas;      // measure number (1-based)
+    TIME_EDU duraPos;   // position inside the measure
 };
 static_assert(sizeof(EMUSICPOINT) == 10, "EMUSICPOINT is 10 bytes");
 

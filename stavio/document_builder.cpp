@@ -71,7 +71,7 @@ void PlaceEntries(FrameContent& content)
     }
 }
 
-}  // namespace
+}   // namespace
 
 NotePitch PitchOfKey(int midiKey)
 {
@@ -86,7 +86,10 @@ NotePitch PitchOfKey(int midiKey)
     return NotePitch{static_cast<int16_t>(kStep[semitone] + 7 * (octave - 5)), kSharp[semitone]};
 }
 
-EntrySpec Note(int midiKey, TIME_EDU duration) { return EntrySpec{duration, {PitchOfKey(midiKey)}}; }
+EntrySpec Note(int midiKey, TIME_EDU duration)
+{
+    return EntrySpec{duration, {PitchOfKey(midiKey)}};
+}
 
 EntrySpec Chord(std::initializer_list<int> midiKeys, TIME_EDU duration)
 {
@@ -97,9 +100,15 @@ EntrySpec Chord(std::initializer_list<int> midiKeys, TIME_EDU duration)
     return entry;
 }
 
-EntrySpec Pitched(std::vector<NotePitch> notes, TIME_EDU duration) { return EntrySpec{duration, std::move(notes)}; }
+EntrySpec Pitched(std::vector<NotePitch> notes, TIME_EDU duration)
+{
+    return EntrySpec{duration, std::move(notes)};
+}
 
-EntrySpec Rest(TIME_EDU duration) { return EntrySpec{duration, {}}; }
+EntrySpec Rest(TIME_EDU duration)
+{
+    return EntrySpec{duration, {}};
+}
 
 DocumentBuilder& DocumentBuilder::Measures(int count, int16_t beats, int16_t divbeat)
 {
@@ -284,8 +293,8 @@ int16_t AddTextBlock(Document& doc, const std::string& text)
 {
     EDataID textKey{};
     textKey.text.textnum = kPickNumber;
-    if (doc.CreateRecord(kTagTextBody, &textKey, text.data(), static_cast<int32_t>(text.size()),
-                         kPluginApiVersion) == 0) {
+    if (doc.CreateRecord(kTagTextBody, &textKey, text.data(), static_cast<int32_t>(text.size()), kPluginApiVersion) ==
+        0) {
         return 0;
     }
     EDTTextBlock2004 block{};
@@ -303,12 +312,12 @@ int16_t AddTextBlock(Document& doc, const std::string& text)
 std::string TextBlockText(const Document& doc, int16_t block)
 {
     EDTTextBlock2004 spec{};
-    if (block <= 0 || !doc.Read(kTagTextBlock, RecordKey::Other(static_cast<uint16_t>(block), 0), spec,
-                                kTextBlockVersion)) {
+    if (block <= 0 ||
+        !doc.Read(kTagTextBlock, RecordKey::Other(static_cast<uint16_t>(block), 0), spec, kTextBlockVersion)) {
         return {};
     }
     const auto* bytes = doc.Records().Find(kTagTextBody, RecordKey::Number(static_cast<uint16_t>(spec.textID)));
     return bytes == nullptr ? std::string() : std::string(bytes->begin(), bytes->end());
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -142,4 +142,4 @@ int16_t AddTextBlock(Document& doc, const std::string& text);
 // The text of a text block ("" when there is none).
 std::string TextBlockText(const Document& doc, int16_t block);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -5,8 +5,8 @@
 namespace stavio {
 
 struct FrameLedger::LiveFrame {
-    EXQVF2005a header{};      // what the plug-in holds a pointer to
-    FrameContent content;     // the arrays `header.pent` and `header.tpInfo` point into
+    EXQVF2005a header{};    // what the plug-in holds a pointer to
+    FrameContent content;   // the arrays `header.pent` and `header.tpInfo` point into
     int32_t inst = 0;
     int32_t meas = 0;
     int32_t layer = 0;
@@ -21,7 +21,10 @@ FrameLedger::LiveFrame* FrameLedger::Find(const EXQVF2005a* frame) const
     return found == live_.end() ? nullptr : found->second.get();
 }
 
-bool FrameLedger::IsLive(const EXQVF2005a* frame) const { return Find(frame) != nullptr; }
+bool FrameLedger::IsLive(const EXQVF2005a* frame) const
+{
+    return Find(frame) != nullptr;
+}
 
 // Points the header at the current arrays and counts.
 void FrameLedger::Publish(LiveFrame& live)
@@ -126,4 +129,4 @@ bool FrameLedger::ResizeEntries(EXQVF2005a* frame, int32_t index, int32_t count,
     return true;
 }
 
-}  // namespace stavio
+}   // namespace stavio

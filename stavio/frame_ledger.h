@@ -67,4 +67,4 @@ private:
     size_t refusedFrees_ = 0;
 };
 
-}  // namespace stavio
+}   // namespace stavio

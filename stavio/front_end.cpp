@@ -6,11 +6,16 @@
 
 namespace stavio {
 
-bool IsQuestion(int32_t style) { return style == kAlertQuestion; }
+bool IsQuestion(int32_t style)
+{
+    return style == kAlertQuestion;
+}
 
-void FrontEnd::RunDialog(DialogSession&) {}
+void FrontEnd::RunDialog(DialogSession&)
+{}
 
-ScriptedFrontEnd::ScriptedFrontEnd(std::vector<int32_t> answers) : answers_(answers.begin(), answers.end()) {}
+ScriptedFrontEnd::ScriptedFrontEnd(std::vector<int32_t> answers) : answers_(answers.begin(), answers.end())
+{}
 
 int32_t ScriptedFrontEnd::Alert(const AlertRequest& request)
 {
@@ -40,18 +45,27 @@ DialogAction MakeAction(DialogAction::Kind kind, int16_t item = 0, int number = 
     return action;
 }
 
-}  // namespace
+}   // namespace
 
-DialogAction DialogAction::PressItem(int16_t item) { return MakeAction(Kind::Press, item); }
+DialogAction DialogAction::PressItem(int16_t item)
+{
+    return MakeAction(Kind::Press, item);
+}
 
-DialogAction DialogAction::ChooseEntry(int16_t item, int entry) { return MakeAction(Kind::Choose, item, entry); }
+DialogAction DialogAction::ChooseEntry(int16_t item, int entry)
+{
+    return MakeAction(Kind::Choose, item, entry);
+}
 
 DialogAction DialogAction::ChooseEntryNamed(int16_t item, std::string text)
 {
     return MakeAction(Kind::ChooseNamed, item, 0, std::move(text));
 }
 
-DialogAction DialogAction::ClickListRow(int16_t item, int row) { return MakeAction(Kind::ClickRow, item, row); }
+DialogAction DialogAction::ClickListRow(int16_t item, int row)
+{
+    return MakeAction(Kind::ClickRow, item, row);
+}
 
 DialogAction DialogAction::ClickListRowNamed(int16_t item, std::string text)
 {
@@ -67,40 +81,30 @@ DialogAction DialogAction::ClickAt(toolbox::Point point, toolbox::Modifiers modi
     return action;
 }
 
-DialogAction DialogAction::PressCloseBox() { return MakeAction(Kind::CloseBox); }
+DialogAction DialogAction::PressCloseBox()
+{
+    return MakeAction(Kind::CloseBox);
+}
 
-DialogAction DialogAction::LetTimersFire() { return MakeAction(Kind::WaitForTimers); }
+DialogAction DialogAction::LetTimersFire()
+{
+    return MakeAction(Kind::WaitForTimers);
+}
 
 std::string DialogAction::Describe() const
 {
     std::ostringstream text;
     switch (kind) {
-    case Kind::Press:
-        text << "press item " << item;
-        break;
-    case Kind::Choose:
-        text << "choose entry " << number << " of pop-up " << item;
-        break;
-    case Kind::ChooseNamed:
-        text << "choose \"" << this->text << "\" in pop-up " << item;
-        break;
-    case Kind::ClickRow:
-        text << "click row " << number << " of the list in item " << item;
-        break;
-    case Kind::ClickRowNamed:
-        text << "click \"" << this->text << "\" in the list in item " << item;
-        break;
-    case Kind::Click:
-        text << "click at (" << point.x << ", " << point.y << ")";
-        break;
-    case Kind::CloseBox:
-        text << "press the close box";
-        break;
-    case Kind::WaitForTimers:
-        text << "wait for the dialog's timers";
-        break;
+        case Kind::Press: text << "press item " << item; break;
+        case Kind::Choose: text << "choose entry " << number << " of pop-up " << item; break;
+        case Kind::ChooseNamed: text << "choose \"" << this->text << "\" in pop-up " << item; break;
+        case Kind::ClickRow: text << "click row " << number << " of the list in item " << item; break;
+        case Kind::ClickRowNamed: text << "click \"" << this->text << "\" in the list in item " << item; break;
+        case Kind::Click: text << "click at (" << point.x << ", " << point.y << ")"; break;
+        case Kind::CloseBox: text << "press the close box"; break;
+        case Kind::WaitForTimers: text << "wait for the dialog's timers"; break;
     }
     return text.str();
 }
 
-}  // namespace stavio
+}   // namespace stavio

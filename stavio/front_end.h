@@ -24,9 +24,9 @@ namespace stavio {
 class DialogSession;
 
 struct AlertRequest {
-    int32_t style = 0;        // 16 stop, 48 warning, 36 Yes/No question, 0 plain notice
-    int32_t stringId = 0;     // 0 when the caller gave the text itself
-    std::string text;         // the resolved text
+    int32_t style = 0;      // 16 stop, 48 warning, 36 Yes/No question, 0 plain notice
+    int32_t stringId = 0;   // 0 when the caller gave the text itself
+    std::string text;       // the resolved text
 };
 
 // An alert as shown, and the button that answered it.
@@ -72,14 +72,14 @@ private:
 // One step of a dialog script, done as a person would do it: through the dialog's own items.
 struct DialogAction {
     enum class Kind {
-        Press,             // press button, radio button or checkbox `item`
-        Choose,            // choose entry `number` (from 1) of pop-up `item`
-        ChooseNamed,       // choose the entry of pop-up `item` that reads `text`
-        ClickRow,          // click row `number` (from 1) of the list inside item `item`
-        ClickRowNamed,     // click the row of that list that reads `text`
-        Click,             // press the mouse at `point` with `modifiers`
-        CloseBox,          // the window's close box
-        WaitForTimers,     // let time pass until the next timer fires
+        Press,           // press button, radio button or checkbox `item`
+        Choose,          // choose entry `number` (from 1) of pop-up `item`
+        ChooseNamed,     // choose the entry of pop-up `item` that reads `text`
+        ClickRow,        // click row `number` (from 1) of the list inside item `item`
+        ClickRowNamed,   // click the row of that list that reads `text`
+        Click,           // press the mouse at `point` with `modifiers`
+        CloseBox,        // the window's close box
+        WaitForTimers,   // let time pass until the next timer fires
     };
     Kind kind = Kind::Press;
     int16_t item = 0;
@@ -140,4 +140,4 @@ private:
     std::optional<DialogScript> dialogScript_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

@@ -21,11 +21,20 @@ std::string PacketText(const char* field, size_t capacity)
     return std::string(field, strnlen(field, capacity));
 }
 
-}  // namespace
+}   // namespace
 
-std::string PluginInfo::MenuItem() const { return PacketText(menu.menuItem, sizeof(menu.menuItem)); }
-std::string PluginInfo::StatusText() const { return PacketText(menu.msgString, sizeof(menu.msgString)); }
-std::string PluginInfo::UndoText() const { return PacketText(menu.undoString, sizeof(menu.undoString)); }
+std::string PluginInfo::MenuItem() const
+{
+    return PacketText(menu.menuItem, sizeof(menu.menuItem));
+}
+std::string PluginInfo::StatusText() const
+{
+    return PacketText(menu.msgString, sizeof(menu.msgString));
+}
+std::string PluginInfo::UndoText() const
+{
+    return PacketText(menu.undoString, sizeof(menu.undoString));
+}
 
 struct Host::Impl {
     HostSettings settings;
@@ -62,19 +71,36 @@ Host::~Host()
     }
 }
 
-Host* Host::Current() { return gCurrentHost; }
+Host* Host::Current()
+{
+    return gCurrentHost;
+}
 
-void Host::MakeCurrent() { gCurrentHost = this; }
+void Host::MakeCurrent()
+{
+    gCurrentHost = this;
+}
 
-const HostSettings& Host::Settings() const { return impl_->settings; }
-HostPose Host::Pose() const { return impl_->settings.pose; }
-uint32_t Host::TableVersion() const { return impl_->table.version; }
-const StavioFuncs& Host::FunctionTable() const { return impl_->table; }
+const HostSettings& Host::Settings() const
+{
+    return impl_->settings;
+}
+HostPose Host::Pose() const
+{
+    return impl_->settings.pose;
+}
+uint32_t Host::TableVersion() const
+{
+    return impl_->table.version;
+}
+const StavioFuncs& Host::FunctionTable() const
+{
+    return impl_->table;
+}
 
 std::string Host::ApplicationFolder() const
 {
-    return impl_->settings.applicationFolder.empty() ? toolbox::ApplicationFolder()
-                                                     : impl_->settings.applicationFolder;
+    return impl_->settings.applicationFolder.empty() ? toolbox::ApplicationFolder() : impl_->settings.applicationFolder;
 }
 
 std::string Host::PluginFolder() const
@@ -82,16 +108,40 @@ std::string Host::PluginFolder() const
     return impl_->settings.pluginFolder.empty() ? ApplicationFolder() + "/PlugIns" : impl_->settings.pluginFolder;
 }
 
-Document& Host::document() { return impl_->document; }
-const Document& Host::document() const { return impl_->document; }
-void Host::SetDocument(Document doc) { impl_->document = std::move(doc); }
+Document& Host::document()
+{
+    return impl_->document;
+}
+const Document& Host::document() const
+{
+    return impl_->document;
+}
+void Host::SetDocument(Document doc)
+{
+    impl_->document = std::move(doc);
+}
 
-FrameLedger& Host::Frames() { return impl_->frames; }
-size_t Host::LiveFrameCount() const { return impl_->frames.LiveCount(); }
-size_t Host::RefusedFrameFrees() const { return impl_->frames.RefusedFrees(); }
+FrameLedger& Host::Frames()
+{
+    return impl_->frames;
+}
+size_t Host::LiveFrameCount() const
+{
+    return impl_->frames.LiveCount();
+}
+size_t Host::RefusedFrameFrees() const
+{
+    return impl_->frames.RefusedFrees();
+}
 
-FrontEnd& Host::frontEnd() { return impl_->frontEnd != nullptr ? *impl_->frontEnd : impl_->silentFrontEnd; }
-void Host::SetFrontEnd(FrontEnd* frontEnd) { impl_->frontEnd = frontEnd; }
+FrontEnd& Host::frontEnd()
+{
+    return impl_->frontEnd != nullptr ? *impl_->frontEnd : impl_->silentFrontEnd;
+}
+void Host::SetFrontEnd(FrontEnd* frontEnd)
+{
+    impl_->frontEnd = frontEnd;
+}
 
 // ---- Plug-ins --------------------------------------------------------------------------------------------
 
@@ -134,8 +184,14 @@ void Host::UnloadPlugins()
     impl_->plugins.clear();
 }
 
-const std::vector<PluginInfo>& Host::Plugins() const { return impl_->plugins; }
-const std::vector<PluginFailure>& Host::Failures() const { return impl_->failures; }
+const std::vector<PluginInfo>& Host::Plugins() const
+{
+    return impl_->plugins;
+}
+const std::vector<PluginFailure>& Host::Failures() const
+{
+    return impl_->failures;
+}
 
 int32_t Host::Invoke(size_t plugin, const EREGION* selection)
 {
@@ -180,10 +236,19 @@ bool Host::CurrentSelection(EREGION& selection) const
     return impl_->hasSelection;
 }
 
-int32_t Host::RedrawCount() const { return impl_->redraws; }
-void Host::NoteRedraw() { ++impl_->redraws; }
+int32_t Host::RedrawCount() const
+{
+    return impl_->redraws;
+}
+void Host::NoteRedraw()
+{
+    ++impl_->redraws;
+}
 
-const std::vector<DialogRequest>& Host::DialogRequests() const { return impl_->dialogs; }
+const std::vector<DialogRequest>& Host::DialogRequests() const
+{
+    return impl_->dialogs;
+}
 
 int32_t Host::RequestDialog(int32_t dialogId, SXDialogHandlerRef handler, void* userData, int32_t modal,
                             uint32_t* flags)
@@ -232,4 +297,4 @@ std::string ResolveAlertText(int32_t stringId)
     return text.value_or(std::string());
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -114,8 +114,7 @@ public:
     int32_t RedrawCount() const;
     void NoteRedraw();
     const std::vector<DialogRequest>& DialogRequests() const;
-    int32_t RequestDialog(int32_t dialogId, SXDialogHandlerRef handler, void* userData, int32_t modal,
-                          uint32_t* flags);
+    int32_t RequestDialog(int32_t dialogId, SXDialogHandlerRef handler, void* userData, int32_t modal, uint32_t* flags);
     // Shows an alert through the front end; the text is resolved as SX_AlertMessage does.
     int32_t Alert(int32_t style, int32_t stringId, const char* text);
 
@@ -128,4 +127,4 @@ private:
 // through the resource chain ("" when it cannot be found).
 std::string ResolveAlertText(int32_t stringId);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -25,7 +25,8 @@ int main(int argc, char** argv)
             const fs::path temporary = output / (groove.fileName + ".tmp");
             {
                 std::ofstream out(temporary, std::ios::binary | std::ios::trunc);
-                out.write(reinterpret_cast<const char*>(groove.bytes.data()), static_cast<std::streamsize>(groove.bytes.size()));
+                out.write(reinterpret_cast<const char*>(groove.bytes.data()),
+                          static_cast<std::streamsize>(groove.bytes.size()));
                 if (!out.flush()) throw std::runtime_error(temporary.string() + ": cannot write");
             }
             fs::rename(temporary, target);

@@ -27,10 +27,11 @@ std::vector<RenderedGroove> RenderLibrary(const std::string& patternDir)
         text << in.rdbuf();
         if (!in) throw PatternError(file.string() + ": cannot read");
         const GroovePattern pattern = ParsePattern(text.str(), file.string());
-        if (!titles.insert(pattern.title).second) throw PatternError(file.string() + ": title '" + pattern.title + "' is used twice");
+        if (!titles.insert(pattern.title).second)
+            throw PatternError(file.string() + ": title '" + pattern.title + "' is used twice");
         library.push_back({pattern.title + ".mid", RenderMidiFile(pattern)});
     }
     return library;
 }
 
-}  // namespace grooves
+}   // namespace grooves

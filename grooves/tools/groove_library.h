@@ -8,7 +8,7 @@
 namespace grooves {
 
 struct RenderedGroove {
-    std::string fileName;        // "<title>.mid"
+    std::string fileName;   // "<title>.mid"
     std::vector<uint8_t> bytes;
 };
 
@@ -16,4 +16,4 @@ struct RenderedGroove {
 // naming the file and line of the first problem, or when two grooves share a title.
 std::vector<RenderedGroove> RenderLibrary(const std::string& patternDir);
 
-}  // namespace grooves
+}   // namespace grooves

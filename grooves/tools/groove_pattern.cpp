@@ -10,18 +10,16 @@ namespace {
 const std::map<std::string, int>& KitPieces()
 {
     static const std::map<std::string, int> pieces = {
-        {"kick2", 35},        {"kick", 36},           {"sidestick", 37},    {"snare", 38},
-        {"clap", 39},         {"snare2", 40},         {"lowfloortom", 41},  {"hihat", 42},
-        {"floortom", 43},     {"pedalhat", 44},       {"lowtom", 45},       {"openhat", 46},
-        {"lowmidtom", 47},    {"himidtom", 48},       {"crash", 49},        {"hightom", 50},
-        {"ride", 51},         {"china", 52},          {"ridebell", 53},     {"tambourine", 54},
-        {"splash", 55},       {"cowbell", 56},        {"crash2", 57},       {"vibraslap", 58},
-        {"ride2", 59},        {"hibongo", 60},        {"lobongo", 61},      {"muteconga", 62},
-        {"hiconga", 63},      {"loconga", 64},        {"hitimbale", 65},    {"lotimbale", 66},
-        {"hiagogo", 67},      {"loagogo", 68},        {"cabasa", 69},       {"maracas", 70},
-        {"shortwhistle", 71}, {"longwhistle", 72},    {"shortguiro", 73},   {"longguiro", 74},
-        {"claves", 75},       {"hiwoodblock", 76},    {"lowoodblock", 77},  {"mutecuica", 78},
-        {"opencuica", 79},    {"mutetriangle", 80},   {"opentriangle", 81},
+        {"kick2", 35},        {"kick", 36},         {"sidestick", 37},   {"snare", 38},      {"clap", 39},
+        {"snare2", 40},       {"lowfloortom", 41},  {"hihat", 42},       {"floortom", 43},   {"pedalhat", 44},
+        {"lowtom", 45},       {"openhat", 46},      {"lowmidtom", 47},   {"himidtom", 48},   {"crash", 49},
+        {"hightom", 50},      {"ride", 51},         {"china", 52},       {"ridebell", 53},   {"tambourine", 54},
+        {"splash", 55},       {"cowbell", 56},      {"crash2", 57},      {"vibraslap", 58},  {"ride2", 59},
+        {"hibongo", 60},      {"lobongo", 61},      {"muteconga", 62},   {"hiconga", 63},    {"loconga", 64},
+        {"hitimbale", 65},    {"lotimbale", 66},    {"hiagogo", 67},     {"loagogo", 68},    {"cabasa", 69},
+        {"maracas", 70},      {"shortwhistle", 71}, {"longwhistle", 72}, {"shortguiro", 73}, {"longguiro", 74},
+        {"claves", 75},       {"hiwoodblock", 76},  {"lowoodblock", 77}, {"mutecuica", 78},  {"opencuica", 79},
+        {"mutetriangle", 80}, {"opentriangle", 81},
     };
     return pieces;
 }
@@ -48,7 +46,8 @@ int NoteNumber(const std::string& name)
     size_t i = 1;
     if (i < name.size() && (name[i] == '#' || name[i] == 'b')) key += name[i++] == '#' ? 1 : -1;
     const std::string octave = name.substr(i);
-    if (octave.empty() || (octave != "-1" && !(octave.size() == 1 && std::isdigit(static_cast<unsigned char>(octave[0])))))
+    if (octave.empty() ||
+        (octave != "-1" && !(octave.size() == 1 && std::isdigit(static_cast<unsigned char>(octave[0])))))
         return -1;
     key += (std::stoi(octave) + 1) * 12;
     return key >= 0 && key <= 127 ? key : -1;
@@ -103,7 +102,8 @@ private:
             used = 0;
         }
         if (used != token.size() || value < low || value > high)
-            Fail(std::string("bad ") + what + " '" + token + "' (" + std::to_string(low) + ".." + std::to_string(high) + ")");
+            Fail(std::string("bad ") + what + " '" + token + "' (" + std::to_string(low) + ".." + std::to_string(high) +
+                 ")");
         return value;
     }
 
@@ -174,9 +174,12 @@ private:
         if (!(words >> track.name)) Fail("a track needs a name");
         std::string option;
         while (words >> option) {
-            if (option == "channel") track.channel = Number(words, "channel", 1, 16);
-            else if (option == "program") track.program = Number(words, "program", 0, 127);
-            else Fail("unknown track option '" + option + "'");
+            if (option == "channel")
+                track.channel = Number(words, "channel", 1, 16);
+            else if (option == "program")
+                track.program = Number(words, "program", 0, 127);
+            else
+                Fail("unknown track option '" + option + "'");
         }
         pattern_.tracks.push_back(track);
     }
@@ -196,8 +199,8 @@ private:
         const size_t perBar = static_cast<size_t>(pattern_.stepsPerBar);
         if (cells == perBar) return pattern_.bars;
         if (cells == perBar * static_cast<size_t>(pattern_.bars)) return 1;
-        Fail("a line has " + std::to_string(cells) + " steps; one bar has " + std::to_string(perBar) + " and the groove " +
-             std::to_string(perBar * pattern_.bars));
+        Fail("a line has " + std::to_string(cells) + " steps; one bar has " + std::to_string(perBar) +
+             " and the groove " + std::to_string(perBar * pattern_.bars));
     }
 
     void ParseDrumLine(int key, std::istringstream& words)
@@ -267,7 +270,7 @@ private:
     GroovePattern pattern_;
 };
 
-}  // namespace
+}   // namespace
 
 int GroovePattern::StepTick(int step) const
 {
@@ -288,4 +291,4 @@ GroovePattern ParsePattern(const std::string& text, const std::string& source)
     return Parser(source).Parse(text);
 }
 
-}  // namespace grooves
+}   // namespace grooves

@@ -23,24 +23,24 @@ struct GridNote {
 
 struct PatternTrack {
     std::string name;
-    int channel = 10;        // 1..16
-    int program = -1;        // -1: no program change
+    int channel = 10;   // 1..16
+    int program = -1;   // -1: no program change
     std::vector<GridNote> notes;
     bool IsDrums() const { return channel == 10; }
 };
 
 struct GroovePattern {
-    std::string title;       // also the file name, without ".mid"
+    std::string title;   // also the file name, without ".mid"
     int numerator = 4;
     int denominator = 4;
-    int division = 480;      // ticks per quarter note
-    int tempo = 120;         // quarter notes per minute
-    int format = 1;          // 0: one track; 1: tempo track plus one track per part
+    int division = 480;   // ticks per quarter note
+    int tempo = 120;      // quarter notes per minute
+    int format = 1;       // 0: one track; 1: tempo track plus one track per part
     int stepsPerBar = 8;
     int bars = 1;
-    int swing = 50;          // where the second step of each pair starts, in percent of the pair
+    int swing = 50;   // where the second step of each pair starts, in percent of the pair
     bool runningStatus = false;
-    std::vector<int> ending; // kit pieces struck on the downbeat after the last bar
+    std::vector<int> ending;   // kit pieces struck on the downbeat after the last bar
     std::vector<PatternTrack> tracks;
 
     int BarTicks() const { return numerator * division * 4 / denominator; }
@@ -55,4 +55,4 @@ GroovePattern ParsePattern(const std::string& text, const std::string& source);
 // General MIDI drum key of a kit piece name ("kick", "hiconga" ...), or -1.
 int DrumKey(const std::string& piece);
 
-}  // namespace grooves
+}   // namespace grooves

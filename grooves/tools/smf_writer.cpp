@@ -8,7 +8,13 @@ namespace {
 
 // Messages at one tick: meta events first, then program changes, note-offs, note-ons; the
 // end of the track after everything.
-enum Order { kMeta = 0, kProgram = 1, kNoteOff = 2, kNoteOn = 3, kEndOfTrack = 4 };
+enum Order {
+    kMeta = 0,
+    kProgram = 1,
+    kNoteOff = 2,
+    kNoteOn = 3,
+    kEndOfTrack = 4
+};
 
 struct TimedMessage {
     int tick;
@@ -34,7 +40,9 @@ public:
     {
         Meta(endTick, 0x2F, {}, kEndOfTrack);
         std::stable_sort(messages_.begin(), messages_.end(), [](const TimedMessage& a, const TimedMessage& b) {
-            return a.tick != b.tick ? a.tick < b.tick : a.order != b.order ? a.order < b.order : a.sequence < b.sequence;
+            return a.tick != b.tick     ? a.tick < b.tick
+                   : a.order != b.order ? a.order < b.order
+                                        : a.sequence < b.sequence;
         });
         std::vector<uint8_t> body;
         int previousTick = 0;
@@ -97,7 +105,8 @@ void AddConductor(TrackBuilder& track, const GroovePattern& p)
     const uint32_t micros = static_cast<uint32_t>(60000000 / p.tempo);
     track.Meta(0, 0x03, Text(p.title));
     track.Meta(0, 0x58, TimeSignature(p));
-    track.Meta(0, 0x51, {static_cast<uint8_t>(micros >> 16), static_cast<uint8_t>(micros >> 8), static_cast<uint8_t>(micros)});
+    track.Meta(0, 0x51,
+               {static_cast<uint8_t>(micros >> 16), static_cast<uint8_t>(micros >> 8), static_cast<uint8_t>(micros)});
 }
 
 // Adds a part's program change and notes; returns the tick of its last note-off.
@@ -110,11 +119,14 @@ int AddPart(TrackBuilder& track, const GroovePattern& p, const PatternTrack& par
         track.Meta(0, 0x03, Text(part.name));
         track.Meta(0, 0x58, TimeSignature(p));
     }
-    if (part.program >= 0) track.Channel(0, kProgram, {static_cast<uint8_t>(0xC0 | channel), static_cast<uint8_t>(part.program)});
+    if (part.program >= 0)
+        track.Channel(0, kProgram, {static_cast<uint8_t>(0xC0 | channel), static_cast<uint8_t>(part.program)});
     const int stepTicks = p.StepTicks();
     int lastOff = 0;
     auto addNote = [&](int on, int off, int key, int velocity) {
-        track.Channel(on, kNoteOn, {static_cast<uint8_t>(0x90 | channel), static_cast<uint8_t>(key), static_cast<uint8_t>(velocity)});
+        track.Channel(
+            on, kNoteOn,
+            {static_cast<uint8_t>(0x90 | channel), static_cast<uint8_t>(key), static_cast<uint8_t>(velocity)});
         // Note-off as note-on with velocity 0 where running status is wanted.
         if (p.runningStatus)
             track.Channel(off, kNoteOff, {static_cast<uint8_t>(0x90 | channel), static_cast<uint8_t>(key), 0});
@@ -125,13 +137,14 @@ int AddPart(TrackBuilder& track, const GroovePattern& p, const PatternTrack& par
     for (const GridNote& n : part.notes) {
         const int on = p.StepTick(n.step);
         // Drum hits are short; pitched notes sound until just before the next step.
-        const int off = part.IsDrums() ? on + std::max(1, stepTicks / 2) : p.StepTick(n.step + n.steps) - std::max(1, stepTicks / 8);
+        const int off = part.IsDrums() ? on + std::max(1, stepTicks / 2)
+                                       : p.StepTick(n.step + n.steps) - std::max(1, stepTicks / 8);
         addNote(on, off, n.key, n.velocity);
     }
     return lastOff;
 }
 
-}  // namespace
+}   // namespace
 
 std::vector<uint8_t> RenderMidiFile(const GroovePattern& p)
 {
@@ -164,4 +177,4 @@ std::vector<uint8_t> RenderMidiFile(const GroovePattern& p)
     return file;
 }
 
-}  // namespace grooves
+}   // namespace grooves

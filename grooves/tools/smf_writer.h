@@ -10,4 +10,4 @@ namespace grooves {
 
 std::vector<uint8_t> RenderMidiFile(const GroovePattern& pattern);
 
-}  // namespace grooves
+}   // namespace grooves

@@ -25,7 +25,7 @@ bool IsOption(const std::string& argument, const std::string& name)
     return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
 }
 
-}  // namespace
+}   // namespace
 
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& error)
 {
@@ -66,4 +66,4 @@ bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& err
     return true;
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

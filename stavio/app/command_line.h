@@ -20,4 +20,4 @@ struct CommandLine {
 // Parses argv[1..]. On failure returns false and sets `error` to a message for a person.
 bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& error);
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -10,8 +10,8 @@ const std::vector<Command>& Commands()
 {
     static const std::vector<Command> commands = {
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
-        {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)",
-         RunFillCommand, FillUsageText},
+        {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)", RunFillCommand,
+         FillUsageText},
     };
     return commands;
 }
@@ -40,4 +40,4 @@ std::string UsageText()
     return text.str();
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -28,4 +28,4 @@ std::string UsageText();
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -14,4 +14,4 @@ Document BuildDemoDocument()
         .Build();
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -11,4 +11,4 @@ constexpr int kDemoDrumSlot = 2;
 
 Document BuildDemoDocument();
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -77,14 +77,10 @@ DialogScript ScriptFor(const FillOptions& options)
 const char* StyleWord(int32_t style)
 {
     switch (style) {
-    case kAlertStop:
-        return "stop";
-    case kAlertWarning:
-        return "warning";
-    case kAlertQuestion:
-        return "question";
-    default:
-        return "notice";
+        case kAlertStop: return "stop";
+        case kAlertWarning: return "warning";
+        case kAlertQuestion: return "question";
+        default: return "notice";
     }
 }
 
@@ -196,7 +192,8 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
     out << "],\"dialogs\":[";
     for (size_t i = 0; i < report.dialogs.size(); ++i) {
         const DialogOutcome& dialog = report.dialogs[i];
-        out << (i > 0 ? "," : "") << "{\"id\":" << dialog.dialogId << ",\"opened\":" << (dialog.opened ? "true" : "false")
+        out << (i > 0 ? "," : "") << "{\"id\":" << dialog.dialogId
+            << ",\"opened\":" << (dialog.opened ? "true" : "false")
             << ",\"shown\":" << (dialog.shown ? "true" : "false") << ",\"result\":" << dialog.result
             << ",\"problem\":" << (dialog.problem.empty() ? "null" : JsonString(dialog.problem)) << ",\"notes\":[";
         for (size_t n = 0; n < dialog.notes.size(); ++n) {
@@ -209,7 +206,7 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
     out << ",\"message\":" << (report.message.empty() ? "null" : JsonString(report.message)) << "}\n";
 }
 
-}  // namespace
+}   // namespace
 
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
@@ -220,8 +217,8 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         return kExitUsage;
     }
     if (options.measures && options.measures->last > kDemoMeasures) {
-        err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures "
-            << options.measures->first << "-" << options.measures->last << " goes past its end\n";
+        err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
+            << "-" << options.measures->last << " goes past its end\n";
         return kExitUsage;
     }
 
@@ -295,4 +292,4 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     return kExitOk;
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -7,8 +7,8 @@ namespace stavio::app {
 namespace {
 
 // "--name=value" or "--name value".
-bool TakeValue(const std::vector<std::string>& arguments, size_t& index, const std::string& name,
-               std::string& value, std::string& error)
+bool TakeValue(const std::vector<std::string>& arguments, size_t& index, const std::string& name, std::string& value,
+               std::string& error)
 {
     const std::string& argument = arguments[index];
     if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
@@ -74,17 +74,14 @@ bool ReadStyle(const std::string& text, GrooveStyle& style, std::string& error)
     return false;
 }
 
-}  // namespace
+}   // namespace
 
 const char* StyleOptionName(GrooveStyle style)
 {
     switch (style) {
-    case GrooveStyle::DrumStaff:
-        return "drums";
-    case GrooveStyle::PercussionClef:
-        return "percussion-clef";
-    case GrooveStyle::Slashes:
-        return "slashes";
+        case GrooveStyle::DrumStaff: return "drums";
+        case GrooveStyle::PercussionClef: return "percussion-clef";
+        case GrooveStyle::Slashes: return "slashes";
     }
     return "drums";
 }
@@ -175,4 +172,4 @@ std::string FillUsageText()
            "(its message is printed), 2 for wrong usage.\n";
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -7,7 +7,11 @@
 
 namespace stavio::app {
 
-enum class GrooveStyle { DrumStaff = 0, PercussionClef = 1, Slashes = 2 };
+enum class GrooveStyle {
+    DrumStaff = 0,
+    PercussionClef = 1,
+    Slashes = 2
+};
 
 struct MeasureRange {
     int first = 0;
@@ -20,8 +24,8 @@ struct FillOptions {
     std::optional<std::string> staff;       // a staff's name, or its number in the staff pop-up
     std::optional<GrooveStyle> style;
     bool newStaff = false;
-    std::optional<bool> answerYes;          // --yes / --no; none: questions are answered No
-    std::optional<std::string> library;     // the folder holding the .mid files
+    std::optional<bool> answerYes;        // --yes / --no; none: questions are answered No
+    std::optional<std::string> library;   // the folder holding the .mid files
     bool interactive = false;
     bool json = false;
 };
@@ -36,4 +40,4 @@ const char* StyleOptionName(GrooveStyle style);
 // The part of the usage text that describes the fill command.
 std::string FillUsageText();
 
-}  // namespace stavio::app
+}   // namespace stavio::app

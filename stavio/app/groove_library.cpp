@@ -83,8 +83,8 @@ bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std:
     }
     if (folder.filename() != kGrooveFolderName) {
         error = "the groove library must be a folder named \"" + std::string(kGrooveFolderName) +
-                "\" (the plug-in looks for that name), but " + option + " is named \"" +
-                folder.filename().string() + "\"";
+                "\" (the plug-in looks for that name), but " + option + " is named \"" + folder.filename().string() +
+                "\"";
         return false;
     }
     library.folder = folder.string();
@@ -92,7 +92,7 @@ bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std:
     return true;
 }
 
-}  // namespace
+}   // namespace
 
 std::string BundledLibraryFolder()
 {
@@ -136,4 +136,4 @@ bool IsWritableFolder(const std::string& folder)
     return access(folder.c_str(), W_OK | X_OK) == 0;
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -32,4 +32,4 @@ bool ResolveGrooveLibrary(const std::optional<std::string>& libraryOption, const
 // Whether files can be created in the folder.
 bool IsWritableFolder(const std::string& folder);
 
-}  // namespace stavio::app
+}   // namespace stavio::app

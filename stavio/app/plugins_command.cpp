@@ -39,4 +39,4 @@ int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& 
     return kExitOk;
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -22,10 +22,10 @@ constexpr int16_t kPercussionClef = 12;
 struct StaffSummary {
     std::string name;
     bool playsOnChannel10 = false;
-    int16_t clef = -1;              // in the first measure of the region; -1 without a frame detail
+    int16_t clef = -1;   // in the first measure of the region; -1 without a frame detail
     bool drumStaffRecord = false;
     int styleAssignments = 0;
-    int entries = 0;                // in the region's measures, all layers
+    int entries = 0;   // in the region's measures, all layers
     int notes = 0;
 
     bool operator==(const StaffSummary& other) const
@@ -49,8 +49,8 @@ std::optional<StaffSummary> Summarise(const Document& doc, int32_t inst, const E
     }
     const std::optional<int16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
     summary.playsOnChannel10 = channel && PlaysOnChannel10(*channel);
-    const RecordStore::Bytes* hold = doc.Records().Find(
-        kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), region.start.meas, 0));
+    const RecordStore::Bytes* hold =
+        doc.Records().Find(kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), region.start.meas, 0));
     if (hold != nullptr && hold->size() >= sizeof(int16_t)) {
         std::memcpy(&summary.clef, hold->data(), sizeof(int16_t));
     }
@@ -92,9 +92,9 @@ std::string ClefText(int16_t clef)
 
 std::string MeasuresText(const EREGION& region)
 {
-    return region.start.meas == region.end.meas ? "measure " + std::to_string(region.start.meas)
-                                                 : "measures " + std::to_string(region.start.meas) + "-" +
-                                                       std::to_string(region.end.meas);
+    return region.start.meas == region.end.meas
+               ? "measure " + std::to_string(region.start.meas)
+               : "measures " + std::to_string(region.start.meas) + "-" + std::to_string(region.end.meas);
 }
 
 void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& before, const StaffSummary& after,
@@ -110,7 +110,8 @@ void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& b
         out << "\n";
     };
     auto yesNo = [](bool value) { return std::string(value ? "yes" : "no"); };
-    line("MIDI channel 10", yesNo(after.playsOnChannel10), before ? std::optional<std::string>(yesNo(before->playsOnChannel10)) : std::nullopt);
+    line("MIDI channel 10", yesNo(after.playsOnChannel10),
+         before ? std::optional<std::string>(yesNo(before->playsOnChannel10)) : std::nullopt);
     line("drum staff record", yesNo(after.drumStaffRecord),
          before ? std::optional<std::string>(yesNo(before->drumStaffRecord)) : std::nullopt);
     line(("clef in measure " + std::to_string(region.start.meas)).c_str(), ClefText(after.clef),
@@ -140,36 +141,26 @@ void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<St
         << ",\"before\":" << (before ? object(*before) : "null") << ",\"entries\":" << entries << "}";
 }
 
-}  // namespace
+}   // namespace
 
 std::string JsonString(const std::string& text)
 {
     std::string quoted = "\"";
     for (unsigned char c : text) {
         switch (c) {
-        case '"':
-            quoted += "\\\"";
-            break;
-        case '\\':
-            quoted += "\\\\";
-            break;
-        case '\n':
-            quoted += "\\n";
-            break;
-        case '\r':
-            quoted += "\\r";
-            break;
-        case '\t':
-            quoted += "\\t";
-            break;
-        default:
-            if (c < 0x20) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof(escaped), "\\u%04x", c);
-                quoted += escaped;
-            } else {
-                quoted += static_cast<char>(c);
-            }
+            case '"': quoted += "\\\""; break;
+            case '\\': quoted += "\\\\"; break;
+            case '\n': quoted += "\\n"; break;
+            case '\r': quoted += "\\r"; break;
+            case '\t': quoted += "\\t"; break;
+            default:
+                if (c < 0x20) {
+                    char escaped[8];
+                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", c);
+                    quoted += escaped;
+                } else {
+                    quoted += static_cast<char>(c);
+                }
         }
     }
     return quoted + "\"";
@@ -216,4 +207,4 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
     }
 }
 
-}  // namespace stavio::app
+}   // namespace stavio::app

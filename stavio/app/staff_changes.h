@@ -14,7 +14,10 @@
 
 namespace stavio::app {
 
-enum class ReportFormat { Text, Json };
+enum class ReportFormat {
+    Text,
+    Json
+};
 
 // Writes the staves of `after` (a staff that is new has no "before"). `measures` is the region
 // the command worked on; only its measure numbers are used. Text: a few lines per staff. Json:
@@ -25,4 +28,4 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
 // A JSON string literal of `text`.
 std::string JsonString(const std::string& text);
 
-}  // namespace stavio::app
+}   // namespace stavio::app

@@ -19,7 +19,7 @@ private:
     toolbox::Dialog* dialog_;
 };
 
-}  // namespace
+}   // namespace
 
 int32_t RunDialogRequest(const DialogRequest& request, FrontEnd& frontEnd)
 {
@@ -71,4 +71,4 @@ int32_t RunDialogRequest(const DialogRequest& request, FrontEnd& frontEnd)
     return dialog->Result();
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -13,4 +13,4 @@ namespace stavio {
 // handler is missing or the layout cannot be read: the log says which).
 int32_t RunDialogRequest(const DialogRequest& request, FrontEnd& frontEnd);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -48,7 +48,7 @@ std::string DescribeRows(const toolbox::ListControl& list)
     return rows.empty() ? "none" : rows;
 }
 
-}  // namespace
+}   // namespace
 
 std::string DescribeEntries(const toolbox::DialogItem& popup)
 {
@@ -61,8 +61,7 @@ std::string DescribeEntries(const toolbox::DialogItem& popup)
 
 DialogSession::DialogSession(toolbox::Dialog& dialog, SXDialogHandler handler, uint32_t* flags)
     : dialog_(dialog), handler_(handler), flags_(flags)
-{
-}
+{}
 
 bool DialogSession::Send(uint32_t message, intptr_t wParam, intptr_t lParam)
 {
@@ -92,7 +91,10 @@ void DialogSession::Initialise()
     Send(kDlgMsgInit, 0, 0);
 }
 
-void DialogSession::Paint() { Send(kDlgMsgPaint, 0, 0); }
+void DialogSession::Paint()
+{
+    Send(kDlgMsgPaint, 0, 0);
+}
 
 bool DialogSession::CanAct(std::string& why) const
 {
@@ -150,8 +152,7 @@ bool DialogSession::Choose(int16_t number, int entry, std::string& why)
         return false;
     }
     if (entry < 1 || entry > item->MenuEntryCount() || entry < item->Minimum() || entry > item->Maximum()) {
-        why = ItemName(*item) + " has no entry " + std::to_string(entry) + " (entries: " + DescribeEntries(*item) +
-              ")";
+        why = ItemName(*item) + " has no entry " + std::to_string(entry) + " (entries: " + DescribeEntries(*item) + ")";
         return false;
     }
     dialog_.SetItemValue(number, entry);
@@ -221,7 +222,8 @@ bool DialogSession::ClickListRow(const toolbox::ListControl& list, int row, tool
             return false;
         }
         const bool up = middle < view.top;
-        const toolbox::Point arrow{bar->left + kArrowMiddle, up ? bar->top + kArrowMiddle : bar->bottom - 1 - kArrowMiddle};
+        const toolbox::Point arrow{bar->left + kArrowMiddle,
+                                   up ? bar->top + kArrowMiddle : bar->bottom - 1 - kArrowMiddle};
         const int topBefore = list.TopRow();
         if (!Click(arrow, toolbox::kNoModifiers, why)) {
             return false;
@@ -328,4 +330,4 @@ void DialogSession::Finish()
     finished_ = true;
 }
 
-}  // namespace stavio
+}   // namespace stavio

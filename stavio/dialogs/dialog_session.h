@@ -90,4 +90,4 @@ private:
 // The text of a pop-up's entries for messages: "1 Piano, 2 Drums".
 std::string DescribeEntries(const toolbox::DialogItem& popup);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -25,8 +25,8 @@ void WriteList(std::ostream& out, const toolbox::ListControl& list)
     }
     for (int row = 0; row < list.Rows(); ++row) {
         const std::string* text = list.CellText(toolbox::Cell{row, 0});
-        out << (list.IsSelected(toolbox::Cell{row, 0}) ? "   > " : "     ") << (row < 9 ? " " : "") << row + 1
-            << "  " << (text != nullptr ? *text : std::string()) << "\n";
+        out << (list.IsSelected(toolbox::Cell{row, 0}) ? "   > " : "     ") << (row < 9 ? " " : "") << row + 1 << "  "
+            << (text != nullptr ? *text : std::string()) << "\n";
     }
 }
 
@@ -34,28 +34,21 @@ void WriteControl(std::ostream& out, const toolbox::DialogItem& item)
 {
     out << "  [" << item.Number() << "] ";
     switch (item.Kind()) {
-    case toolbox::DialogItemKind::kButton:
-        out << "<" << item.Label() << ">";
-        break;
-    case toolbox::DialogItemKind::kRadio:
-        out << (item.Value() != 0 ? "(*) " : "( ) ") << item.Label();
-        break;
-    case toolbox::DialogItemKind::kCheckbox:
-        out << (item.Value() != 0 ? "[x] " : "[ ] ") << item.Label();
-        break;
-    case toolbox::DialogItemKind::kPopup: {
-        const std::string* chosen = item.MenuEntryText(item.Value());
-        out << item.Label() << (item.Label().empty() ? "" : " ") << (chosen != nullptr ? *chosen : "(nothing)")
-            << "   [" << DescribeEntries(item) << "]";
-        break;
-    }
-    default:
-        break;
+        case toolbox::DialogItemKind::kButton: out << "<" << item.Label() << ">"; break;
+        case toolbox::DialogItemKind::kRadio: out << (item.Value() != 0 ? "(*) " : "( ) ") << item.Label(); break;
+        case toolbox::DialogItemKind::kCheckbox: out << (item.Value() != 0 ? "[x] " : "[ ] ") << item.Label(); break;
+        case toolbox::DialogItemKind::kPopup: {
+            const std::string* chosen = item.MenuEntryText(item.Value());
+            out << item.Label() << (item.Label().empty() ? "" : " ") << (chosen != nullptr ? *chosen : "(nothing)")
+                << "   [" << DescribeEntries(item) << "]";
+            break;
+        }
+        default: break;
     }
     out << (item.IsEnabled() ? "" : "  (disabled)") << "\n";
 }
 
-}  // namespace
+}   // namespace
 
 std::string DescribeDialog(const toolbox::Dialog& dialog)
 {
@@ -78,4 +71,4 @@ std::string DescribeDialog(const toolbox::Dialog& dialog)
     return out.str();
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -11,4 +11,4 @@ namespace stavio {
 
 std::string DescribeDialog(const toolbox::Dialog& dialog);
 
-}  // namespace stavio
+}   // namespace stavio

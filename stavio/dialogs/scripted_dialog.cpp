@@ -26,35 +26,29 @@ void Settle(DialogSession& session)
 bool Perform(DialogSession& session, const DialogAction& action, std::string& why)
 {
     switch (action.kind) {
-    case DialogAction::Kind::Press:
-        return session.Press(action.item, why);
-    case DialogAction::Kind::Choose:
-        return session.Choose(action.item, action.number, why);
-    case DialogAction::Kind::ChooseNamed:
-        return session.ChooseNamed(action.item, action.text, why);
-    case DialogAction::Kind::ClickRow:
-    case DialogAction::Kind::ClickRowNamed: {
-        const toolbox::ListControl* list = session.ListInItem(action.item);
-        if (list == nullptr) {
-            why = "there is no list in item " + std::to_string(action.item);
-            return false;
+        case DialogAction::Kind::Press: return session.Press(action.item, why);
+        case DialogAction::Kind::Choose: return session.Choose(action.item, action.number, why);
+        case DialogAction::Kind::ChooseNamed: return session.ChooseNamed(action.item, action.text, why);
+        case DialogAction::Kind::ClickRow:
+        case DialogAction::Kind::ClickRowNamed: {
+            const toolbox::ListControl* list = session.ListInItem(action.item);
+            if (list == nullptr) {
+                why = "there is no list in item " + std::to_string(action.item);
+                return false;
+            }
+            if (action.kind == DialogAction::Kind::ClickRow) {
+                return session.ClickListRow(*list, action.number - 1, action.modifiers, why);
+            }
+            return session.ClickListRowNamed(*list, action.text, why);
         }
-        if (action.kind == DialogAction::Kind::ClickRow) {
-            return session.ClickListRow(*list, action.number - 1, action.modifiers, why);
-        }
-        return session.ClickListRowNamed(*list, action.text, why);
-    }
-    case DialogAction::Kind::Click:
-        return session.Click(action.point, action.modifiers, why);
-    case DialogAction::Kind::CloseBox:
-        session.CloseBox();
-        return true;
-    case DialogAction::Kind::WaitForTimers:
-        if (!session.LetTimePass()) {
-            why = "no timer runs";
-            return false;
-        }
-        return true;
+        case DialogAction::Kind::Click: return session.Click(action.point, action.modifiers, why);
+        case DialogAction::Kind::CloseBox: session.CloseBox(); return true;
+        case DialogAction::Kind::WaitForTimers:
+            if (!session.LetTimePass()) {
+                why = "no timer runs";
+                return false;
+            }
+            return true;
     }
     return false;
 }
@@ -79,7 +73,7 @@ void GiveUp(DialogSession& session)
     Settle(session);
 }
 
-}  // namespace
+}   // namespace
 
 void ScriptedFrontEnd::RunDialog(DialogSession& session)
 {
@@ -93,8 +87,8 @@ void ScriptedFrontEnd::RunDialog(DialogSession& session)
         return;
     }
     session.Paint();
-    const bool scripted = dialogScript_ && (dialogScript_->dialogId == 0 ||
-                                            dialogScript_->dialogId == session.Dialog().LayoutId());
+    const bool scripted =
+        dialogScript_ && (dialogScript_->dialogId == 0 || dialogScript_->dialogId == session.Dialog().LayoutId());
     // The script is copied: a message may open another dialog that runs with this front end.
     const std::vector<DialogAction> actions = scripted ? dialogScript_->actions : std::vector<DialogAction>();
     std::string lastDone;
@@ -125,4 +119,4 @@ void ScriptedFrontEnd::RunDialog(DialogSession& session)
     GiveUp(session);
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -29,14 +29,10 @@ const char kHelp[] =
 const char* StyleName(int32_t style)
 {
     switch (style) {
-    case kAlertStop:
-        return "Stop";
-    case kAlertWarning:
-        return "Warning";
-    case kAlertQuestion:
-        return "Question";
-    default:
-        return "Note";
+        case kAlertStop: return "Stop";
+        case kAlertWarning: return "Warning";
+        case kAlertQuestion: return "Question";
+        default: return "Note";
     }
 }
 
@@ -56,9 +52,8 @@ std::string Lowered(std::string text)
 
 bool ReadNumber(const std::string& text, int& number)
 {
-    if (text.empty() || text.size() > 6 || !std::all_of(text.begin(), text.end(), [](unsigned char c) {
-            return std::isdigit(c) != 0;
-        })) {
+    if (text.empty() || text.size() > 6 ||
+        !std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; })) {
         return false;
     }
     number = std::stoi(text);
@@ -88,12 +83,11 @@ void WaitWhileHidden(DialogSession& session)
     }
 }
 
-}  // namespace
+}   // namespace
 
 TerminalFrontEnd::TerminalFrontEnd(std::istream& in, std::ostream& out, int inputFd)
     : in_(in), out_(out), inputFd_(inputFd)
-{
-}
+{}
 
 bool TerminalFrontEnd::ReadLine(std::string& line)
 {
@@ -252,4 +246,4 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
     }
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -42,4 +42,4 @@ private:
     std::vector<AlertRecord> alerts_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

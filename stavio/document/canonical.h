@@ -26,4 +26,4 @@ static_assert(sizeof(FrameHoldRecord) == 14, "FrameHoldRecord is 14 bytes");
 EDTMeasureSpec2005 DefaultMeasureSpec();   // 4/4
 EDTStaffSpec2003 DefaultStaffSpec();       // five-line staff, treble clef, no names
 
-}  // namespace stavio
+}   // namespace stavio

@@ -45,7 +45,7 @@ static_assert(std::size(kClefs) == kDefaultClefCount, "one default per clef");
 
 constexpr int16_t kClefSize = 24;
 
-}  // namespace
+}   // namespace
 
 std::vector<EDTClefDef> DefaultClefDefinitions(int16_t musicFont)
 {
@@ -72,4 +72,4 @@ const ClefMeaning* ClefMeaningOf(int clef)
     return &kClefs[clef].meaning;
 }
 
-}  // namespace stavio
+}   // namespace stavio

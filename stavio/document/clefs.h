@@ -29,4 +29,4 @@ std::vector<EDTClefDef> DefaultClefDefinitions(int16_t musicFont);
 // The meaning of clef 0..17; null for any other number.
 const ClefMeaning* ClefMeaningOf(int clef);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -29,7 +29,10 @@ RecordStore::Bytes BytesFrom(const Record& record)
     return bytes;
 }
 
-bool HasIncidences(KeyKind kind) { return kind != KeyKind::Number; }
+bool HasIncidences(KeyKind kind)
+{
+    return kind != KeyKind::Number;
+}
 
 // A read (load, next, previous) that the document takes: the tag, and the layout it names. A
 // variable-size tag has none and needs none.
@@ -49,19 +52,23 @@ std::optional<ReadRequest> ResolveRead(const LayoutRegistry& registry, EXTAG tag
     if (known->variableSize) {
         return ReadRequest{known, nullptr};
     }
-    const RecordLayout* layout = buffer != nullptr ? registry.FindLayout(tag, *size, version)
-                                                   : registry.LayoutForQuery(tag, *size, version);
+    const RecordLayout* layout =
+        buffer != nullptr ? registry.FindLayout(tag, *size, version) : registry.LayoutForQuery(tag, *size, version);
     if (layout == nullptr) {
         return std::nullopt;
     }
     return ReadRequest{known, layout};
 }
 
-}  // namespace
+}   // namespace
 
-Document::Document() : Document(LayoutRegistry::Standard()) {}
+Document::Document() : Document(LayoutRegistry::Standard())
+{}
 
-Document::Document(const LayoutRegistry& registry) : registry_(&registry) { InstallHostDefaults(*this); }
+Document::Document(const LayoutRegistry& registry) : registry_(&registry)
+{
+    InstallHostDefaults(*this);
+}
 
 // ---- Records -----------------------------------------------------------------------------------------
 
@@ -191,8 +198,7 @@ int32_t Document::PreviousRecord(EXTAG tag, EDataID* key, void* buffer, int32_t*
     return StepRecord(tag, key, buffer, size, version, false);
 }
 
-int32_t Document::StepRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version,
-                             bool forward) const
+int32_t Document::StepRecord(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version, bool forward) const
 {
     const std::optional<ReadRequest> read = ResolveRead(*registry_, tag, key, buffer, size, version);
     if (!read) {
@@ -241,8 +247,8 @@ void Document::AfterCreate(EXTAG tag, const RecordKey& key)
     EDTInstrumentUsed entry{};
     entry.inst = static_cast<int16_t>(key.group1);
     if (count > 0) {
-        const RecordStore::Bytes* last = records_.Find(
-            kTagInstrumentUsed, RecordKey::Other(kMainInstrumentList, static_cast<uint16_t>(count - 1)));
+        const RecordStore::Bytes* last =
+            records_.Find(kTagInstrumentUsed, RecordKey::Other(kMainInstrumentList, static_cast<uint16_t>(count - 1)));
         entry.separ = RecordFrom<EDTInstrumentUsed>(*last).separ - kStaffSpacing;
     }
     records_.Put(kTagInstrumentUsed, RecordKey::Other(kMainInstrumentList, static_cast<uint16_t>(count)),
@@ -274,8 +280,7 @@ TIME_EDU Document::MeasureDuration(int32_t meas) const
     if (meas < 1 || meas > 0xFFFE) {
         return 0;
     }
-    const RecordStore::Bytes* bytes =
-        records_.Find(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0));
+    const RecordStore::Bytes* bytes = records_.Find(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0));
     if (bytes == nullptr) {
         return 0;
     }
@@ -350,8 +355,8 @@ bool Document::MeasureExists(int32_t meas) const
 
 bool Document::FrameNumbers(int32_t inst, int32_t meas, int16_t frames[kMaxLayers]) const
 {
-    const RecordStore::Bytes* bytes = records_.Find(
-        kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), static_cast<uint16_t>(meas), 0));
+    const RecordStore::Bytes* bytes =
+        records_.Find(kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), static_cast<uint16_t>(meas), 0));
     if (bytes == nullptr) {
         return false;
     }
@@ -381,12 +386,24 @@ int32_t Document::StartEdit(const std::string& undoName)
     return 1;
 }
 
-int32_t Document::EndEdit() { return history_.End() ? 1 : 0; }
+int32_t Document::EndEdit()
+{
+    return history_.End() ? 1 : 0;
+}
 
-void Document::CancelEdit() { history_.Cancel(records_); }
+void Document::CancelEdit()
+{
+    history_.Cancel(records_);
+}
 
-bool Document::Undo() { return history_.Undo(records_); }
+bool Document::Undo()
+{
+    return history_.Undo(records_);
+}
 
-bool Document::Redo() { return history_.Redo(records_); }
+bool Document::Redo()
+{
+    return history_.Redo(records_);
+}
 
-}  // namespace stavio
+}   // namespace stavio

@@ -79,8 +79,8 @@ public:
     // Frame numbers the host keeps per staff-measure layer (the 'SDGF' detail's `frame` array).
     bool FrameNumbers(int32_t inst, int32_t meas, int16_t frames[kMaxLayers]) const;
     bool SetFrameNumbers(int32_t inst, int32_t meas, const int16_t frames[kMaxLayers]);
-    bool StaffExists(int32_t inst) const;      // it has a staff specification
-    bool MeasureExists(int32_t meas) const;    // it has a measure specification
+    bool StaffExists(int32_t inst) const;     // it has a staff specification
+    bool MeasureExists(int32_t meas) const;   // it has a measure specification
 
     // ---- Entries (document_frames.cpp) ----------------------------------------------------------
     // The entries of one staff-measure-layer (layer 0..3), empty when it holds nothing; nullopt
@@ -106,7 +106,7 @@ public:
 
     // ---- Edit brackets and undo -----------------------------------------------------------------
     int32_t StartEdit(const std::string& undoName);
-    int32_t EndEdit();          // 0 when no bracket is open
+    int32_t EndEdit();   // 0 when no bracket is open
     void CancelEdit();
     bool Undo();
     bool Redo();
@@ -132,4 +132,4 @@ private:
     EditHistory<RecordStore> history_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

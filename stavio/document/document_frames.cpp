@@ -20,7 +20,10 @@ RecordKey EntriesKey(int32_t inst, int32_t meas, int32_t layer)
     return RecordKey::Detail(static_cast<uint16_t>(inst), static_cast<uint16_t>(meas), static_cast<uint16_t>(layer));
 }
 
-bool ValidLayer(int32_t layer) { return layer >= 0 && layer < kMaxLayers; }
+bool ValidLayer(int32_t layer)
+{
+    return layer >= 0 && layer < kMaxLayers;
+}
 
 // New entries, and copies of an entry earlier in the frame, get fresh numbers.
 template <typename NextNumber>
@@ -37,7 +40,7 @@ void NumberEntries(FrameContent& content, NextNumber next)
     }
 }
 
-}  // namespace
+}   // namespace
 
 std::optional<FrameContent> Document::Frame(int32_t inst, int32_t meas, int32_t layer) const
 {
@@ -131,4 +134,4 @@ void Document::RemovePercussionMap(int number)
     percussionMaps_.erase(number);
 }
 
-}  // namespace stavio
+}   // namespace stavio

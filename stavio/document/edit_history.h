@@ -75,4 +75,4 @@ private:
     std::vector<Step> redo_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

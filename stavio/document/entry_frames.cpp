@@ -10,7 +10,7 @@ namespace {
 // Record form: entry count and tuplet count (16 bits each), the entries, the tuplets.
 constexpr size_t kHeaderSize = 2 * sizeof(uint16_t);
 
-}  // namespace
+}   // namespace
 
 std::vector<uint8_t> EncodeFrame(const FrameContent& content)
 {
@@ -95,8 +95,10 @@ bool DeleteEntries(FrameContent& content, int32_t index, int32_t count)
     const int32_t end = index + count;   // first index after the removed ones
     std::vector<TupletInfo> kept;
     for (TupletInfo tuplet : content.tuplets) {
-        const int32_t first = tuplet.stoff < index ? tuplet.stoff : (tuplet.stoff >= end ? tuplet.stoff - count : index);
-        const int32_t last = tuplet.enoff < index ? tuplet.enoff : (tuplet.enoff >= end ? tuplet.enoff - count : index - 1);
+        const int32_t first =
+            tuplet.stoff < index ? tuplet.stoff : (tuplet.stoff >= end ? tuplet.stoff - count : index);
+        const int32_t last =
+            tuplet.enoff < index ? tuplet.enoff : (tuplet.enoff >= end ? tuplet.enoff - count : index - 1);
         if (last >= first) {
             tuplet.stoff = static_cast<int16_t>(first);
             tuplet.enoff = static_cast<int16_t>(last);
@@ -107,4 +109,4 @@ bool DeleteEntries(FrameContent& content, int32_t index, int32_t count)
     return true;
 }
 
-}  // namespace stavio
+}   // namespace stavio

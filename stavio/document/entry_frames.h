@@ -39,4 +39,4 @@ EXENTRY NewEntryAfter(const EXENTRY* previous);
 bool InsertEntries(FrameContent& content, int32_t index, int32_t count);
 bool DeleteEntries(FrameContent& content, int32_t index, int32_t count);
 
-}  // namespace stavio
+}   // namespace stavio

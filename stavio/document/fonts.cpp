@@ -21,7 +21,7 @@ bool SameName(const std::string& a, const std::string& b)
     return true;
 }
 
-}  // namespace
+}   // namespace
 
 FontTable FontTable::Defaults()
 {
@@ -63,4 +63,4 @@ const std::string* FontTable::NameOf(int32_t number) const
     return &names_[static_cast<size_t>(number)];
 }
 
-}  // namespace stavio
+}   // namespace stavio

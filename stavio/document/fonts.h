@@ -36,4 +36,4 @@ private:
     std::vector<std::string> names_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

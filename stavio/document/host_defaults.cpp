@@ -23,4 +23,4 @@ void InstallHostDefaults(Document& doc)
     doc.SetPercussionMap(kDefaultPercussionMap, GeneralMidiKit());
 }
 
-}  // namespace stavio
+}   // namespace stavio

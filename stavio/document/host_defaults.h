@@ -14,4 +14,4 @@ constexpr uint16_t kDefaultTextExpressionSize = 12;
 // font table of a new document is FontTable::Defaults().
 void InstallHostDefaults(Document& doc);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -15,4 +15,4 @@ constexpr EXTAG kHostTagCounters = MakeTag('#', 'C', 'N', 'T');
 constexpr uint16_t kCounterEntryNumbers = 1;
 constexpr uint16_t kCounterFrameNumbers = 2;
 
-}  // namespace stavio
+}   // namespace stavio

@@ -230,7 +230,7 @@ TagLayouts InstrumentUsage()
     return tag;
 }
 
-}  // namespace
+}   // namespace
 
 EDTMeasureSpec2005 DefaultMeasureSpec()
 {
@@ -266,4 +266,4 @@ std::vector<TagLayouts> StandardLayouts()
     return tags;
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -45,7 +45,10 @@ const LayoutRegistry& LayoutRegistry::Standard()
     return registry;
 }
 
-void LayoutRegistry::Add(TagLayouts tag) { tags_.push_back(std::move(tag)); }
+void LayoutRegistry::Add(TagLayouts tag)
+{
+    tags_.push_back(std::move(tag));
+}
 
 const TagLayouts* LayoutRegistry::FindTag(EXTAG tag) const
 {
@@ -115,4 +118,4 @@ std::string TagText(EXTAG tag)
     return text;
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -45,10 +45,10 @@ struct RecordLayout {
 struct TagLayouts {
     EXTAG tag = 0;
     EXTAG mask = 0xFFFFFFFF;
-    std::string name;                 // what the layout is, for messages and documentation
+    std::string name;   // what the layout is, for messages and documentation
     KeyKind keyKind = KeyKind::Other;
-    bool variableSize = false;        // the record is a run of bytes of any length
-    size_t canonicalSize = 0;         // fixed-size tags only
+    bool variableSize = false;   // the record is a run of bytes of any length
+    size_t canonicalSize = 0;    // fixed-size tags only
     std::vector<RecordLayout> layouts;
     std::function<Bytes()> makeDefault;   // a new record's content; zeros when empty
 
@@ -102,4 +102,4 @@ std::vector<TagLayouts> StandardLayouts();
 
 std::string TagText(EXTAG tag);   // "SOMS", or hex digits where a character is not printable
 
-}  // namespace stavio
+}   // namespace stavio

@@ -6,7 +6,20 @@ namespace {
 
 // Staff positions of a five-line staff read as treble: E4 (bottom line) is 2, F5 (top line) 10.
 enum Position : int16_t {
-    D4 = 1, E4, F4, G4, A4, B4, C5, D5, E5, F5, G5, A5, B5, C6,
+    D4 = 1,
+    E4,
+    F4,
+    G4,
+    A4,
+    B4,
+    C5,
+    D5,
+    E5,
+    F5,
+    G5,
+    A5,
+    B5,
+    C6,
 };
 
 struct KitPiece {
@@ -70,25 +83,18 @@ constexpr KitPiece kGeneralMidiKit[] = {
     {81, G5, Notehead::Slash, false, "Open Triangle"},
 };
 
-}  // namespace
+}   // namespace
 
 const char* NoteheadName(Notehead head)
 {
     switch (head) {
-    case Notehead::Normal:
-        return "normal";
-    case Notehead::X:
-        return "x";
-    case Notehead::CircleX:
-        return "circle-x";
-    case Notehead::Diamond:
-        return "diamond";
-    case Notehead::Triangle:
-        return "triangle";
-    case Notehead::Square:
-        return "square";
-    case Notehead::Slash:
-        return "slash";
+        case Notehead::Normal: return "normal";
+        case Notehead::X: return "x";
+        case Notehead::CircleX: return "circle-x";
+        case Notehead::Diamond: return "diamond";
+        case Notehead::Triangle: return "triangle";
+        case Notehead::Square: return "square";
+        case Notehead::Slash: return "slash";
     }
     return "normal";
 }
@@ -138,4 +144,4 @@ PercussionMap GeneralMidiKit()
     return map;
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -23,10 +23,10 @@ enum class Notehead : uint8_t {
 const char* NoteheadName(Notehead head);
 
 struct PercussionNote {
-    int16_t key = 0;        // MIDI key (General MIDI drum numbering)
-    int16_t tcd = 0;        // staff position: diatonic steps from middle C, read as a treble staff
+    int16_t key = 0;   // MIDI key (General MIDI drum numbering)
+    int16_t tcd = 0;   // staff position: diatonic steps from middle C, read as a treble staff
     Notehead notehead = Notehead::Normal;
-    bool foot = false;      // played with a foot (kick, pedal hi-hat): stems down, lower voice
+    bool foot = false;   // played with a foot (kick, pedal hi-hat): stems down, lower voice
     std::string name;
 };
 
@@ -47,4 +47,4 @@ constexpr int kDefaultPercussionMap = 1;
 // The General MIDI kit, keys 35 to 81.
 PercussionMap GeneralMidiKit();
 
-}  // namespace stavio
+}   // namespace stavio

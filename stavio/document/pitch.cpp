@@ -16,4 +16,4 @@ int32_t NoteToMidiKey(int32_t tcd, int32_t alteration)
     return 60 + octave * 12 + kMajorScale[step] + alteration;
 }
 
-}  // namespace stavio
+}   // namespace stavio

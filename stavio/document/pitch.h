@@ -10,4 +10,4 @@ namespace stavio {
 // Key signatures change how a note is shown, not this number.
 int32_t NoteToMidiKey(int32_t tcd, int32_t alteration);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -20,7 +20,7 @@ enum class KeyKind {
     Number,   // (number); no incidences
 };
 
-constexpr uint16_t kPickNumber = 0xFFFF;    // create: let the host choose the number
+constexpr uint16_t kPickNumber = 0xFFFF;        // create: let the host choose the number
 constexpr uint16_t kAppendIncidence = 0xFFFF;   // create: add after the last incidence (-1)
 
 struct RecordKey {
@@ -47,4 +47,4 @@ struct RecordKey {
 RecordKey KeyFromDataId(KeyKind kind, const EDataID& id);
 void KeyToDataId(KeyKind kind, const RecordKey& key, EDataID& id);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -5,8 +5,11 @@ namespace stavio {
 namespace {
 const RecordStore::Records kNoRecords;
 
-bool HasIncidences(KeyKind kind) { return kind != KeyKind::Number; }
-}  // namespace
+bool HasIncidences(KeyKind kind)
+{
+    return kind != KeyKind::Number;
+}
+}   // namespace
 
 const RecordStore::Bytes* RecordStore::Find(EXTAG tag, const RecordKey& key) const
 {
@@ -95,8 +98,7 @@ bool RecordStore::Erase(EXTAG tag, const RecordKey& key)
     return true;
 }
 
-std::optional<std::pair<RecordKey, const RecordStore::Bytes*>> RecordStore::Next(EXTAG tag,
-                                                                                 const RecordKey& key) const
+std::optional<std::pair<RecordKey, const RecordStore::Bytes*>> RecordStore::Next(EXTAG tag, const RecordKey& key) const
 {
     const Records& records = All(tag);
     auto next = records.upper_bound(key);
@@ -124,7 +126,10 @@ const RecordStore::Records& RecordStore::All(EXTAG tag) const
     return found == tags_.end() ? kNoRecords : found->second;
 }
 
-size_t RecordStore::Count(EXTAG tag) const { return All(tag).size(); }
+size_t RecordStore::Count(EXTAG tag) const
+{
+    return All(tag).size();
+}
 
 uint16_t RecordStore::IncidenceCount(EXTAG tag, const RecordKey& key) const
 {
@@ -132,8 +137,7 @@ uint16_t RecordStore::IncidenceCount(EXTAG tag, const RecordKey& key) const
     RecordKey first = key;
     first.inci = 0;
     uint16_t count = 0;
-    for (auto record = records.lower_bound(first); record != records.end() && record->first.SameGroup(key);
-         ++record) {
+    for (auto record = records.lower_bound(first); record != records.end() && record->first.SameGroup(key); ++record) {
         count = static_cast<uint16_t>(record->first.inci + 1);
     }
     return count;
@@ -150,4 +154,4 @@ std::vector<EXTAG> RecordStore::Tags() const
     return tags;
 }
 
-}  // namespace stavio
+}   // namespace stavio

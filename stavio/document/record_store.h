@@ -50,4 +50,4 @@ private:
     std::map<EXTAG, Records> tags_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

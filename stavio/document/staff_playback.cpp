@@ -11,11 +11,17 @@ namespace {
 
 constexpr int32_t kLastNumberedChannel = 99;
 
-RecordKey DefinitionKey(int32_t definition) { return RecordKey::Other(static_cast<uint16_t>(definition), 0); }
+RecordKey DefinitionKey(int32_t definition)
+{
+    return RecordKey::Other(static_cast<uint16_t>(definition), 0);
+}
 
-bool ValidDefinition(int32_t definition) { return definition >= 1 && definition < kPickNumber; }
+bool ValidDefinition(int32_t definition)
+{
+    return definition >= 1 && definition < kPickNumber;
+}
 
-}  // namespace
+}   // namespace
 
 int16_t DefaultChannelCode(int32_t definition)
 {
@@ -25,7 +31,10 @@ int16_t DefaultChannelCode(int32_t definition)
     return kCodes[index];
 }
 
-std::string DefaultStaffName(int32_t inst) { return "Staff " + std::to_string(inst); }
+std::string DefaultStaffName(int32_t inst)
+{
+    return "Staff " + std::to_string(inst);
+}
 
 int32_t AddStaffPlayback(Document& doc, int32_t inst, const std::string& name)
 {
@@ -111,4 +120,4 @@ void FillChannelDefinitions(Document& doc)
     }
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -47,4 +47,4 @@ bool SetChannelName(Document& doc, int32_t definition, const std::string& name);
 // with code 9: a document in which the drum channel has no definition left to take.
 void FillChannelDefinitions(Document& doc);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -95,4 +95,4 @@ bool AddExpressionAssignment(Document& doc, int meas, const EDTGeneric& assignme
     return doc.Write(kTagMeasureSpec, specKey, spec, kMeasureSpecVersion);
 }
 
-}  // namespace stavio
+}   // namespace stavio

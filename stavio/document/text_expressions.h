@@ -37,4 +37,4 @@ std::vector<EDTGeneric> ExpressionAssignments(const Document& doc, int meas);
 // Appends an assignment to the measure and marks the measure as carrying expressions.
 bool AddExpressionAssignment(Document& doc, int meas, const EDTGeneric& assignment);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -15,7 +15,10 @@ constexpr int32_t kSixteenth = kEduPerQuarter / 4;
 constexpr int32_t kCoarsestStep = 64;   // a stranger beat than this is not subdivided
 constexpr int kTripletSlots = 3;
 
-bool IsDotted(int32_t value) { return value > 0 && value % 3 == 0 && ((value / 3) & (value / 3 - 1)) == 0; }
+bool IsDotted(int32_t value)
+{
+    return value > 0 && value % 3 == 0 && ((value / 3) & (value / 3 - 1)) == 0;
+}
 
 bool IsCompound(const TimeSignature& meter)
 {
@@ -48,7 +51,7 @@ std::vector<QuantisedBeat::Slot> Collect(const std::map<int, std::vector<int>>& 
     return slots;
 }
 
-}  // namespace
+}   // namespace
 
 MeasureGrid GridFor(int32_t beats, int32_t divbeat, TimeSignature meter)
 {
@@ -84,7 +87,7 @@ QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid
     std::map<int, std::vector<int>> thirds;
     int64_t straightError = 0;   // in EDU x 3, to compare with the thirds exactly
     int64_t tripletError = 0;
-    bool offTheBeat = false;     // a hit lands on the second or third third
+    bool offTheBeat = false;   // a hit lands on the second or third third
     for (const Hit& hit : hits) {
         const int64_t r = hit.offset;
         const int64_t k = std::clamp<int64_t>(FloorDiv(2 * r + step, 2 * step), 0, straightSlots - 1);
@@ -103,4 +106,4 @@ QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid
     return quantised;
 }
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

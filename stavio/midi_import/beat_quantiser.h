@@ -22,10 +22,10 @@ namespace stavio::midi_import {
 // How one measure is counted. `length` is a whole number of beats, a beat a whole number of
 // steps.
 struct MeasureGrid {
-    int32_t length = 4096;       // EDU
-    int32_t beat = 1024;         // EDU
-    int32_t step = 256;          // the straight grid, EDU
-    bool tripletBeats = true;    // a beat may take the triplet grid (simple meters)
+    int32_t length = 4096;      // EDU
+    int32_t beat = 1024;        // EDU
+    int32_t step = 256;         // the straight grid, EDU
+    bool tripletBeats = true;   // a beat may take the triplet grid (simple meters)
 
     int32_t Beats() const { return length / beat; }
     // Half a straight step: how early a hit may come and still count for the next grid point.
@@ -50,13 +50,16 @@ struct QuantisedBeat {
         std::vector<int> keys;   // ascending, distinct, at most 12
     };
     bool triplet = false;
-    std::vector<Slot> slots;     // ascending slot numbers
+    std::vector<Slot> slots;   // ascending slot numbers
 };
 
 // Snaps the hits of one beat (offsets from the beat's start) to the better grid.
 QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid);
 
 // Integer division rounding towards minus infinity.
-inline int64_t FloorDiv(int64_t a, int64_t b) { return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0); }
+inline int64_t FloorDiv(int64_t a, int64_t b)
+{
+    return a / b - ((a % b != 0) && ((a < 0) != (b < 0)) ? 1 : 0);
+}
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -28,7 +28,7 @@ TimeSignature InitialMeter(const SmfFile& file)
     return TimeSignature{};
 }
 
-}  // namespace
+}   // namespace
 
 DrumGroove DrumGrooveOf(const SmfFile& file)
 {
@@ -43,10 +43,9 @@ DrumGroove DrumGrooveOf(const SmfFile& file)
             }
         }
     }
-    std::sort(groove.onsets.begin(), groove.onsets.end(), [](const DrumOnset& a, const DrumOnset& b) {
-        return a.edu != b.edu ? a.edu < b.edu : a.key < b.key;
-    });
+    std::sort(groove.onsets.begin(), groove.onsets.end(),
+              [](const DrumOnset& a, const DrumOnset& b) { return a.edu != b.edu ? a.edu < b.edu : a.key < b.key; });
     return groove;
 }
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -19,16 +19,16 @@ struct TimeSignature {
 };
 
 struct DrumOnset {
-    int64_t edu = 0;       // from the file's start: tick * 1024 / ticks per quarter
+    int64_t edu = 0;   // from the file's start: tick * 1024 / ticks per quarter
     int key = 0;
 };
 
 struct DrumGroove {
     TimeSignature meter;
-    int64_t barLength = 4096;           // EDU
-    std::vector<DrumOnset> onsets;      // in time order (key order at one time)
+    int64_t barLength = 4096;        // EDU
+    std::vector<DrumOnset> onsets;   // in time order (key order at one time)
 };
 
 DrumGroove DrumGrooveOf(const SmfFile& file);
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

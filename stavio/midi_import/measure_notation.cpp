@@ -132,7 +132,7 @@ private:
     FrameContent& content_;
 };
 
-}  // namespace
+}   // namespace
 
 bool IsNotatedValue(int32_t edu)
 {
@@ -179,4 +179,4 @@ FrameContent NotateMeasure(const std::vector<Hit>& hits, const MeasureGrid& grid
     return content;
 }
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -31,4 +31,4 @@ FrameContent NotateMeasure(const std::vector<Hit>& hits, const MeasureGrid& grid
 // True for whole, half, quarter, eighth, 16th and 32nd values, plain or dotted.
 bool IsNotatedValue(int32_t edu);
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

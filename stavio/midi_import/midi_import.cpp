@@ -30,8 +30,8 @@ int32_t CheckRegion(const Document& doc, const EREGION& region, std::string& err
         return 0;
     }
     if (region.start.meas < 1 || region.end.meas < region.start.meas || region.end.meas > doc.MeasureCount()) {
-        error = RegionText(region) + " are not a range of the document's measures 1-" +
-                std::to_string(doc.MeasureCount());
+        error =
+            RegionText(region) + " are not a range of the document's measures 1-" + std::to_string(doc.MeasureCount());
         return 0;
     }
     return inst;
@@ -110,10 +110,10 @@ std::string& LastError()
     return error;
 }
 
-}  // namespace
+}   // namespace
 
-bool ImportMidiBytes(Document& doc, const EREGION& region, const std::vector<uint8_t>& bytes,
-                     const std::string& name, std::string& error)
+bool ImportMidiBytes(Document& doc, const EREGION& region, const std::vector<uint8_t>& bytes, const std::string& name,
+                     std::string& error)
 {
     return Import(doc, region, name, error,
                   [&](SmfFile& file, std::string& fault) { return ReadSmf(bytes, name, file, fault); });
@@ -143,6 +143,9 @@ int32_t ProcessMidiData(Document& doc, const SxpMidiData& data)
     return imported ? 1 : 0;
 }
 
-const std::string& LastProcessMidiDataError() { return LastError(); }
+const std::string& LastProcessMidiDataError()
+{
+    return LastError();
+}
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -27,8 +27,8 @@ namespace stavio::midi_import {
 bool ImportMidiFile(Document& doc, const EREGION& region, const std::string& path, std::string& error);
 
 // The same from a file image; `name` is used in messages.
-bool ImportMidiBytes(Document& doc, const EREGION& region, const std::vector<uint8_t>& bytes,
-                     const std::string& name, std::string& error);
+bool ImportMidiBytes(Document& doc, const EREGION& region, const std::vector<uint8_t>& bytes, const std::string& name,
+                     std::string& error);
 
 // SX_ProcessMidiData on a document: 1 when it imported, 0 when not. Why the last call of the
 // process failed is kept for the host's own reports ("" after a success).
@@ -38,4 +38,4 @@ const std::string& LastProcessMidiDataError();
 // The path a file specification names: its folder and name joined.
 std::string PathOf(const EFSSPEC& spec);
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

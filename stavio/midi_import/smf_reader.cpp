@@ -68,7 +68,7 @@ bool ReadHeader(const std::vector<uint8_t>& bytes, SmfFile& file, uint32_t& trac
     return true;
 }
 
-}  // namespace
+}   // namespace
 
 bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile& file, std::string& error)
 {
@@ -121,4 +121,4 @@ bool ReadSmfFile(const std::string& path, SmfFile& file, std::string& error)
     return ReadSmf(bytes, path, file, error);
 }
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

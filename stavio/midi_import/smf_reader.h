@@ -23,21 +23,21 @@
 namespace stavio::midi_import {
 
 struct SmfEvent {
-    int64_t tick = 0;                // from the start of its track
-    uint8_t status = 0;              // 0x80-0xEF channel message, 0xFF meta, 0xF0/0xF7 system exclusive
-    uint8_t data1 = 0;               // first data byte; the meta type for a meta event
-    uint8_t data2 = 0;               // second data byte (0 for a one-data-byte message)
-    std::vector<uint8_t> payload;    // the data of a meta or system-exclusive event
+    int64_t tick = 0;               // from the start of its track
+    uint8_t status = 0;             // 0x80-0xEF channel message, 0xFF meta, 0xF0/0xF7 system exclusive
+    uint8_t data1 = 0;              // first data byte; the meta type for a meta event
+    uint8_t data2 = 0;              // second data byte (0 for a one-data-byte message)
+    std::vector<uint8_t> payload;   // the data of a meta or system-exclusive event
 
     bool IsMeta(uint8_t type) const { return status == 0xFF && data1 == type; }
 };
 
 struct SmfTrack {
-    std::vector<SmfEvent> events;    // in file order; ticks never decrease
+    std::vector<SmfEvent> events;   // in file order; ticks never decrease
 };
 
 struct SmfFile {
-    int format = 0;                  // 0, 1 or 2
+    int format = 0;   // 0, 1 or 2
     int ticksPerQuarter = 0;
     std::vector<SmfTrack> tracks;
 };
@@ -53,4 +53,4 @@ bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile
 // Reads the file at `path` ("<path>: cannot be read" when it cannot be opened).
 bool ReadSmfFile(const std::string& path, SmfFile& file, std::string& error);
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -25,8 +25,7 @@ struct Cursor {
     // What decides how the rest of the track reads: not the tick.
     uint64_t State() const
     {
-        return static_cast<uint64_t>(pos) << 10 | static_cast<uint64_t>(running) << 2 |
-               static_cast<uint64_t>(reading);
+        return static_cast<uint64_t>(pos) << 10 | static_cast<uint64_t>(running) << 2 | static_cast<uint64_t>(reading);
     }
 };
 
@@ -35,7 +34,11 @@ struct Fault {
     std::string what;
 };
 
-enum class Step { Event, End, Fault };
+enum class Step {
+    Event,
+    End,
+    Fault
+};
 
 constexpr uint8_t kStatusBit = 0x80;
 constexpr uint8_t kNeutralisedStatus = 0x89;
@@ -92,8 +95,8 @@ public:
                 return Step::Fault;
             }
             at.running = first;
-            const bool neutralised = first == kNeutralisedStatus && event.data1 == kNeutralisedKey &&
-                                     event.data2 == kNeutralisedVelocity;
+            const bool neutralised =
+                first == kNeutralisedStatus && event.data1 == kNeutralisedKey && event.data2 == kNeutralisedVelocity;
             at.reading = neutralised ? Reading::Unsure : Reading::Standard;
             return Step::Event;
         }
@@ -201,7 +204,7 @@ struct OpenChoice {
     size_t visited;   // states visited before it (those after it die when it is taken)
 };
 
-}  // namespace
+}   // namespace
 
 bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end, std::vector<SmfEvent>& events,
                      std::string& error)
@@ -213,8 +216,8 @@ bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end
     }
     TrackReader reader(bytes, end);
     std::vector<OpenChoice> choices;
-    std::vector<uint64_t> visited;          // states on the current reading since the first choice
-    std::unordered_set<uint64_t> dead;      // states from which no reading reaches the track's end
+    std::vector<uint64_t> visited;       // states on the current reading since the first choice
+    std::unordered_set<uint64_t> dead;   // states from which no reading reaches the track's end
     Fault furthest;
     bool faulted = false;
     Cursor at;
@@ -264,4 +267,4 @@ bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end
     }
 }
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

@@ -26,4 +26,4 @@ namespace stavio::midi_import {
 bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end, std::vector<SmfEvent>& events,
                      std::string& error);
 
-}  // namespace stavio::midi_import
+}   // namespace stavio::midi_import

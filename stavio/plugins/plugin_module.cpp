@@ -19,7 +19,10 @@ bool EndsWith(const std::string& text, const std::string& end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-bool StartsWith(const std::string& text, const std::string& start) { return text.rfind(start, 0) == 0; }
+bool StartsWith(const std::string& text, const std::string& start)
+{
+    return text.rfind(start, 0) == 0;
+}
 
 // The first regular file of `folder` (in name order) whose name fits.
 template <typename Fits>
@@ -100,7 +103,7 @@ void Release(void* handle, toolbox::ResFileRef resFile)
     }
 }
 
-}  // namespace
+}   // namespace
 
 std::vector<std::string> FindBundles(const std::string& pluginFolder)
 {
@@ -125,9 +128,8 @@ std::optional<PluginModule> LoadPluginModule(const std::string& bundlePath, Stav
     }
     PluginModule module;
     module.info.bundlePath = bundlePath;
-    auto modulePath = FirstFile(bundlePath, [](const std::string& name) {
-        return StartsWith(name, "lib") && EndsWith(name, ".so");
-    });
+    auto modulePath =
+        FirstFile(bundlePath, [](const std::string& name) { return StartsWith(name, "lib") && EndsWith(name, ".so"); });
     if (!modulePath) {
         reason = "the bundle holds no plug-in module (lib*.so)";
         return std::nullopt;
@@ -147,8 +149,8 @@ std::optional<PluginModule> LoadPluginModule(const std::string& bundlePath, Stav
         return std::nullopt;
     }
 
-    auto resourcePath = FirstFile(fs::path(bundlePath) / "Resources",
-                                  [](const std::string& name) { return EndsWith(name, ".rsrc"); });
+    auto resourcePath =
+        FirstFile(fs::path(bundlePath) / "Resources", [](const std::string& name) { return EndsWith(name, ".rsrc"); });
     if (!resourcePath) {
         reason = "the bundle holds no resource file (Resources/*.rsrc)";
         Release(module.handle, -1);
@@ -211,4 +213,4 @@ void UnloadPluginModule(PluginModule& module)
     module.resFile = -1;
 }
 
-}  // namespace stavio
+}   // namespace stavio

@@ -43,4 +43,4 @@ std::optional<PluginModule> LoadPluginModule(const std::string& bundlePath, Stav
 // Terminates the plug-in and releases its module and resource file.
 void UnloadPluginModule(PluginModule& module);
 
-}  // namespace stavio
+}   // namespace stavio

@@ -23,4 +23,4 @@ private:
     toolbox::ResFileRef previous_;
 };
 
-}  // namespace stavio
+}   // namespace stavio

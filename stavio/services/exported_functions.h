@@ -21,8 +21,7 @@ STAVIO_EXPORT int32_t SX_DeleteEXENTRY(EXQVF2005a* frame, int32_t index, int32_t
 
 // Records
 STAVIO_EXPORT int32_t SX_LoadEData(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version);
-STAVIO_EXPORT int32_t SX_SaveEData(EXTAG tag, const EDataID* key, const void* buffer, int32_t size,
-                                   EVERSION version);
+STAVIO_EXPORT int32_t SX_SaveEData(EXTAG tag, const EDataID* key, const void* buffer, int32_t size, EVERSION version);
 STAVIO_EXPORT int32_t SX_CreateEData(EXTAG tag, EDataID* key, const void* buffer, int32_t size, EVERSION version);
 STAVIO_EXPORT int32_t SX_DeleteEData(EXTAG tag, const EDataID* key, EVERSION version);
 STAVIO_EXPORT int32_t SX_PreviousEData(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version);
@@ -41,8 +40,7 @@ STAVIO_EXPORT int32_t SX_SetDlgItemVal(EDLG dialog, int32_t item, int32_t value,
 STAVIO_EXPORT int32_t SX_KillTimer(EDLG dialog, int32_t timerId, EVERSION version);
 STAVIO_EXPORT int32_t SX_ShowHideDlgItem(EDLG dialog, int32_t item, int32_t show, EVERSION version);
 STAVIO_EXPORT ECONTROL SX_GetDlgCntl(EDLG dialog, int32_t item, EVERSION version);
-STAVIO_EXPORT int32_t SX_AlertMessage(EWND owner, int32_t style, int32_t stringId, const char* text,
-                                      EVERSION version);
+STAVIO_EXPORT int32_t SX_AlertMessage(EWND owner, int32_t style, int32_t stringId, const char* text, EVERSION version);
 
 // Score questions
 STAVIO_EXPORT int32_t SX_SlotToInst(int32_t slot, int32_t IUlist, EVERSION version);
@@ -65,28 +63,33 @@ STAVIO_EXPORT int32_t SX_ProcessMidiData(SxpMidiData* data, EVERSION version);
 STAVIO_EXPORT int32_t SX_AnalyzeChord(const EREGION* region, char* result, int32_t capacity, EVERSION version);
 
 // Slots whose arguments this host leaves open: each answers 0.
-#define STAVIO_UNTYPED_SLOTS(X)                                                                           \
-    X(SX_RebeamRegion) X(SX_RebarRegion) X(SX_ScrollTo) X(SX_ListenToMidi) X(SX_Playback) X(SX_CopyMidi)    \
-    X(SX_PasteMidi) X(SX_NoteMover) X(SX_SelectNote) X(SX_GetKeySig) X(SX_SetDlgFocus)                      \
-    X(SX_MidiNoteToString) X(SX_StringToMidiNote) X(SX_GetDlgItemUser) X(SX_SetDlgItemUser)                 \
-    X(SX_GetSyllable) X(SX_ParseCaretCommand) X(SX_UpdateLayout) X(SX_GetEntryMetrics)                      \
-    X(SX_GetQVFEntryMetrics) X(SX_FontDialog) X(SX_SymbolDialog) X(SX_SelectionDialog) X(SX_SyllableInfo)   \
-    X(SX_GetQVFDuration) X(SX_ReduceEntries) X(SX_MassEditProgress) X(SX_GetDlgString) X(SX_SetDlgString)   \
-    X(SX_GetShowLayer) X(SX_SetCurERegionMac) X(SX_SetCurrentOrmegaDocument)                                \
-    X(SX_GetCurrentOrmegaDocument) X(SX_GetNextOrmegaDocument) X(SX_GetDocumentPathMac)                     \
-    X(SX_SelectExpressionDialog) X(SX_MassMoverMac) X(SX_RebuildMenuSystem) X(SX_EnableBusyDetection)       \
-    X(SX_ExecuteMenuItem) X(SX_NewOrmegaDocument) X(SX_CloseOrmegaDocument) X(SX_IsOrmegaDocumentDirty)     \
-    X(SX_SetOrmegaDocumentDirty) X(SX_GetPrintSettings) X(SX_PrintCurrentDocument) X(SX_PrintDocument)      \
-    X(SX_PrintDocuments) X(SX_OpenDocument) X(SX_SaveDocument) X(SX_DeleteMidiExpressions)                  \
-    X(SX_DeleteTempoRecords) X(SX_GetWindowCount) X(SX_GetWindowInfoList) X(SX_GetCurrentWindowInfo)        \
-    X(SX_GetCurrentWindow) X(SX_SetCurrentWindow) X(SX_CloseCurrentDocumentWindow) X(SX_InsertMeasures)     \
-    X(SX_DeleteMeasures)
+#define STAVIO_UNTYPED_SLOTS(X)                                                                                        \
+    X(SX_RebeamRegion)                                                                                                 \
+    X(SX_RebarRegion) X(SX_ScrollTo) X(SX_ListenToMidi) X(SX_Playback) X(SX_CopyMidi) X(SX_PasteMidi) X(SX_NoteMover)  \
+        X(SX_SelectNote) X(SX_GetKeySig) X(SX_SetDlgFocus) X(SX_MidiNoteToString) X(SX_StringToMidiNote)               \
+            X(SX_GetDlgItemUser) X(SX_SetDlgItemUser) X(SX_GetSyllable) X(SX_ParseCaretCommand) X(SX_UpdateLayout)     \
+                X(SX_GetEntryMetrics) X(SX_GetQVFEntryMetrics) X(SX_FontDialog) X(SX_SymbolDialog)                     \
+                    X(SX_SelectionDialog) X(SX_SyllableInfo) X(SX_GetQVFDuration) X(SX_ReduceEntries)                  \
+                        X(SX_MassEditProgress) X(SX_GetDlgString) X(SX_SetDlgString) X(SX_GetShowLayer)                \
+                            X(SX_SetCurERegionMac) X(SX_SetCurrentOrmegaDocument) X(SX_GetCurrentOrmegaDocument)       \
+                                X(SX_GetNextOrmegaDocument) X(SX_GetDocumentPathMac) X(SX_SelectExpressionDialog)      \
+                                    X(SX_MassMoverMac) X(SX_RebuildMenuSystem) X(SX_EnableBusyDetection)               \
+                                        X(SX_ExecuteMenuItem) X(SX_NewOrmegaDocument) X(SX_CloseOrmegaDocument)        \
+                                            X(SX_IsOrmegaDocumentDirty) X(SX_SetOrmegaDocumentDirty)                   \
+                                                X(SX_GetPrintSettings) X(SX_PrintCurrentDocument) X(SX_PrintDocument)  \
+                                                    X(SX_PrintDocuments) X(SX_OpenDocument) X(SX_SaveDocument)         \
+                                                        X(SX_DeleteMidiExpressions) X(SX_DeleteTempoRecords)           \
+                                                            X(SX_GetWindowCount) X(SX_GetWindowInfoList)               \
+                                                                X(SX_GetCurrentWindowInfo) X(SX_GetCurrentWindow)      \
+                                                                    X(SX_SetCurrentWindow)                             \
+                                                                        X(SX_CloseCurrentDocumentWindow)               \
+                                                                            X(SX_InsertMeasures) X(SX_DeleteMeasures)
 
 #define STAVIO_DECLARE_UNTYPED_SLOT(name) STAVIO_EXPORT int32_t name();
 STAVIO_UNTYPED_SLOTS(STAVIO_DECLARE_UNTYPED_SLOT)
 #undef STAVIO_DECLARE_UNTYPED_SLOT
 
-}  // extern "C"
+}   // extern "C"
 
 namespace stavio::services {
 
@@ -106,4 +109,4 @@ Result OnCurrentHost(Result failure, Body body)
     }
 }
 
-}  // namespace stavio::services
+}   // namespace stavio::services

@@ -38,9 +38,8 @@ int16_t SX_FontNameToNum(const char* name, EVERSION)
         return -1;
     }
     const size_t length = strnlen(name, stavio::FontTable::kMaxNameLength + 1);
-    return OnCurrentHost<int16_t>(-1, [&](Host& host) {
-        return host.document().Fonts().NumberOf(std::string(name, length)).value_or(-1);
-    });
+    return OnCurrentHost<int16_t>(
+        -1, [&](Host& host) { return host.document().Fonts().NumberOf(std::string(name, length)).value_or(-1); });
 }
 
-}  // extern "C"
+}   // extern "C"

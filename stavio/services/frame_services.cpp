@@ -25,12 +25,14 @@ void SX_FreeQVF(EXQVF2005a* frame, EVERSION)
 
 int32_t SX_InsertEXENTRY(EXQVF2005a* frame, int32_t index, int32_t count, EVERSION)
 {
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return host.Frames().InsertEntries(frame, index, count) ? 1 : 0; });
+    return OnCurrentHost<int32_t>(0,
+                                  [&](Host& host) { return host.Frames().InsertEntries(frame, index, count) ? 1 : 0; });
 }
 
 int32_t SX_DeleteEXENTRY(EXQVF2005a* frame, int32_t index, int32_t count, EVERSION)
 {
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return host.Frames().DeleteEntries(frame, index, count) ? 1 : 0; });
+    return OnCurrentHost<int32_t>(0,
+                                  [&](Host& host) { return host.Frames().DeleteEntries(frame, index, count) ? 1 : 0; });
 }
 
-}  // extern "C"
+}   // extern "C"

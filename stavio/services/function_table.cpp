@@ -9,11 +9,12 @@ namespace stavio::services {
 namespace {
 
 // Slots 62, 77 and 78 carry no name: nothing can look them up, but the table still offers them.
-void UnnamedSlot() {}
+void UnnamedSlot()
+{}
 
 constexpr int kLastOlderHostSlot = 76;
 
-}  // namespace
+}   // namespace
 
 StavioFuncs BuildFunctionTable(HostPose pose)
 {
@@ -132,4 +133,4 @@ StavioFuncs BuildFunctionTable(HostPose pose)
     return table;
 }
 
-}  // namespace stavio::services
+}   // namespace stavio::services

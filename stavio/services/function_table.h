@@ -11,4 +11,4 @@ namespace stavio::services {
 // SX_IsMachO, stay empty.
 StavioFuncs BuildFunctionTable(HostPose pose);
 
-}  // namespace stavio::services
+}   // namespace stavio::services

@@ -13,7 +13,8 @@ int32_t SX_ProcessMidiData(SxpMidiData* data, EVERSION)
     if (data == nullptr) {
         return 0;
     }
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return stavio::midi_import::ProcessMidiData(host.document(), *data); });
+    return OnCurrentHost<int32_t>(
+        0, [&](Host& host) { return stavio::midi_import::ProcessMidiData(host.document(), *data); });
 }
 
-}  // extern "C"
+}   // extern "C"

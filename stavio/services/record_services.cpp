@@ -8,18 +8,20 @@ extern "C" {
 
 int32_t SX_LoadEData(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version)
 {
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return host.document().LoadRecord(tag, key, buffer, size, version); });
+    return OnCurrentHost<int32_t>(
+        0, [&](Host& host) { return host.document().LoadRecord(tag, key, buffer, size, version); });
 }
 
 int32_t SX_SaveEData(EXTAG tag, const EDataID* key, const void* buffer, int32_t size, EVERSION version)
 {
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return host.document().SaveRecord(tag, key, buffer, size, version); });
+    return OnCurrentHost<int32_t>(
+        0, [&](Host& host) { return host.document().SaveRecord(tag, key, buffer, size, version); });
 }
 
 int32_t SX_CreateEData(EXTAG tag, EDataID* key, const void* buffer, int32_t size, EVERSION version)
 {
-    return OnCurrentHost<int32_t>(0,
-                                  [&](Host& host) { return host.document().CreateRecord(tag, key, buffer, size, version); });
+    return OnCurrentHost<int32_t>(
+        0, [&](Host& host) { return host.document().CreateRecord(tag, key, buffer, size, version); });
 }
 
 int32_t SX_DeleteEData(EXTAG tag, const EDataID* key, EVERSION version)
@@ -35,7 +37,8 @@ int32_t SX_PreviousEData(EXTAG tag, EDataID* key, void* buffer, int32_t* size, E
 
 int32_t SX_NextEData(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version)
 {
-    return OnCurrentHost<int32_t>(0, [&](Host& host) { return host.document().NextRecord(tag, key, buffer, size, version); });
+    return OnCurrentHost<int32_t>(
+        0, [&](Host& host) { return host.document().NextRecord(tag, key, buffer, size, version); });
 }
 
-}  // extern "C"
+}   // extern "C"

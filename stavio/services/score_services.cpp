@@ -21,7 +21,7 @@ bool CopyField(const std::string& text, char* field, size_t capacity)
     return true;
 }
 
-}  // namespace
+}   // namespace
 
 extern "C" {
 
@@ -98,8 +98,14 @@ int32_t SX_GetStavioPathMac(EFSSPEC* folder, EVERSION)
     });
 }
 
-int32_t SX_IsMachO(EVERSION) { return 1; }
+int32_t SX_IsMachO(EVERSION)
+{
+    return 1;
+}
 
-int32_t SX_GetMaxLayers(EVERSION) { return stavio::kMaxLayers; }
+int32_t SX_GetMaxLayers(EVERSION)
+{
+    return stavio::kMaxLayers;
+}
 
-}  // extern "C"
+}   // extern "C"

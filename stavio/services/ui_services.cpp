@@ -14,12 +14,21 @@ namespace {
 
 // The dialog behind the plug-in's handle and one of its item numbers; null when the handle is
 // not a dialog the toolbox still keeps.
-toolbox::Dialog* LiveDialog(EDLG dialog) { return toolbox::LiveDialog(dialog); }
+toolbox::Dialog* LiveDialog(EDLG dialog)
+{
+    return toolbox::LiveDialog(dialog);
+}
 
-bool IsItemNumber(int32_t item) { return item >= 1 && item <= INT16_MAX; }
+bool IsItemNumber(int32_t item)
+{
+    return item >= 1 && item <= INT16_MAX;
+}
 
 // 1 when the toolbox did it, 0 when it refused (no such dialog or item).
-int32_t Done(toolbox::OSErr status) { return status == toolbox::kNoErr ? 1 : 0; }
+int32_t Done(toolbox::OSErr status)
+{
+    return status == toolbox::kNoErr ? 1 : 0;
+}
 
 template <typename Body>
 int32_t OnItem(EDLG handle, int32_t item, Body body)
@@ -31,7 +40,7 @@ int32_t OnItem(EDLG handle, int32_t item, Body body)
     return body(*dialog, static_cast<int16_t>(item));
 }
 
-}  // namespace
+}   // namespace
 
 extern "C" {
 
@@ -106,8 +115,9 @@ int32_t SX_SetDlgItemVal(EDLG handle, int32_t item, int32_t value, EVERSION vers
 
 int32_t SX_EnableDlgItem(EDLG handle, int32_t item, int32_t enable, EVERSION)
 {
-    return OnItem(handle, item,
-                  [&](toolbox::Dialog& dialog, int16_t number) { return Done(dialog.EnableItem(number, enable != 0)); });
+    return OnItem(handle, item, [&](toolbox::Dialog& dialog, int16_t number) {
+        return Done(dialog.EnableItem(number, enable != 0));
+    });
 }
 
 int32_t SX_ShowHideDlgItem(EDLG handle, int32_t item, int32_t show, EVERSION)
@@ -145,4 +155,4 @@ int32_t SX_KillTimer(EDLG handle, int32_t timerId, EVERSION)
     return Done(dialog->Timers().Kill(timerId));
 }
 
-}  // extern "C"
+}   // extern "C"

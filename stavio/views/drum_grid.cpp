@@ -50,9 +50,8 @@ std::pair<size_t, int> Cell(const MeasureColumns& columns, int32_t position)
     const auto beats = static_cast<int32_t>(columns.tripletBeat.size());
     const int32_t beat = std::clamp<int32_t>(position / grid.beat, 0, beats - 1);
     const int32_t offset = position - beat * grid.beat;
-    const int32_t column = columns.tripletBeat[static_cast<size_t>(beat)]
-                               ? (6 * offset + grid.beat) / (2 * grid.beat)
-                               : (2 * offset + grid.step) / (2 * grid.step);
+    const int32_t column = columns.tripletBeat[static_cast<size_t>(beat)] ? (6 * offset + grid.beat) / (2 * grid.beat)
+                                                                          : (2 * offset + grid.step) / (2 * grid.step);
     return {static_cast<size_t>(beat), std::clamp<int32_t>(column, 0, columns.Columns(static_cast<size_t>(beat)) - 1)};
 }
 
@@ -66,12 +65,14 @@ MeasureColumns ColumnsOf(const Document& doc, int32_t meas, const std::vector<Vi
     for (const ViewEntry& entry : entries) {
         if (entry.measure == meas && entry.tuplet) {
             const int32_t beat = entry.position / std::max(1, columns.grid.beat);
-            columns.tripletBeat[static_cast<size_t>(std::clamp<int32_t>(beat, 0, static_cast<int32_t>(beats) - 1))] = true;
+            columns.tripletBeat[static_cast<size_t>(std::clamp<int32_t>(beat, 0, static_cast<int32_t>(beats) - 1))] =
+                true;
         }
     }
     columns.firstColumn.push_back(0);
     for (size_t beat = 0; beat < beats; ++beat) {
-        const int width = columns.tripletBeat[beat] ? 3 : std::max(1, columns.grid.beat / std::max(1, columns.grid.step));
+        const int width =
+            columns.tripletBeat[beat] ? 3 : std::max(1, columns.grid.beat / std::max(1, columns.grid.step));
         columns.firstColumn.push_back(columns.firstColumn.back() + width);
     }
     return columns;
@@ -130,7 +131,7 @@ std::vector<KitRow> RowsFor(const std::vector<ViewEntry>& entries, const Percuss
     return rows;
 }
 
-}  // namespace
+}   // namespace
 
 std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure)
 {
@@ -166,7 +167,8 @@ std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasu
             const auto at = static_cast<size_t>(columns.firstColumn[beat] + column);
             for (int key : entries[next].keys) {
                 const auto row = static_cast<size_t>(
-                    std::find_if(rows.begin(), rows.end(), [key](const KitRow& r) { return r.key == key; }) - rows.begin());
+                    std::find_if(rows.begin(), rows.end(), [key](const KitRow& r) { return r.key == key; }) -
+                    rows.begin());
                 cells[row][at] = rows[row].mark;
             }
         }
@@ -181,4 +183,4 @@ std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasu
     return grid;
 }
 
-}  // namespace stavio::views
+}   // namespace stavio::views

@@ -28,7 +28,8 @@ std::vector<ViewEntry> CollectEntries(const Document& doc, int32_t inst, int32_t
                 view.position = entry.elldur;
                 view.duration = entry.actdur;
                 view.tuplet = (entry.ef & kEntryInTuplet) != 0;
-                const int notes = (entry.ef & kEntryIsNote) != 0 ? std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry) : 0;
+                const int notes =
+                    (entry.ef & kEntryIsNote) != 0 ? std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry) : 0;
                 std::vector<std::pair<int, int16_t>> keyed;
                 for (int i = 0; i < notes; ++i) {
                     const EXNOTE& note = entry.note[i];
@@ -69,4 +70,4 @@ std::string StaffEntriesJson(const Document& doc, int32_t inst, int32_t firstMea
     return json + "]";
 }
 
-}  // namespace stavio::views
+}   // namespace stavio::views

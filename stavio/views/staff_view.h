@@ -33,4 +33,4 @@ namespace stavio::views {
 std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure);
 std::string StaffEntriesJson(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure);
 
-}  // namespace stavio::views
+}   // namespace stavio::views

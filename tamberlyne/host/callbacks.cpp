@@ -8,7 +8,7 @@
 namespace {
 constexpr uint32_t kSystemVersionSelector = 0x73797376;   // 'sysv'
 constexpr uint32_t kLastClassicSystem = 0x0fff;
-}  // namespace
+}   // namespace
 
 bool IsStavioCFM()
 {

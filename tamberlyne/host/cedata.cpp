@@ -11,11 +11,10 @@ EDataID RecordKey(uint16_t id)
     key.other.cmper = id;
     return key;
 }
-}  // namespace
+}   // namespace
 
 CEData::CEData() : m_nID(0), m_pSpec(nullptr), m_exTag(0), m_nSpecSize(0), m_dataID{}
-{
-}
+{}
 
 CEData::~CEData() = default;
 

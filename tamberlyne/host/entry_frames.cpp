@@ -61,7 +61,7 @@ void CleanEntry(EXENTRY& entry)
     }
 }
 
-}  // namespace
+}   // namespace
 
 EXQVF2005a* SX_LoadQVF(int16_t IUlist, int16_t slot, int16_t meas, int16_t layer, int32_t flags, EVERSION version)
 {
@@ -107,8 +107,7 @@ void CleanQVF(const EXQVF2005a* frame, bool /*unused*/)
 
 LoadedFrame::LoadedFrame(int16_t IUlist, int16_t slot, int16_t meas, int16_t layer, int32_t flags, EVERSION version)
     : frame_(SX_LoadQVF(IUlist, slot, meas, layer, flags, version))
-{
-}
+{}
 
 // Every load counted one frame. A frame the host did not give is not handed back, but its count
 // is, so the counter still returns to what it was.

@@ -45,7 +45,7 @@ int32_t CallUntyped(SXProc slot, Args... args)
     return CallOr(0, As<Proc>(slot), args...);
 }
 
-}  // namespace
+}   // namespace
 
 StavioFuncs gStavioFuncs = EmptyTable();
 int32_t StavioEditDepth = 0;
@@ -307,8 +307,7 @@ ECONTROL SX_GetDlgCntl(EDLG dialog, int32_t item, EVERSION version)
 int32_t SX_AnalyzeChord(const EREGION* region, char* result, int32_t capacity, EVERSION version)
 {
     if (gStavioFuncs.SX_AnalyzeChord == nullptr) {
-        SX_AlertMessage(nullptr, 0, 0, "Chord Analysis API not present in this version of Stavio.",
-                        kPluginApiVersion);
+        SX_AlertMessage(nullptr, 0, 0, "Chord Analysis API not present in this version of Stavio.", kPluginApiVersion);
         return 0;
     }
     return gStavioFuncs.SX_AnalyzeChord(region, result, capacity, std::max(version, kChordAnalysisVersion));

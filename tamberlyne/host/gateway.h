@@ -33,11 +33,11 @@ int32_t SX_StartMassEdit(EVERSION version);
 int32_t SX_EndMassEdit(EVERSION version);
 
 // ---- Default when missing ------------------------------------------------------------------------
-int32_t SX_GetMaxLayers(EVERSION version = kPluginApiVersion);          // 4
-int32_t SX_IsMachO(EVERSION version = kPluginApiVersion);               // 0
+int32_t SX_GetMaxLayers(EVERSION version = kPluginApiVersion);                         // 4
+int32_t SX_IsMachO(EVERSION version = kPluginApiVersion);                              // 0
 int32_t SX_ProcessMidiData(SxpMidiData* data, EVERSION version = kPluginApiVersion);   // -1
-int32_t SX_GetStavioPathMac(EFSSPEC* folder, EVERSION version = kPluginApiVersion);     // 0
-int32_t SX_KillTimer(EDLG dialog, int32_t timerId, EVERSION version);                   // nothing
+int32_t SX_GetStavioPathMac(EFSSPEC* folder, EVERSION version = kPluginApiVersion);    // 0
+int32_t SX_KillTimer(EDLG dialog, int32_t timerId, EVERSION version);                  // nothing
 int32_t SX_GetCurERegions(EREGION* selection, EREGION* document, EVERSION version = kPluginApiVersion);
 int32_t SX_RedrawMusic(EVERSION version = kPluginApiVersion);
 // Document and window calls of newer hosts that the groove command does not need; each answers

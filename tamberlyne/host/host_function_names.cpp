@@ -114,7 +114,7 @@ constexpr const char* kNames[kFunctionSlotCount] = {
     "SX_GetDlgCntl",                   // 105
 };
 
-}  // namespace
+}   // namespace
 
 const char* HostFunctionName(int slot)
 {

@@ -17,26 +17,18 @@ constexpr int kWordsPerOtherRecord = 6;
 // Rows: bProcessed, the tag's last two characters, cmper, inci, structOffset, offsetInInci,
 // bytesize, conversion.
 PREFERENCE_LOCATION_MAPRECORD EDTPlaybackPrefs_MAP_ARRAY[] = {
-    {0, '1', '3', 0, 0, 0, 1, 2, MC_NONE},
-    {0, '3', '9', 0, 0, 2, 3, 2, MC_NONE},
-    {0, '3', '6', 0, 0, 4, 0, 2, MC_NONE},
-    {0, '3', '6', 0, 0, 6, 5, 2, MC_NONE},
-    {0, '3', '7', 0, 0, 8, 0, 2, MC_NONE},
-    {0, '3', '7', 0, 0, 10, 1, 2, MC_NONE},
+    {0, '1', '3', 0, 0, 0, 1, 2, MC_NONE},  {0, '3', '9', 0, 0, 2, 3, 2, MC_NONE},
+    {0, '3', '6', 0, 0, 4, 0, 2, MC_NONE},  {0, '3', '6', 0, 0, 6, 5, 2, MC_NONE},
+    {0, '3', '7', 0, 0, 8, 0, 2, MC_NONE},  {0, '3', '7', 0, 0, 10, 1, 2, MC_NONE},
     {0, '3', '7', 0, 0, 12, 2, 2, MC_NONE},
 };
 
 PREFERENCE_LOCATION_MAPRECORD EDTPianoBracePrefs_MAP_ARRAY[] = {
-    {0, '6', '5', 0, 0, 0, 0, 4, MC_MACFOURBYTE},
-    {0, '6', '5', 0, 0, 4, 2, 4, MC_MACFOURBYTE},
-    {0, '6', '5', 0, 0, 8, 4, 4, MC_MACFOURBYTE},
-    {0, '6', '0', 0, 0, 12, 0, 4, MC_MACFOURBYTE},
-    {0, '6', '0', 0, 0, 16, 2, 4, MC_MACFOURBYTE},
-    {0, '6', '0', 0, 0, 20, 4, 4, MC_MACFOURBYTE},
-    {0, '6', '1', 0, 0, 24, 0, 4, MC_MACFOURBYTE},
-    {0, '6', '1', 0, 0, 28, 2, 4, MC_MACFOURBYTE},
-    {0, '6', '4', 0, 0, 32, 0, 4, MC_MACFOURBYTE},
-    {0, '6', '4', 0, 0, 36, 2, 4, MC_MACFOURBYTE},
+    {0, '6', '5', 0, 0, 0, 0, 4, MC_MACFOURBYTE},  {0, '6', '5', 0, 0, 4, 2, 4, MC_MACFOURBYTE},
+    {0, '6', '5', 0, 0, 8, 4, 4, MC_MACFOURBYTE},  {0, '6', '0', 0, 0, 12, 0, 4, MC_MACFOURBYTE},
+    {0, '6', '0', 0, 0, 16, 2, 4, MC_MACFOURBYTE}, {0, '6', '0', 0, 0, 20, 4, 4, MC_MACFOURBYTE},
+    {0, '6', '1', 0, 0, 24, 0, 4, MC_MACFOURBYTE}, {0, '6', '1', 0, 0, 28, 2, 4, MC_MACFOURBYTE},
+    {0, '6', '4', 0, 0, 32, 0, 4, MC_MACFOURBYTE}, {0, '6', '4', 0, 0, 36, 2, 4, MC_MACFOURBYTE},
     {0, '4', '5', 0, 0, 40, 0, 4, MC_MACFOURBYTE},
 };
 
@@ -73,10 +65,10 @@ constexpr int16_t RowCount(const PREFERENCE_LOCATION_MAPRECORD (&)[N])
 
 struct ArrayMapRow {
     EXTAG prefTag;
-    uint16_t maxCmper;     // 0: any cmper; otherwise cmper 1 to maxCmper only
+    uint16_t maxCmper;   // 0: any cmper; otherwise cmper 1 to maxCmper only
     EXTAG otherTag;
     int16_t count;
-    bool inciFromCmper;    // first incidence cmper - 1, else 0
+    bool inciFromCmper;   // first incidence cmper - 1, else 0
 };
 
 constexpr ArrayMapRow kArrayMap[] = {
@@ -162,12 +154,9 @@ int16_t ReadTwoByteField(const EDTGeneric& record, const PREFERENCE_LOCATION_MAP
 {
     const int16_t word = record.words[row.offsetInInci];
     switch (row.conversion) {
-    case MC_INVERTBOOL:
-        return word == 0 ? 1 : 0;
-    case MC_SIGNEDBYTE:
-        return static_cast<int16_t>(static_cast<uint16_t>(word) & 0x00ff);
-    default:
-        return word;
+        case MC_INVERTBOOL: return word == 0 ? 1 : 0;
+        case MC_SIGNEDBYTE: return static_cast<int16_t>(static_cast<uint16_t>(word) & 0x00ff);
+        default: return word;
     }
 }
 
@@ -207,17 +196,17 @@ bool PutField(const char* buffer, const PREFERENCE_LOCATION_MAPRECORD& row, EDTG
     std::memcpy(&value, buffer + row.structOffset, sizeof(value));
     int16_t stored = value;
     switch (row.conversion) {
-    case MC_INVERTBOOL:
-        if ((words[k] != 0) != (value != 0)) {
-            return false;   // the kept flag already says the opposite of the field
-        }
-        stored = value == 0 ? 1 : 0;
-        break;
-    case MC_SIGNEDBYTE:
-        stored = static_cast<int16_t>((static_cast<uint16_t>(words[k]) & 0xff00) | (static_cast<uint16_t>(value) & 0x00ff));
-        break;
-    default:
-        break;
+        case MC_INVERTBOOL:
+            if ((words[k] != 0) != (value != 0)) {
+                return false;   // the kept flag already says the opposite of the field
+            }
+            stored = value == 0 ? 1 : 0;
+            break;
+        case MC_SIGNEDBYTE:
+            stored = static_cast<int16_t>((static_cast<uint16_t>(words[k]) & 0xff00) |
+                                          (static_cast<uint16_t>(value) & 0x00ff));
+            break;
+        default: break;
     }
     if (words[k] == stored) {
         return false;
@@ -247,7 +236,7 @@ void HandleGroup(PREFERENCE_LOCATION_MAPRECORD* map, int16_t rows, int16_t first
     }
 }
 
-}  // namespace
+}   // namespace
 
 bool mapPrefStruct(EXTAG tag, int16_t cmper, PREFERENCE_LOCATION_MAPRECORD** map, int16_t* rows)
 {

@@ -6,8 +6,8 @@
 
 #include "sdk/types.h"
 
-constexpr int32_t kOtherRecordSize = 12;      // an "other" record: six 16-bit words
-constexpr uint16_t kPreferenceCmper = 0xfffe; // the cmper under which preference pieces are kept
+constexpr int32_t kOtherRecordSize = 12;        // an "other" record: six 16-bit words
+constexpr uint16_t kPreferenceCmper = 0xfffe;   // the cmper under which preference pieces are kept
 
 enum MAP_ARRAY_CONVERSION : int32_t {
     MC_NONE = 0,
@@ -21,13 +21,13 @@ enum MAP_ARRAY_CONVERSION : int32_t {
 // static and writable: loading and saving mark the rows they have handled in bProcessed.
 struct PREFERENCE_LOCATION_MAPRECORD {
     int16_t bProcessed;
-    char firstChar;        // third character of the "ot" tag
-    char secondChar;       // fourth character of the "ot" tag
-    uint16_t cmper;        // 0 means the preference number 0xfffe
+    char firstChar;    // third character of the "ot" tag
+    char secondChar;   // fourth character of the "ot" tag
+    uint16_t cmper;    // 0 means the preference number 0xfffe
     int16_t inci;
-    int16_t structOffset;  // byte offset in the preference record
-    int16_t offsetInInci;  // first 16-bit word of the field in the 12-byte record (0 to 5)
-    int16_t bytesize;      // 2 or 4
+    int16_t structOffset;   // byte offset in the preference record
+    int16_t offsetInInci;   // first 16-bit word of the field in the 12-byte record (0 to 5)
+    int16_t bytesize;       // 2 or 4
     MAP_ARRAY_CONVERSION conversion;
 };
 
@@ -75,7 +75,7 @@ struct EDTPageFormatPrefs {
     int16_t leftPageLeftMargin;
     int16_t leftPageBottomMargin;
     int16_t leftPageRightMargin;
-    int16_t facingPages;            // 1: right-hand pages have margins of their own
+    int16_t facingPages;   // 1: right-hand pages have margins of their own
     int16_t rightPageTopMargin;
     int16_t rightPageLeftMargin;
     int16_t rightPageBottomMargin;
@@ -84,10 +84,10 @@ struct EDTPageFormatPrefs {
     int16_t systemLeftMargin;
     int16_t systemBottomMargin;
     int16_t systemRightMargin;
-    int16_t systemDistance;         // space between systems
+    int16_t systemDistance;   // space between systems
     int16_t firstSystemTopMargin;
-    int16_t firstSystemLeftMargin;  // indent of the first system
-    int16_t firstPageSystemCount;   // systems on the first page, 0 = as many as fit (0 to 255)
+    int16_t firstSystemLeftMargin;   // indent of the first system
+    int16_t firstPageSystemCount;    // systems on the first page, 0 = as many as fit (0 to 255)
 };
 static_assert(sizeof(EDTPageFormatPrefs) == 48, "EDTPageFormatPrefs is 48 bytes");
 

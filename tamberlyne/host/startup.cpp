@@ -18,11 +18,11 @@ namespace {
 constexpr uint32_t kReplySize = 32;
 
 // Host versions at which more of the table exists.
-constexpr uint32_t kHasShowLayer = 0x04000106;        // slot 61 above this
-constexpr uint32_t kHasDocumentCalls = 0x07ffffff;    // slots 62-76 above this
-constexpr uint32_t kHasWindowCalls = 0x08ffffff;      // slots 79-100 above this (by name only)
-constexpr uint32_t kHasMeasureCalls = 0x0affffff;     // slots 101-103 above this
-constexpr uint32_t kHasDialogItemCalls = 0x0b01ffff;  // slots 104-105 above this
+constexpr uint32_t kHasShowLayer = 0x04000106;         // slot 61 above this
+constexpr uint32_t kHasDocumentCalls = 0x07ffffff;     // slots 62-76 above this
+constexpr uint32_t kHasWindowCalls = 0x08ffffff;       // slots 79-100 above this (by name only)
+constexpr uint32_t kHasMeasureCalls = 0x0affffff;      // slots 101-103 above this
+constexpr uint32_t kHasDialogItemCalls = 0x0b01ffff;   // slots 104-105 above this
 
 // The entry points an older host receives in the reply, in the reply's order.
 struct EntryPointTemplate {
@@ -108,7 +108,7 @@ void FillByName(uint32_t version)
     }
 }
 
-}  // namespace
+}   // namespace
 
 int32_t PluginMain(StavioFuncs* hostFuncs, SXPluginFuncs* reply)
 {

@@ -19,13 +19,12 @@ std::optional<std::string> LookUp(int32_t id)
     toolbox::UseResFile(gResFile);
     const auto list = static_cast<int16_t>(static_cast<uint32_t>(id) >> 16);
     const auto entry = static_cast<int16_t>(id & 0xffff);
-    std::optional<std::string> text =
-        list == 0 ? toolbox::GetString(entry) : toolbox::GetIndString(list, entry);
+    std::optional<std::string> text = list == 0 ? toolbox::GetString(entry) : toolbox::GetIndString(list, entry);
     toolbox::UseResFile(previous);
     return text;
 }
 
-}  // namespace
+}   // namespace
 
 void HardGetPString(int32_t id, unsigned char* buf)
 {

@@ -8,15 +8,10 @@
 namespace {
 constexpr size_t kPlainTextBufferSize = 272;
 constexpr int32_t kTextSizeQuery = 256;
-}  // namespace
+}   // namespace
 
 CTextObject::CTextObject()
-    : m_szCaret('^'),
-      m_szTagParamStart('('),
-      m_szTagParamEnd(')'),
-      m_exTxtTag(kTagTextBody),
-      m_nTextID(0),
-      m_block{}
+    : m_szCaret('^'), m_szTagParamStart('('), m_szTagParamEnd(')'), m_exTxtTag(kTagTextBody), m_nTextID(0), m_block{}
 {
     m_exTag = kTagTextBlock;
     m_nSpecSize = static_cast<int32_t>(sizeof(EDTTextBlock2004));

@@ -43,7 +43,7 @@ EDataID GlobalKey(int number)
     return key;
 }
 
-}  // namespace
+}   // namespace
 
 bool sx_loadIU(int16_t system, int16_t slot, EDTInstrumentUsed& record)
 {

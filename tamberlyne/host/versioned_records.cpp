@@ -24,8 +24,7 @@ void WarnDeveloper(const char* text)
 // A record whose 2004 layout (`record2004`) has a size of its own: the older size always means
 // the older layout, and the 2004 size asked for under an older version is the caller's mistake,
 // put right with a warning.
-void CorrectFor2004Layout(int32_t size, int32_t olderSize, int32_t size2004, const char* record2004,
-                          EVERSION& version)
+void CorrectFor2004Layout(int32_t size, int32_t olderSize, int32_t size2004, const char* record2004, EVERSION& version)
 {
     if (size == olderSize && version > 0x08000000) {
         version = 0x08000000;
@@ -78,8 +77,7 @@ bool LoadPreZeroed(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSIO
 
 // A staff system definition the host does not hold exists all the same when its 12-byte "other"
 // record does: it is then delivered empty.
-bool LoadStaffSystemDef(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version,
-                        int32_t& result)
+bool LoadStaffSystemDef(EXTAG tag, EDataID* key, void* buffer, int32_t* size, EVERSION version, int32_t& result)
 {
     if (HostLoad(tag, key, buffer, size, version) != 0) {
         return false;
@@ -134,13 +132,12 @@ int32_t SavePreferenceArray(const PreferenceArrayMap& map, const void* buffer, i
     const auto* in = static_cast<const unsigned char*>(buffer);
     for (int16_t i = 0; i < map.count; ++i) {
         EDataID key = OtherKey(kPreferenceCmper, static_cast<int16_t>(map.firstInci + i));
-        gStavioFuncs.SX_SaveEData(map.otherTag, &key, in + i * kOtherRecordSize, kOtherRecordSize,
-                                  kPluginApiVersion);
+        gStavioFuncs.SX_SaveEData(map.otherTag, &key, in + i * kOtherRecordSize, kOtherRecordSize, kPluginApiVersion);
     }
     return 1;
 }
 
-}  // namespace
+}   // namespace
 
 void HandleOrmegaVersion(EXTAG tag, int32_t size, EVERSION& version)
 {
@@ -148,41 +145,34 @@ void HandleOrmegaVersion(EXTAG tag, int32_t size, EVERSION& version)
         return;
     }
     switch (tag) {
-    case kTagMeasureSpec:
-        if (size == 24) {
-            version = 0x09000000;
-        } else if (size == 26 && version <= 0x09ffffff) {
-            version = 0x0a000000;
-        }
-        break;
-    case kTagStaffSystemSpec:
-    case kTagStaffSystemSpecAlt:
-        if (size == 22) {
-            version = 0x05000000;
-        } else if (size == 24 && version <= 0x05ffffff) {
-            version = 0x06000000;
-        } else if (size == 28 && version <= 0x09ffffff) {
-            version = 0x0a000000;
-        }
-        break;
-    case kTagStaffSpec:
-        if (size == 66) {
-            version = 0x05000000;
-        } else if (size == 102) {
-            version = 0x08000000;
-        }
-        break;
-    case kTagTextBlock:
-        CorrectFor2004Layout(size, 48, 26, "EDTTextBlock2004", version);
-        break;
-    case kTagShapeExpression:
-        CorrectFor2004Layout(size, 12, 34, "EDTShapeExpression2004", version);
-        break;
-    case kTagGfhold:
-        CorrectFor2004Layout(size, 12, 10, "EDTGfhold2004", version);
-        break;
-    default:
-        break;
+        case kTagMeasureSpec:
+            if (size == 24) {
+                version = 0x09000000;
+            } else if (size == 26 && version <= 0x09ffffff) {
+                version = 0x0a000000;
+            }
+            break;
+        case kTagStaffSystemSpec:
+        case kTagStaffSystemSpecAlt:
+            if (size == 22) {
+                version = 0x05000000;
+            } else if (size == 24 && version <= 0x05ffffff) {
+                version = 0x06000000;
+            } else if (size == 28 && version <= 0x09ffffff) {
+                version = 0x0a000000;
+            }
+            break;
+        case kTagStaffSpec:
+            if (size == 66) {
+                version = 0x05000000;
+            } else if (size == 102) {
+                version = 0x08000000;
+            }
+            break;
+        case kTagTextBlock: CorrectFor2004Layout(size, 48, 26, "EDTTextBlock2004", version); break;
+        case kTagShapeExpression: CorrectFor2004Layout(size, 12, 34, "EDTShapeExpression2004", version); break;
+        case kTagGfhold: CorrectFor2004Layout(size, 12, 10, "EDTGfhold2004", version); break;
+        default: break;
     }
 }
 

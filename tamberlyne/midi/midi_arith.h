@@ -53,4 +53,4 @@ inline int32_t SaturatingAdd(int32_t a, int64_t b)
     return static_cast<int32_t>(sum);
 }
 
-}  // namespace midi_arith
+}   // namespace midi_arith

@@ -14,12 +14,12 @@ struct LEventRec {
     int32_t Beat = 0;          // beat from 1 when exactly on a beat, else 0
     int32_t MicsPerBeat = 0;   // tempo in microseconds per quarter note; 0 = no tempo
     int32_t tickinbar = 0;
-    int32_t EDUinbar = 0;      // position in the measure, 1024 to the beat
-    double Speed = 0.0;        // quarter notes per minute
-    bool stop = false;         // barrier: the usable timeline ends here
-    int32_t BPM = 0;           // beats per measure
-    int32_t TPB = 0;           // ticks per beat
-    int32_t TPM = 0;           // ticks per measure
+    int32_t EDUinbar = 0;   // position in the measure, 1024 to the beat
+    double Speed = 0.0;     // quarter notes per minute
+    bool stop = false;      // barrier: the usable timeline ends here
+    int32_t BPM = 0;        // beats per measure
+    int32_t TPB = 0;        // ticks per beat
+    int32_t TPM = 0;        // ticks per measure
     int32_t Denominator = 0;
     uint8_t hr = 0, mn = 0, se = 0, fr = 0, ff = 0;   // SMPTE offset
 };

@@ -4,13 +4,9 @@
 #include <cstring>
 
 MidiImage::MidiImage(char* block, int32_t size, int32_t capacity)
-    : block_(block),
-      size_(std::max<int32_t>(size, 0)),
-      capacity_(std::max(capacity, size_)),
-      gapStart_(size_),
+    : block_(block), size_(std::max<int32_t>(size, 0)), capacity_(std::max(capacity, size_)), gapStart_(size_),
       gapLength_(capacity_ - size_)
-{
-}
+{}
 
 void MidiImage::MoveGapTo(int32_t pos)
 {

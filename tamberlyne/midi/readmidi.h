@@ -28,8 +28,8 @@ public:
     bool CleanMidiFile(int32_t measurecount, LEventRec& Meter, int32_t& _TPQ, bool& foundanydrumnotes,
                        int32_t& lastnotebar, int32_t& lastnotetickinbar);
     bool DoConversion(bool& foundanydrumnotes, int32_t passnum);
-    void CheckTimeSignature(const EDTMeasureSpec& MeasSpec, bool& errorreported, int32_t CurrentBPM,
-                            int32_t CurrentTPB, int32_t meas);
+    void CheckTimeSignature(const EDTMeasureSpec& MeasSpec, bool& errorreported, int32_t CurrentBPM, int32_t CurrentTPB,
+                            int32_t meas);
     void CheckStop();
 
     // ---- Parsing --------------------------------------------------------------------------
@@ -74,8 +74,8 @@ public:
     int32_t CurrentLenOffset = 0;
 
     // ---- Reading state --------------------------------------------------------------------
-    int32_t FromMeasure = 1;      // first measure of interest; > 1 queues a boundary record
-    int32_t ToMeasure = 99999;    // last measure of interest; 99999 = open end
+    int32_t FromMeasure = 1;     // first measure of interest; > 1 queues a boundary record
+    int32_t ToMeasure = 99999;   // last measure of interest; 99999 = open end
     int32_t lastdrumnotebar = 0;
     int32_t lastdrumnotetickinbar = 0;
     bool remappedany = false;
@@ -107,7 +107,11 @@ public:
 
 private:
     struct TrackWalk;
-    enum class MetaResult { Next, EndOfTrack, Fail };
+    enum class MetaResult {
+        Next,
+        EndOfTrack,
+        Fail
+    };
 
     void AdvanceTime(TrackWalk& walk, int32_t delta);
     void QueueBoundary(TrackWalk& walk, int32_t targetBar);
@@ -123,7 +127,7 @@ private:
     static constexpr int kMaxAlerts = 64;
 
     MidiImage image_;
-    bool readPastEnd_ = false;       // a read of this track found no byte: the walk ends there
-    int64_t sysexScanBudget_ = 0;    // bytes the system-exclusive scans of this pass may still read
+    bool readPastEnd_ = false;      // a read of this track found no byte: the walk ends there
+    int64_t sysexScanBudget_ = 0;   // bytes the system-exclusive scans of this pass may still read
     int alertsShown_ = 0;
 };

@@ -29,7 +29,7 @@ size_t EventLimitFor(int32_t size)
 {
     return static_cast<size_t>(std::max(size, 0)) / 3 + 64;
 }
-}  // namespace
+}   // namespace
 
 TMidiRead::TMidiRead(char* buffer, int32_t& size, int32_t capacity)
     : inbuf(buffer), insize(size), Events(EventLimitFor(size)), image_(buffer, size, capacity)

@@ -7,7 +7,7 @@
 namespace {
 constexpr int32_t kHighestUnmovedKey = 59;
 constexpr uint16_t kMeasureAuxSkipCheck = 0x0040 | 0x0080;
-}  // namespace
+}   // namespace
 
 bool TMidiRead::CleanMidiFile(int32_t /*measurecount*/, LEventRec& Meter, int32_t& _TPQ, bool& foundanydrumnotes,
                               int32_t& lastnotebar, int32_t& lastnotetickinbar)
@@ -60,7 +60,8 @@ void TMidiRead::CheckTimeSignature(const EDTMeasureSpec& MeasSpec, bool& errorre
     if ((MeasSpec.auxflag & kMeasureAuxSkipCheck) != 0) return;
     if (errorreported) return;
     // Without ticks per quarter the groove's length is unknown and cannot match.
-    const int32_t grooveLength = midi_arith::SafeDiv(midi_arith::WrapMul(midi_arith::WrapMul(CurrentBPM, CurrentTPB), 1024), TPQ);
+    const int32_t grooveLength =
+        midi_arith::SafeDiv(midi_arith::WrapMul(midi_arith::WrapMul(CurrentBPM, CurrentTPB), 1024), TPQ);
     if (TPQ != 0 && grooveLength == MeasSpec.beats * MeasSpec.divbeat) return;
     errorreported = true;
     Alert(midi_alerts::kTimeSignatureMismatch);

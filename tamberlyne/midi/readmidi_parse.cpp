@@ -28,7 +28,7 @@ bool IsChunk(const unsigned char (&name)[5], const char* expected)
 {
     return std::memcmp(name, expected, 5) == 0;
 }
-}  // namespace
+}   // namespace
 
 // The local meter and position of one track walk, and the record being filled.
 struct TMidiRead::TrackWalk {
@@ -261,9 +261,8 @@ void TMidiRead::SkipSystemExclusive()
     }
 }
 
-bool TMidiRead::HandleChannelMessage(bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum,
-                                     int32_t StatusIndex, int32_t databyteidx, bool UsingRunningStatus,
-                                     const TrackWalk& walk)
+bool TMidiRead::HandleChannelMessage(bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum, int32_t StatusIndex,
+                                     int32_t databyteidx, bool UsingRunningStatus, const TrackWalk& walk)
 {
     if (TrackMayHaveNotes && (Status & 0x0F) == 9) {
         founddrumnotes = true;
@@ -385,8 +384,7 @@ TMidiRead::MetaResult TMidiRead::HandleMeta(int32_t Track, TrackWalk& walk)
             if (Track == 1 && CurrentTick == 0) InitialMeterEvent = ev;
             walk.EventChanged = true;
             return MetaResult::Next;
-        default:
-            return MetaResult::Next;
+        default: return MetaResult::Next;
     }
 }
 

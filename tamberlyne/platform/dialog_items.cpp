@@ -7,9 +7,12 @@ toolbox::Dialog* DialogModel(EDLG dialog)
 
 namespace {
 
-bool IsItemNumber(int32_t item) { return item >= 1 && item <= INT16_MAX; }
+bool IsItemNumber(int32_t item)
+{
+    return item >= 1 && item <= INT16_MAX;
+}
 
-}  // namespace
+}   // namespace
 
 void ShowDialogItem(EDLG dialog, int32_t item)
 {

@@ -13,7 +13,7 @@ constexpr int32_t kStatusMessageText = 0x4E200002;
 constexpr int32_t kUndoText = 0x4E200003;
 constexpr int16_t kPacketTextSize = 64;
 
-}  // namespace
+}   // namespace
 
 extern "C" {
 
@@ -63,8 +63,7 @@ int32_t StavioExtensionInvoke(EWND window, uint32_t /*unused*/, const EREGION* s
 }
 
 void StavioExtensionTerminate()
-{
-}
+{}
 
 uint32_t Ext_getversion(uint32_t hostVersion)
 {
@@ -96,4 +95,4 @@ void Ext_terminate()
     StavioExtensionTerminate();
 }
 
-}  // extern "C"
+}   // extern "C"

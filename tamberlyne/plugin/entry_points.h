@@ -26,8 +26,7 @@ TAMBERLYNE_EXPORT uint32_t Ext_getversion(uint32_t hostVersion);
 TAMBERLYNE_EXPORT int32_t Ext_init(EWND window, uint32_t* flags);
 TAMBERLYNE_EXPORT int32_t Ext_enumerate(void* unused, int32_t menuIndex, SXT_MENUSTRING_PACKET* packet);
 TAMBERLYNE_EXPORT int32_t Ext_getmenustatus(void* unused);
-TAMBERLYNE_EXPORT int32_t Ext_invoke(EWND window, uint32_t unused, const EREGION* selection,
-                                     const EREGION* document);
+TAMBERLYNE_EXPORT int32_t Ext_invoke(EWND window, uint32_t unused, const EREGION* selection, const EREGION* document);
 TAMBERLYNE_EXPORT void Ext_terminate();
 
-}  // extern "C"
+}   // extern "C"

@@ -38,9 +38,13 @@ bool ToHostFileSpec(const toolbox::FileSpec& spec, EFSSPEC& out)
     return true;
 }
 
-TemporaryMidiFile::TemporaryMidiFile(toolbox::FileSpec spec) : spec_(std::move(spec)) {}
+TemporaryMidiFile::TemporaryMidiFile(toolbox::FileSpec spec) : spec_(std::move(spec))
+{}
 
-TemporaryMidiFile::~TemporaryMidiFile() { Delete(); }
+TemporaryMidiFile::~TemporaryMidiFile()
+{
+    Delete();
+}
 
 bool TemporaryMidiFile::Write(const char* data, int32_t size)
 {

@@ -21,8 +21,8 @@ bool ToHostFileSpec(const toolbox::FileSpec& spec, EFSSPEC& out);
 // Delete, or at the latest when it ends, so that no path leaves it behind.
 class TemporaryMidiFile {
 public:
-    static constexpr uint32_t kCreator = 0x4D4F5550;   // "MOUP"
-    static constexpr uint32_t kFileType = 0x4D696469;  // "Midi"
+    static constexpr uint32_t kCreator = 0x4D4F5550;    // "MOUP"
+    static constexpr uint32_t kFileType = 0x4D696469;   // "Midi"
 
     explicit TemporaryMidiFile(toolbox::FileSpec spec);
     ~TemporaryMidiFile();

@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr int32_t kNewStaffDistance = 250;       // a new staff sits this far below the one above
-constexpr int kMaxRespellSteps = 128;            // more than any walk between two MIDI keys takes
+constexpr int32_t kNewStaffDistance = 250;   // a new staff sits this far below the one above
+constexpr int kMaxRespellSteps = 128;        // more than any walk between two MIDI keys takes
 constexpr int kMidiKeys = 128;
 
 // Creates a staff and places it below the staff above it; its slot in list 0 (0 when none).
@@ -42,7 +42,7 @@ void SetStaff(EREGION& region, int slot)
     region.start.IUslot = region.end.IUslot = static_cast<uint16_t>(slot);
 }
 
-}  // namespace
+}   // namespace
 
 bool ChooseTargetStaff(uint32_t options, EREGION& DoRegion)
 {
@@ -59,14 +59,13 @@ bool ChooseTargetStaff(uint32_t options, EREGION& DoRegion)
     return true;
 }
 
-void ImportRepeatedly(EREGION DoRegion, int32_t grooveBars, SxpMidiData& MidiFileDescriptor,
-                      const uint8_t* reverseMap)
+void ImportRepeatedly(EREGION DoRegion, int32_t grooveBars, SxpMidiData& MidiFileDescriptor, const uint8_t* reverseMap)
 {
     const int32_t loops = ImportLoops(SelRegion.start.meas, SelRegion.end.meas, grooveBars);
     int32_t first = SelRegion.start.meas;
     for (int32_t loop = 0; loop < loops; ++loop) {
-        const int32_t last = static_cast<int32_t>(
-            std::min<int64_t>(int64_t{first} + grooveBars - 1, SelRegion.end.meas));
+        const int32_t last =
+            static_cast<int32_t>(std::min<int64_t>(int64_t{first} + grooveBars - 1, SelRegion.end.meas));
         DoRegion.start.meas = static_cast<uint16_t>(first);
         DoRegion.end.meas = static_cast<uint16_t>(last);
         DoRegion.start.duraPos = 0;

@@ -17,8 +17,7 @@ bool ChooseTargetStaff(uint32_t options, EREGION& DoRegion);
 // `grooveBars`-measure groove from SelRegion's first measure to its last (the last repetition
 // cut at the region's end). When `reverseMap` is given (the cleaner moved pitches), every
 // imported measure is respelled with it.
-void ImportRepeatedly(EREGION DoRegion, int32_t grooveBars, SxpMidiData& MidiFileDescriptor,
-                      const uint8_t* reverseMap);
+void ImportRepeatedly(EREGION DoRegion, int32_t grooveBars, SxpMidiData& MidiFileDescriptor, const uint8_t* reverseMap);
 
 // Respells the notes of one imported frame: each note whose key the reverse map sends higher
 // (entry 0 = not moved) is raised to that key. Rests are left alone.

@@ -20,12 +20,19 @@
 
 namespace {
 
-enum GrooveStyle { kDrumStaffStyle = 0, kPercussionClefStyle = 1, kSlashStyle = 2 };
+enum GrooveStyle {
+    kDrumStaffStyle = 0,
+    kPercussionClefStyle = 1,
+    kSlashStyle = 2
+};
 
 constexpr uint16_t kNewStaffAltFlag = 0x1700;
 constexpr uint16_t kKeptAltFlagBits = 0x9FFE;   // clears 0x6001
 
-void Warn(int32_t alert) { SX_AlertMessage(nullptr, kAlertWarning, alert, nullptr); }
+void Warn(int32_t alert)
+{
+    SX_AlertMessage(nullptr, kAlertWarning, alert, nullptr);
+}
 
 // The groove as the cleaner leaves it, with what the driver needs to place it.
 struct CleanedGroove {
@@ -108,8 +115,8 @@ bool InsertGroove(uint32_t options)
     }
     TMidiRead MW(inbuffer.data(), fsize, static_cast<int32_t>(inbuffer.size()));
     CleanedGroove groove;
-    if (!MW.CleanMidiFile(DocRegion.end.meas, groove.Meter, groove.TPQ, groove.foundanydrumnotes,
-                          groove.lastnotebar, groove.lastnotetickinbar)) {
+    if (!MW.CleanMidiFile(DocRegion.end.meas, groove.Meter, groove.TPQ, groove.foundanydrumnotes, groove.lastnotebar,
+                          groove.lastnotetickinbar)) {
         return false;   // the reader has told the user what is wrong with the file
     }
     if (!groove.foundanydrumnotes || groove.lastnotebar <= 0) {
@@ -137,7 +144,7 @@ bool InsertGroove(uint32_t options)
     return true;
 }
 
-}  // namespace
+}   // namespace
 
 bool DoYourThing(EDLG /*dialog*/, uint32_t* optionsWord)
 {

@@ -8,7 +8,7 @@ namespace {
 
 constexpr int64_t kFillThresholdPercent = 70;
 
-}  // namespace
+}   // namespace
 
 int32_t TrimTrailingFill(int32_t lastnotebar, int32_t lastnotetickinbar, int32_t ticksPerMeasure)
 {

@@ -17,7 +17,7 @@ bool CoversWholeMeasures(const EREGION& region)
     return region.start.duraPos == 0 && region.end.duraPos == kEndOfMeasure;
 }
 
-}  // namespace
+}   // namespace
 
 bool CheckMeasureRegionSelection(EWND window)
 {

@@ -4,8 +4,8 @@
 #include "sdk/types.h"
 
 constexpr int32_t kGrooveDialogId = 20129;
-constexpr int32_t kAlertNoSelection = 0x4E210001;        // "use the whole document?"
-constexpr int32_t kAlertPartialMeasures = 0x4E21000B;    // "widen to whole measures?"
+constexpr int32_t kAlertNoSelection = 0x4E210001;       // "use the whole document?"
+constexpr int32_t kAlertPartialMeasures = 0x4E21000B;   // "widen to whole measures?"
 
 // Settles SelRegion from _pSelRegion and DocRegion, asking the user when nothing is selected
 // (the whole document on Yes) or when the selection cuts into a measure (widened on Yes).

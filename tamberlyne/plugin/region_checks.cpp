@@ -21,7 +21,7 @@ bool HoldsNotes(const EXQVF2005a& frame)
            (frame.numEntries == 1 && frame.pent != nullptr && (frame.pent[0].ef & kEntryIsNote) != 0);
 }
 
-}  // namespace
+}   // namespace
 
 bool CheckNoTimeSignatureChanges()
 {

@@ -117,7 +117,7 @@ int CreateDrumChannelDef()
     return cmper;
 }
 
-}  // namespace
+}   // namespace
 
 void PutClef(int inst, int16_t clef)
 {

@@ -7,9 +7,10 @@ namespace {
 constexpr int kMaxSlots = 1000;
 constexpr int kDefaultLoadCount = 30;
 
-}  // namespace
+}   // namespace
 
-TInstruments::TInstruments() : maxsize(0), _system(0) {}
+TInstruments::TInstruments() : maxsize(0), _system(0)
+{}
 
 TInstruments::TInstruments(int16_t system, bool unused) : maxsize(0), _system(0)
 {

@@ -64,7 +64,7 @@ void DefaultExpressionFont(int16_t& font, int16_t& size)
     size = 0;
 }
 
-}  // namespace
+}   // namespace
 
 bool AddLabel(const char* text, int inst, int meas, int16_t type)
 {

@@ -30,9 +30,10 @@ bool HoldsOnlyBeatRests(const EXQVF2005a& frame, const BeatRule& rule)
     return true;
 }
 
-}  // namespace
+}   // namespace
 
-TRemoveSlashNotation::TRemoveSlashNotation(const EREGION* region) : SelRegion(*region) {}
+TRemoveSlashNotation::TRemoveSlashNotation(const EREGION* region) : SelRegion(*region)
+{}
 
 bool TRemoveSlashNotation::Run(EWND /*window*/)
 {

@@ -19,9 +19,10 @@ constexpr int kLastStyle = 999;
 constexpr uint16_t kSlashStyleSfflag = 1;
 constexpr int16_t kFirstLayer = 0;
 
-}  // namespace
+}   // namespace
 
-TAddSlashNotation::TAddSlashNotation(const EREGION* region) : SelRegion(*region) {}
+TAddSlashNotation::TAddSlashNotation(const EREGION* region) : SelRegion(*region)
+{}
 
 bool TAddSlashNotation::Run()
 {

@@ -9,7 +9,6 @@
 
 namespace {
 
-
 bool LoadAssignment(int inst, int inci, EDTStaffStyleAssign& assignment)
 {
     assignment = EDTStaffStyleAssign{};
@@ -87,7 +86,7 @@ bool CutStaffAssignments(int inst, const EREGION& region, bool exclusiveOnly)
     return changed;
 }
 
-}  // namespace
+}   // namespace
 
 bool IsSlashStaffStyle(EDTStaffStyle2003 style)
 {

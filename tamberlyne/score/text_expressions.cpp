@@ -47,7 +47,7 @@ EDTTextExpressionHeader HeaderOf(const std::vector<char>& bytes)
     return header;
 }
 
-}  // namespace
+}   // namespace
 
 int CreateTextExpression(char* text, int16_t font, int16_t size, int16_t type)
 {

@@ -36,7 +36,7 @@ void DeselectAllCells(ListHandle list)
     } while (list->NextCell(cell));
 }
 
-}  // namespace
+}   // namespace
 
 void QVPaintOneList(ListHandle list)
 {

@@ -100,21 +100,14 @@ void OnOK(EDLG dialog, uint32_t* flags)
 void OnCommand(EDLG dialog, intptr_t item, uint32_t* flags)
 {
     switch (item) {
-    case kItemNewStaff:
-        ChooseStaffTarget(dialog, true);
-        break;
-    case kItemChosenStaff:
-        ChooseStaffTarget(dialog, false);
-        break;
-    case kItemCancel:
-        *flags |= kOptionCancelled;
-        SX_EndDialog(dialog, kDialogResultCancel, kPluginApiVersion);
-        break;
-    case kItemOK:
-        OnOK(dialog, flags);
-        break;
-    default:
-        break;
+        case kItemNewStaff: ChooseStaffTarget(dialog, true); break;
+        case kItemChosenStaff: ChooseStaffTarget(dialog, false); break;
+        case kItemCancel:
+            *flags |= kOptionCancelled;
+            SX_EndDialog(dialog, kDialogResultCancel, kPluginApiVersion);
+            break;
+        case kItemOK: OnOK(dialog, flags); break;
+        default: break;
     }
 }
 
@@ -137,7 +130,7 @@ void OnClose(EDLG dialog)
     g_hStaffList = nullptr;
 }
 
-}  // namespace
+}   // namespace
 
 int32_t TamberlyneDialogProc(EDLG dialog, uint32_t message, intptr_t wParam, intptr_t lParam, void* userFlags)
 {
@@ -145,28 +138,17 @@ int32_t TamberlyneDialogProc(EDLG dialog, uint32_t message, intptr_t wParam, int
     uint32_t* flags = userFlags != nullptr ? static_cast<uint32_t*>(userFlags) : &unusedFlags;
     try {
         switch (message) {
-        case kDlgMsgInit:
-            OnInitialise(dialog);
-            break;
-        case kDlgMsgCommand:
-            OnCommand(dialog, wParam, flags);
-            break;
-        case kDlgMsgTimer:
-            OnTimer(dialog);
-            break;
-        case kDlgMsgPaint:
-            OnPaint(dialog);
-            break;
-        case kDlgMsgClose:
-        case kDlgMsgCloseRequest:
-            OnClose(dialog);
-            break;
-        case kDlgMsgMouseDown:
-            OnLButtonDown(dialog, static_cast<int>(wParam), toolbox::MouseDownY(lParam),
-                          toolbox::MouseDownModifiers(lParam));
-            break;
-        default:
-            break;
+            case kDlgMsgInit: OnInitialise(dialog); break;
+            case kDlgMsgCommand: OnCommand(dialog, wParam, flags); break;
+            case kDlgMsgTimer: OnTimer(dialog); break;
+            case kDlgMsgPaint: OnPaint(dialog); break;
+            case kDlgMsgClose:
+            case kDlgMsgCloseRequest: OnClose(dialog); break;
+            case kDlgMsgMouseDown:
+                OnLButtonDown(dialog, static_cast<int>(wParam), toolbox::MouseDownY(lParam),
+                              toolbox::MouseDownModifiers(lParam));
+                break;
+            default: break;
         }
     } catch (...) {
         // Nothing crosses back into the host as an exception; the dialog stays as it is.

@@ -11,11 +11,11 @@
 // The dialog's items.
 constexpr int32_t kItemOK = 1;
 constexpr int32_t kItemCancel = 2;
-constexpr int32_t kItemGrooveList = 4;      // user item: the frame of the groove list
-constexpr int32_t kItemNewStaff = 6;        // radio: put the groove on a new staff
-constexpr int32_t kItemChosenStaff = 7;     // radio: put it on the staff of the pop-up (default)
-constexpr int32_t kItemStaffPopup = 8;      // one entry per staff of the selection
-constexpr int32_t kItemStylePopup = 11;     // entry = style number + 1
+constexpr int32_t kItemGrooveList = 4;    // user item: the frame of the groove list
+constexpr int32_t kItemNewStaff = 6;      // radio: put the groove on a new staff
+constexpr int32_t kItemChosenStaff = 7;   // radio: put it on the staff of the pop-up (default)
+constexpr int32_t kItemStaffPopup = 8;    // one entry per staff of the selection
+constexpr int32_t kItemStylePopup = 11;   // entry = style number + 1
 
 // The options word: bit 0 when radio 6 is on; Cancel sets 0x10000.
 constexpr uint32_t kOptionNewStaff = 0x1;

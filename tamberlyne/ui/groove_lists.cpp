@@ -15,7 +15,10 @@ namespace {
 
 constexpr size_t kExtensionLength = 4;
 
-std::string FieldText(const char* field, size_t capacity) { return std::string(field, strnlen(field, capacity)); }
+std::string FieldText(const char* field, size_t capacity)
+{
+    return std::string(field, strnlen(field, capacity));
+}
 
 // The folder "Tamberlyne" inside the host application's folder; false when the host cannot
 // say where it lives or either folder is missing.
@@ -71,7 +74,7 @@ void AppendGrooveRow(const std::string& text)
     }
 }
 
-}  // namespace
+}   // namespace
 
 bool IsGrooveFileName(const std::string& name)
 {

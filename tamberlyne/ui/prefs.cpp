@@ -9,7 +9,10 @@
 namespace {
 
 // Opens the preferences file read-write and makes it current; -1 when it cannot be opened.
-toolbox::ResFileRef OpenPrefsFile(const toolbox::FileSpec& spec) { return toolbox::OpenResFile(spec, false); }
+toolbox::ResFileRef OpenPrefsFile(const toolbox::FileSpec& spec)
+{
+    return toolbox::OpenResFile(spec, false);
+}
 
 bool IsMissingFileError(toolbox::OSErr error)
 {
@@ -25,7 +28,7 @@ std::string ResourceName(const char* name)
     return std::string(name, strnlen(name, 255));
 }
 
-}  // namespace
+}   // namespace
 
 long GetSettings(int16_t id, char* buffer, long size, const char* fileName)
 {

@@ -32,7 +32,7 @@ void WithWhiteBackground(ListHandle list, int line, Operation operation)
     port->RestoreState(saved);
 }
 
-}  // namespace
+}   // namespace
 
 bool LSetSelectWhite(bool setIt, toolbox::Cell cell, ListHandle list)
 {
@@ -71,7 +71,8 @@ int LAddRowWhite(int count, int beforeRow, ListHandle list)
 bool LClickWhite(toolbox::Point point, toolbox::Modifiers modifiers, ListHandle list, uint64_t when)
 {
     bool doubleClick = false;
-    WithWhiteBackground(list, __LINE__, [&](toolbox::ListControl& l) { doubleClick = l.Click(point, modifiers, when); });
+    WithWhiteBackground(list, __LINE__,
+                        [&](toolbox::ListControl& l) { doubleClick = l.Click(point, modifiers, when); });
     return doubleClick;
 }
 
@@ -91,4 +92,7 @@ void LSetCellWhite(const void* data, int dataLength, toolbox::Cell cell, ListHan
     WithWhiteBackground(list, __LINE__, [&](toolbox::ListControl& l) { l.SetCellText(cell, text); });
 }
 
-int WhiteListAssertionFailures() { return gAssertionFailures; }
+int WhiteListAssertionFailures()
+{
+    return gAssertionFailures;
+}

@@ -32,7 +32,10 @@ bool NearAThird(int32_t position)   // of a quarter: a triplet eighth
     return std::abs(position % 1024 - 341) <= 8 || std::abs(position % 1024 - 683) <= 8;
 }
 
-int KeyOf(const EXENTRY& entry, int i) { return stavio::NoteToMidiKey(entry.note[i].tcd, entry.note[i].alteration); }
+int KeyOf(const EXENTRY& entry, int i)
+{
+    return stavio::NoteToMidiKey(entry.note[i].tcd, entry.note[i].alteration);
+}
 
 // Checks one measure against the hits of its bar; true when it holds a tuplet.
 bool CheckMeasure(const stavio::FrameContent& frame, const std::vector<Expected>& hits, int32_t length)
@@ -108,7 +111,8 @@ TEST(GrooveLibraryImport, EveryGrooveMatchesItsMidiFileBarByBar)
 // Loosely played copies: every hit moved by up to about a 200th of a second either way.
 TEST(GrooveLibraryImport, JitteredCopiesQuantiseLikeTheOriginal)
 {
-    for (const char* name : {"Rock 8ths", "Funk 16ths Ghost Notes", "Pop 16ths", "Waltz 3-4", "Jazz Swing", "Shuffle"}) {
+    for (const char* name :
+         {"Rock 8ths", "Funk 16ths Ghost Notes", "Pop 16ths", "Waltz 3-4", "Jazz Swing", "Shuffle"}) {
         SCOPED_TRACE(name);
         const Bytes file = ReadBytes(GrooveLibrary() + "/" + name + ".mid");
         const Listing midi = ListDrumHits(file);
@@ -128,10 +132,11 @@ TEST(GrooveLibraryImport, JitteredCopiesQuantiseLikeTheOriginal)
             const Bytes looseFile = DrumFile(midi.tpq, midi.numerator, midi.denominator, played);
             ASSERT_TRUE(ImportMidiBytes(loose, Region(1, 1, bars), looseFile, "loose.mid", error)) << error;
             for (int meas = 1; meas <= bars; ++meas) {
-                EXPECT_EQ(Describe(loose, 1, meas), Describe(original, 1, meas)) << "seed " << seed << ", measure " << meas;
+                EXPECT_EQ(Describe(loose, 1, meas), Describe(original, 1, meas))
+                    << "seed " << seed << ", measure " << meas;
             }
         }
     }
 }
 
-}  // namespace
+}   // namespace

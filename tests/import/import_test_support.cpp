@@ -40,7 +40,12 @@ std::vector<std::string> GrooveFiles()
 
 stavio::Document DrumDocument(int measures, int16_t beats, int16_t divbeat)
 {
-    return stavio::DocumentBuilder().Measures(measures, beats, divbeat).Staff("Drum Set").DrumStaff(1).Staff("Piano").Build();
+    return stavio::DocumentBuilder()
+        .Measures(measures, beats, divbeat)
+        .Staff("Drum Set")
+        .DrumStaff(1)
+        .Staff("Piano")
+        .Build();
 }
 
 std::string Describe(const stavio::FrameContent& frame)
@@ -52,7 +57,8 @@ std::string Describe(const stavio::FrameContent& frame)
         text += (entry.ef & kEntryInTuplet) != 0 ? "t" : "";
         text += (entry.ef & kEntryIsNote) == 0 ? ":r" : "";
         for (int i = 0; (entry.ef & kEntryIsNote) != 0 && i < entry.numNotes; ++i) {
-            text += (i == 0 ? ":" : ",") + std::to_string(stavio::NoteToMidiKey(entry.note[i].tcd, entry.note[i].alteration));
+            text += (i == 0 ? ":" : ",") +
+                    std::to_string(stavio::NoteToMidiKey(entry.note[i].tcd, entry.note[i].alteration));
         }
     }
     return text;
@@ -64,4 +70,4 @@ std::string Describe(const stavio::Document& doc, int32_t inst, int32_t meas)
     return frame ? Describe(*frame) : "(no frame)";
 }
 
-}  // namespace import_test
+}   // namespace import_test

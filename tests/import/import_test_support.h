@@ -42,4 +42,4 @@ inline EREGION Region(int slot, int first, int last)
 std::string Describe(const stavio::FrameContent& frame);
 std::string Describe(const stavio::Document& doc, int32_t inst, int32_t meas);   // layer 0
 
-}  // namespace import_test
+}   // namespace import_test

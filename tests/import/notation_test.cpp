@@ -29,7 +29,8 @@ TEST(ImportNotation, StraightBeatsGiveChordsNotesToTheNextHitAndMergedRests)
     EXPECT_EQ(Imported({{0, 36}, {0, 42}, {240, 42}, {480, 38}, {480, 42}, {720, 42}}),
               "0+512:36,42 | 512+512:42 | 1024+512:38,42 | 1536+512:42 | 2048+2048:r");
     // A note lasts to the end of its beat at most; a beat that starts late starts with a rest.
-    EXPECT_EQ(Imported({{240, 36}, {480, 36}, {840, 38}}), "0+512:r | 512+512:36 | 1024+768:36 | 1792+256:38 | 2048+2048:r");
+    EXPECT_EQ(Imported({{240, 36}, {480, 36}, {840, 38}}),
+              "0+512:r | 512+512:36 | 1024+768:36 | 1792+256:38 | 2048+2048:r");
     // Rests merge only where the longer rest starts on its own multiple.
     EXPECT_EQ(Imported({{480, 38}}), "0+1024:r | 1024+1024:38 | 2048+2048:r");
     EXPECT_EQ(Imported({{1440, 38}}), "0+2048:r | 2048+1024:r | 3072+1024:38");
@@ -89,4 +90,4 @@ TEST(ImportNotation, KeysAreSpelledSoThatTheHostGivesThemBack)
     }
 }
 
-}  // namespace
+}   // namespace

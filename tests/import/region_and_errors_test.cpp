@@ -75,8 +75,8 @@ TEST(ImportRegion, RefusedRegionsChangeNothing)
     const Document before = FilledDocument();
     EREGION otherList = Region(1, 1, 2);
     otherList.start.IUlist = 1;
-    for (const EREGION& region : {Region(3, 1, 2), Region(0, 1, 2), Region(1, 0, 2), Region(1, 3, 2), Region(1, 9, 11),
-                                  otherList}) {
+    for (const EREGION& region :
+         {Region(3, 1, 2), Region(0, 1, 2), Region(1, 0, 2), Region(1, 3, 2), Region(1, 9, 11), otherList}) {
         Document doc = FilledDocument();
         std::string error;
         EXPECT_FALSE(ImportMidiFile(doc, region, kRock, error));
@@ -131,8 +131,7 @@ TEST(ImportErrors, RunningStatusAfterANeutralisedOneByteMessageStaysInStep)
         0x00, 0xFF, 0x58, 0x04, 0x04, 0x02, 0x18, 0x08,   // 4/4
         0x00, 0x89, 0x00, 0x40,                           // was C0 05, lengthened by one byte
         0x00, 0x06,                                       // program change by running status: one byte
-        0x00, 0x07,
-        0x00, 0x99, 0x24, 0x64,                           // kick at 0
+        0x00, 0x07, 0x00, 0x99, 0x24, 0x64,               // kick at 0
         0x83, 0x60, 0x99, 0x26, 0x64,                     // snare at 480
         0x00, 0x89, 0x00, 0x40,                           // was B0 07 64
         0x00, 0x0A, 0x40,                                 // controller by running status: two bytes
@@ -143,8 +142,8 @@ TEST(ImportErrors, RunningStatusAfterANeutralisedOneByteMessageStaysInStep)
     };
     Document doc = DrumDocument(1);
     std::string error;
-    ASSERT_TRUE(ImportMidiBytes(doc, Region(1, 1, 1), Concat({Header(0, 1, 480), Chunk("MTrk", body)}), "clean.mid",
-                                error))
+    ASSERT_TRUE(
+        ImportMidiBytes(doc, Region(1, 1, 1), Concat({Header(0, 1, 480), Chunk("MTrk", body)}), "clean.mid", error))
         << error;
     EXPECT_EQ(Describe(doc, 1, 1), "0+1024:36 | 1024+1024:38,42 | 2048+2048:r");
 }
@@ -177,4 +176,4 @@ TEST(ImportService, ProcessMidiDataImportsIntoTheCurrentHostsDocumentAndAnswersZ
     EXPECT_TRUE(host.document().Records() == imported);
 }
 
-}  // namespace
+}   // namespace

@@ -13,12 +13,13 @@ using namespace import_test;
 // snare and hi-hat on beat 2, then silence.
 stavio::Document KnownPattern()
 {
-    std::vector<DrumHit> hits{{0, 49}, {0, 36}, {480, 38}, {1440, 38}, {1200, 36},
+    std::vector<DrumHit> hits{{0, 49},    {0, 36},    {480, 38},  {1440, 38}, {1200, 36},
                               {1920, 42}, {1920, 36}, {2240, 42}, {2400, 38}, {2400, 42}};
     for (int tick = 0; tick < 1920; tick += 240) hits.push_back({tick, 42});
     stavio::Document doc = DrumDocument(3);
     std::string error;
-    EXPECT_TRUE(stavio::midi_import::ImportMidiBytes(doc, Region(1, 1, 2), DrumFile(480, 4, 4, hits), "known.mid", error))
+    EXPECT_TRUE(
+        stavio::midi_import::ImportMidiBytes(doc, Region(1, 1, 2), DrumFile(480, 4, 4, hits), "known.mid", error))
         << error;
     return doc;
 }
@@ -36,12 +37,15 @@ TEST(StaffView, DrumGridShowsOneLinePerKitPieceAndAColumnPerStep)
 
 TEST(StaffView, DrumGridNamesUnknownKeysAndSkipsMissingMeasuresAndStaves)
 {
-    const stavio::Document doc =
-        stavio::DocumentBuilder().Measures(1).Staff("Drums").DrumStaff(1).Entries(1, 1, 0, {stavio::Note(30, 4096)}).Build();
-    EXPECT_EQ(stavio::views::RenderDrumGrid(doc, 1, 1, 5),
-              "Measure |1               |\n"
-              "Beat    |1   2   3   4   |\n"
-              "Key 30  |o---------------|\n");
+    const stavio::Document doc = stavio::DocumentBuilder()
+                                     .Measures(1)
+                                     .Staff("Drums")
+                                     .DrumStaff(1)
+                                     .Entries(1, 1, 0, {stavio::Note(30, 4096)})
+                                     .Build();
+    EXPECT_EQ(stavio::views::RenderDrumGrid(doc, 1, 1, 5), "Measure |1               |\n"
+                                                           "Beat    |1   2   3   4   |\n"
+                                                           "Key 30  |o---------------|\n");
     EXPECT_EQ(stavio::views::RenderDrumGrid(doc, 2, 1, 1), "");
     EXPECT_EQ(stavio::views::StaffEntriesJson(doc, 2, 1, 1), "[]");
 }
@@ -55,4 +59,4 @@ TEST(StaffView, JsonGivesEachEntryWithPositionDurationKeysAndTuplet)
               "{\"measure\":2,\"layer\":0,\"position\":2048,\"duration\":2048,\"rest\":true,\"tuplet\":false}]");
 }
 
-}  // namespace
+}   // namespace

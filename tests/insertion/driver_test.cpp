@@ -32,14 +32,16 @@ protected:
     std::vector<int> Labels(int inst, int meas) { return score_test::Labels(doc(), inst, meas); }
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(Driver, RefusedMeasuresAndMeterChangesStopBeforeTheGrooveIsRead)
 {
     // (refused measure, meter change from measure) over region 3..6 -> alert (0: the groove is read)
-    for (const auto& [refused, change, alert] : std::vector<std::array<int, 3>>{
-             {3, 0, kAlertRefusedMeasure}, {6, 0, kAlertRefusedMeasure}, {0, 5, kAlertTimeSignatureChange},
-             {0, 3, 0}, {0, 7, 0}}) {
+    for (const auto& [refused, change, alert] : std::vector<std::array<int, 3>>{{3, 0, kAlertRefusedMeasure},
+                                                                                {6, 0, kAlertRefusedMeasure},
+                                                                                {0, 5, kAlertTimeSignatureChange},
+                                                                                {0, 3, 0},
+                                                                                {0, 7, 0}}) {
         DocumentBuilder builder;
         builder.Measures(8).Staff("Drums");
         if (refused) builder.MeasureFlags(refused, kMeasureAuxRefused);
@@ -99,9 +101,11 @@ TEST_F(Driver, OverwritingNotesIsAskedUnlessTheGrooveGoesOntoANewStaff)
 TEST_F(Driver, MetersAreComparedWithTheRegionsFirstMeasure)
 {
     // (beats, divbeat, groove) -> accepted
-    for (const auto& [beats, divbeat, groove, accepted] : std::vector<std::tuple<int16_t, int16_t, std::string, bool>>{
-             {4, 1024, "Cut Time Two Beat", true}, {4, 1024, "Waltz 3-4", false}, {2, 1536, "Afro-Cuban 6-8", true},
-             {4, 768, "Waltz 3-4", false}}) {
+    for (const auto& [beats, divbeat, groove, accepted] :
+         std::vector<std::tuple<int16_t, int16_t, std::string, bool>>{{4, 1024, "Cut Time Two Beat", true},
+                                                                      {4, 1024, "Waltz 3-4", false},
+                                                                      {2, 1536, "Afro-Cuban 6-8", true},
+                                                                      {4, 768, "Waltz 3-4", false}}) {
         StartOn(DocumentBuilder().Measures(4, beats, divbeat).Staff("Drums").Build(), 2, 3);
         UseLibraryGroove(groove);
         frontEnd.ClearAlerts();
@@ -117,11 +121,14 @@ TEST_F(Driver, TheGrooveIsRepeatedOverTheRegionAndTheLastRepetitionCut)
     for (const auto& [groove, first, last, spans] : std::vector<std::tuple<std::vector<uint8_t>, int, int, Spans>>{
              {{}, 1, 10, {{1, 4}, {5, 8}, {9, 10}}},
              {{}, 3, 4, {{3, 4}}},
-             {SmallGroove({{0, 49}}), 2, 4, {{2, 2}, {3, 3}, {4, 4}}},           // one bar, never shortened
-             {SmallGroove({{0, 36}, {1920, 49}}), 1, 2, {{1, 1}, {2, 2}}},       // a crash after one bar
+             {SmallGroove({{0, 49}}), 2, 4, {{2, 2}, {3, 3}, {4, 4}}},       // one bar, never shortened
+             {SmallGroove({{0, 36}, {1920, 49}}), 1, 2, {{1, 1}, {2, 2}}},   // a crash after one bar
              {SmallGroove({{0, 36}, {1920 + 1440, 42}}), 1, 3, {{1, 2}, {3, 3}}}}) {
         StartOn(DocumentBuilder().Measures(12).Staff("Drums").Staff("Bass").Build(), first, last);
-        if (groove.empty()) UseLibraryGroove("Rock 8ths Fill"); else UseGrooveBytes(groove);
+        if (groove.empty())
+            UseLibraryGroove("Rock 8ths Fill");
+        else
+            UseGrooveBytes(groove);
         calls.clear();
         EXPECT_TRUE(Run(0, 0, 1));
         EXPECT_EQ(Imported(), spans);

@@ -27,20 +27,19 @@ bool Fits(int16_t beats, int16_t divbeat, int32_t grooveBeats, int32_t grooveEdu
     return GrooveMeterFits(measure, Meter(grooveBeats, grooveEdu * 480 / 1024), 480);
 }
 
-}  // namespace
+}   // namespace
 
 TEST(GrooveRules, ATrailingFillInTheFirstSeventyPercentIsNoRepetition)
 {
     // A closing crash on the downbeat, at 69.9 % and 70 %; a one-bar groove keeps its bar; no measure
     // length: nothing to judge.
     EXPECT_EQ(support::Ints(TrimTrailingFill(5, 0, 1920), TrimTrailingFill(5, 1343, 1920),
-                            TrimTrailingFill(5, 1344, 1920),
-                            TrimTrailingFill(1, 0, 1920), TrimTrailingFill(2, 0, 0)),
+                            TrimTrailingFill(5, 1344, 1920), TrimTrailingFill(1, 0, 1920), TrimTrailingFill(2, 0, 0)),
               support::Ints(4, 4, 5, 1, 2));
     // Region 10, groove 4: three imports; region 2, groove 4: one.
-    EXPECT_EQ((std::vector<int32_t>{ImportLoops(1, 10, 4), ImportLoops(3, 4, 4), ImportLoops(1, 8, 4),
-                                    ImportLoops(5, 5, 1)}),
-              (std::vector<int32_t>{3, 1, 2, 1}));
+    EXPECT_EQ(
+        (std::vector<int32_t>{ImportLoops(1, 10, 4), ImportLoops(3, 4, 4), ImportLoops(1, 8, 4), ImportLoops(5, 5, 1)}),
+        (std::vector<int32_t>{3, 1, 2, 1}));
 }
 
 TEST(GrooveRules, MetersFitOnLengthAndOnBeatsCountedPlainOrDotted)
@@ -50,10 +49,16 @@ TEST(GrooveRules, MetersFitOnLengthAndOnBeatsCountedPlainOrDotted)
               (std::vector<int32_t>{0, 1, 512, 1024, 1024, 2048, 15, 14}));
     // (beats, divbeat, groove beats, groove EDU) -> fits: 2/2 against 4/4 does, lengths agreeing with beats
     // that do not does not, 6/8 as two dotted quarters does.
-    for (const auto& [beats, divbeat, grooveBeats, grooveEdu, fits] : std::vector<std::array<int, 5>>{
-             {4, 1024, 4, 4096, 1}, {4, 1024, 2, 4096, 1}, {2, 2048, 4, 4096, 1}, {4, 1024, 3, 4096, 0},
-             {4, 1024, 4, 3072, 0}, {2, 1536, 6, 3072, 1}, {2, 1536, 3, 3072, 0}, {6, 512, 6, 3072, 1},
-             {3, 1024, 6, 3584, 0}})
+    for (const auto& [beats, divbeat, grooveBeats, grooveEdu, fits] :
+         std::vector<std::array<int, 5>>{{4, 1024, 4, 4096, 1},
+                                         {4, 1024, 2, 4096, 1},
+                                         {2, 2048, 4, 4096, 1},
+                                         {4, 1024, 3, 4096, 0},
+                                         {4, 1024, 4, 3072, 0},
+                                         {2, 1536, 6, 3072, 1},
+                                         {2, 1536, 3, 3072, 0},
+                                         {6, 512, 6, 3072, 1},
+                                         {3, 1024, 6, 3584, 0}})
         EXPECT_EQ(Fits(int16_t(beats), int16_t(divbeat), grooveBeats, grooveEdu), fits != 0)
             << beats << " x " << divbeat << " against " << grooveBeats << " in " << grooveEdu;
 }
@@ -63,7 +68,9 @@ class Respelling : public score_test::ScoreTest {};
 TEST_F(Respelling, MovedKeysGoBackUpAndEverythingElseStays)
 {
     using stavio::Note;
-    Start(stavio::DocumentBuilder().Measures(1).Staff("Drums")
+    Start(stavio::DocumentBuilder()
+              .Measures(1)
+              .Staff("Drums")
               .Entries(1, 1, 0, {Note(37, 1024), stavio::Chord({36, 41}, 1024), stavio::Rest(1024), Note(50, 1024)})
               .Build());
     uint8_t reverseMap[128] = {};

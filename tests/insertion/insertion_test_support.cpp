@@ -26,9 +26,12 @@ int32_t WatchImport(SxpMidiData* data, EVERSION version)
     return call.answer;
 }
 
-std::string GroovePath(const std::string& name) { return support::GrooveLibrary() + "/" + name + ".mid"; }
+std::string GroovePath(const std::string& name)
+{
+    return support::GrooveLibrary() + "/" + name + ".mid";
+}
 
-}  // namespace
+}   // namespace
 
 std::vector<Onset> GrooveOnsets(const std::string& grooveName)
 {
@@ -38,8 +41,8 @@ std::vector<Onset> GrooveOnsets(const std::string& grooveName)
     for (const auto& track : file.tracks) {
         for (const support::SmfEvent& ev : track)
             if (ev.IsNoteOn() && ev.Channel() == 10)
-                onsets[{ev.tick / ticksPerMeasure + 1,
-                        ev.tick % ticksPerMeasure * kEduPerQuarter / file.division}].push_back(ev.data1);
+                onsets[{ev.tick / ticksPerMeasure + 1, ev.tick % ticksPerMeasure * kEduPerQuarter / file.division}]
+                    .push_back(ev.data1);
         if (!onsets.empty()) break;   // only the first drum track is imported
     }
     std::vector<Onset> result;
@@ -73,7 +76,10 @@ InsertionTest::InsertionTest() : calls(gCalls)
     gPassOn = &passImportsOn;
 }
 
-InsertionTest::~InsertionTest() { gPassOn = nullptr; }
+InsertionTest::~InsertionTest()
+{
+    gPassOn = nullptr;
+}
 
 void InsertionTest::TearDown()
 {
@@ -127,4 +133,4 @@ bool InsertionTest::HostImports() const
     return std::any_of(gCalls.begin(), gCalls.end(), [](const ImportCall& c) { return c.answer == 1; });
 }
 
-}  // namespace insertion_test
+}   // namespace insertion_test

@@ -51,4 +51,4 @@ protected:
     bool passImportsOn = true;   // false: the host's import is not reached (it imports nothing)
 };
 
-}  // namespace insertion_test
+}   // namespace insertion_test

@@ -9,7 +9,10 @@
 namespace {
 class Reference {
 public:
-    explicit Reference(const Bytes& file) : buf_(file), size_(int32_t(file.size())) { buf_.resize(2 * file.size() + 1); }
+    explicit Reference(const Bytes& file) : buf_(file), size_(int32_t(file.size()))
+    {
+        buf_.resize(2 * file.size() + 1);
+    }
 
     CleanOutcome Run()
     {
@@ -118,7 +121,8 @@ private:
             }
             if (status == 0xF0) {
                 for (int i = 0; i < 4; ++i) Get();
-                while (Get() != 0xF7) {}
+                while (Get() != 0xF7) {
+                }
                 continue;
             }
             const int32_t dataIdx = in_;
@@ -143,7 +147,8 @@ private:
                 drums = true;
                 lastBar_ = bar;
                 lastTickInBar_ = tickInBar;
-                if ((status >> 4) == 8 || (status >> 4) == 9) Key(first, pass, usingRunning ? statusIdx : statusIdx + 1);
+                if ((status >> 4) == 8 || (status >> 4) == 9)
+                    Key(first, pass, usingRunning ? statusIdx : statusIdx + 1);
             } else if (!usingRunning) {
                 buf_[size_t(statusIdx)] = 0x89;
                 if (in_ == dataIdx) Insert();
@@ -172,7 +177,7 @@ private:
     bool used_[128] = {};
     uint8_t mappedTo_[128] = {}, reverse_[128] = {};
 };
-}  // namespace
+}   // namespace
 
 CleanOutcome CleanByMovingBytes(const Bytes& file)
 {

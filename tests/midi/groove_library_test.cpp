@@ -77,7 +77,9 @@ TEST_F(MidiGrooveLibrary, EveryGrooveCleansIntoItsDrumPart)
         std::multiset<std::pair<int32_t, int>> heard;
         for (const auto& track : cleaned.tracks)
             for (const SmfEvent& ev : track) {
-                if (ev.status != 0xFF) { EXPECT_EQ(ev.Channel(), 10); }
+                if (ev.status != 0xFF) {
+                    EXPECT_EQ(ev.Channel(), 10);
+                }
                 if (!ev.IsNoteOn()) continue;
                 EXPECT_LE(ev.data1, 59);
                 heard.insert({ev.tick, out.reverseMap[ev.data1] != 0 ? out.reverseMap[ev.data1] : ev.data1});
@@ -103,4 +105,4 @@ TEST_F(MidiGrooveLibrary, EveryGrooveCleansIntoItsDrumPart)
                                 "division 960", "tracks cut"})
         EXPECT_GE(features[feature], 2) << feature;
 }
-}  // namespace
+}   // namespace

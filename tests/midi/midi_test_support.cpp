@@ -8,7 +8,7 @@ int32_t RecordAlert(EWND, int32_t, int32_t, const char* text, EVERSION)
     MidiTest::Alerts().push_back(text);
     return 0;
 }
-}  // namespace
+}   // namespace
 
 std::vector<std::string>& MidiTest::Alerts()
 {
@@ -31,9 +31,9 @@ void MidiTest::TearDown()
 ReaderHarness::ReaderHarness(const Bytes& file, int32_t capacity)
     : block(static_cast<size_t>(capacity >= 0 ? capacity : 2 * static_cast<int32_t>(file.size()))),
       size(static_cast<int32_t>(file.size())),
-      reader((std::copy(file.begin(), file.end(), block.begin()), block.data()), size, static_cast<int32_t>(block.size()))
-{
-}
+      reader((std::copy(file.begin(), file.end(), block.begin()), block.data()), size,
+             static_cast<int32_t>(block.size()))
+{}
 
 Bytes ReaderHarness::Image()
 {
@@ -57,15 +57,18 @@ Bytes RandomTrack(std::mt19937& rng, bool first)
 {
     auto pick = [&](int n) { return static_cast<int>(rng() % static_cast<unsigned>(n)); };
     Bytes body;
-    if (first && pick(2)) body.insert(body.end(), {0x00, 0xFF, 0x58, 0x04, uint8_t(2 + pick(6)), uint8_t(1 + pick(3)), 24, 8});
+    if (first && pick(2))
+        body.insert(body.end(), {0x00, 0xFF, 0x58, 0x04, uint8_t(2 + pick(6)), uint8_t(1 + pick(3)), 24, 8});
     int lastStatus = 0;
     const int events = pick(60);
     for (int e = 0; e < events; ++e) {
         support::PutNumber(body, pick(4) ? pick(200) : pick(40000));
         const int kind = pick(12);
         if (kind == 0) {   // meta: tempo or text
-            if (pick(2)) body.insert(body.end(), {0xFF, 0x51, 0x03, uint8_t(pick(16)), uint8_t(pick(256)), uint8_t(pick(256))});
-            else body.insert(body.end(), {0xFF, 0x01, 0x03, 'a', 'b', 'c'});
+            if (pick(2))
+                body.insert(body.end(), {0xFF, 0x51, 0x03, uint8_t(pick(16)), uint8_t(pick(256)), uint8_t(pick(256))});
+            else
+                body.insert(body.end(), {0xFF, 0x01, 0x03, 'a', 'b', 'c'});
             lastStatus = 0;
         } else if (kind == 1) {   // system exclusive with its own end byte
             body.insert(body.end(), {0xF0, 0x05, 0x7E, 0x7F, 0x09, 0x01, 0xF7});
@@ -83,7 +86,7 @@ Bytes RandomTrack(std::mt19937& rng, bool first)
     body.insert(body.end(), kEndOfTrack.begin(), kEndOfTrack.end());
     return body;
 }
-}  // namespace
+}   // namespace
 
 Bytes RandomValidFile(std::mt19937& rng)
 {

@@ -9,8 +9,8 @@ using MidiBytes = MidiTest;
 
 TEST_F(MidiBytes, NumbersAreBigEndianAndVariableLength)
 {
-    ReaderHarness h({0x01, 0x80, 0x00, 0x00, 0x01, 0xE0, 0x81, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0x7F,
-                     0x8F, 0xFF, 0xFF, 0xFF, 0x7F});
+    ReaderHarness h(
+        {0x01, 0x80, 0x00, 0x00, 0x01, 0xE0, 0x81, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0x7F, 0x8F, 0xFF, 0xFF, 0xFF, 0x7F});
     TMidiRead& r = h.reader;
     EXPECT_EQ(r.ReadWord(), 384);
     EXPECT_EQ(r.ReadLongInt(), 480);
@@ -123,4 +123,4 @@ TEST(MidiImage, BehavesLikeAPlainArrayUnderRandomEdits)
     image.Settle();
     EXPECT_TRUE(std::equal(model.begin(), model.end(), reinterpret_cast<uint8_t*>(block.data())));
 }
-}  // namespace
+}   // namespace

@@ -46,7 +46,9 @@ TEST_F(MidiCleaner, FormatZeroNeutralisedMessagesCountAsKeyZeroInPassTwo)
     const SmfListing listing = ListSmf(out.image);
     ASSERT_EQ(listing.tracks.size(), 1u);
     for (const SmfEvent& ev : listing.tracks[0])
-        if (ev.status != 0xFF) { EXPECT_EQ(ev.Channel(), 10); }
+        if (ev.status != 0xFF) {
+            EXPECT_EQ(ev.Channel(), 10);
+        }
     EXPECT_EQ(listing.tracks[0][3].data1, 1);
 }
 
@@ -141,8 +143,10 @@ TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnAManyInsertionFile)
 {
     Bytes track;
     for (int m = 0; m < 3000; ++m) {
-        const Bytes part = Concat({{0x00, uint8_t(m % 2 ? 0xC3 : 0xD5), uint8_t(m % 128)}, Note(0x99, 36, 0x10),
-                                   Note(0x99, uint8_t(m % 3 ? 38 : 63), 0x10), {0x05, 0x3E, 0x00}});
+        const Bytes part = Concat({{0x00, uint8_t(m % 2 ? 0xC3 : 0xD5), uint8_t(m % 128)},
+                                   Note(0x99, 36, 0x10),
+                                   Note(0x99, uint8_t(m % 3 ? 38 : 63), 0x10),
+                                   {0x05, 0x3E, 0x00}});
         track.insert(track.end(), part.begin(), part.end());
     }
     const Bytes file = Smf(0, 480, {Concat({track, kEndOfTrack})});
@@ -151,4 +155,4 @@ TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnAManyInsertionFile)
     EXPECT_EQ(fast.image.size(), file.size() + 3000);
     EXPECT_EQ(fast.image, CleanByMovingBytes(file).image);
 }
-}  // namespace
+}   // namespace

@@ -20,11 +20,14 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
     const std::vector<HeaderCase> cases = {
         {Concat({Chunk("MThx", {0, 1, 0, 1, 1, 0xE0}), track}), false, {"Invalid header chunk ID"}},
         {Concat({Chunk("MThd", {0, 1, 0, 1, 1}), track}), false, {"Invalid header chunk length"}},
-        {Concat({Chunk("MThd", {0, 1, 0, 1, 1, 0xE0, 9, 9}), track}), true,
+        {Concat({Chunk("MThd", {0, 1, 0, 1, 1, 0xE0, 9, 9}), track}),
+         true,
          {"Header longer than version defined in Midi Specs 1.0 - additinal bytes ignored."}},
         {Smf(3, 480, {kEndOfTrack}), false, {"Invalid format ID"}},
         {Smf(1, 480, {}, 0), false, {"No tracks in file"}},
-        {Smf(2, 480, {kEndOfTrack, kEndOfTrack, kEndOfTrack}), true, {"Only track 1 will be read from a format 2 file."}},
+        {Smf(2, 480, {kEndOfTrack, kEndOfTrack, kEndOfTrack}),
+         true,
+         {"Only track 1 will be read from a format 2 file."}},
         {Smf(0, 480, {kEndOfTrack, kEndOfTrack}), false, {"Number of tracks should be 1 for format 0 files"}},
         {Smf(1, 480, {kEndOfTrack, kEndOfTrack}), true, {}},
     };
@@ -35,7 +38,9 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
         EXPECT_EQ(h.reader.ReadHeader(), c.accepted) << ::testing::PrintToString(c.alerts);
         EXPECT_EQ(Alerts(), c.alerts);
         const int32_t headerEnd = int32_t(c.file.size()) - h.reader.TrkCount * 12;
-        if (c.accepted) { EXPECT_EQ(h.reader.inptr, headerEnd); }
+        if (c.accepted) {
+            EXPECT_EQ(h.reader.inptr, headerEnd);
+        }
     }
     Alerts().clear();
     ReaderHarness cut(Bytes{'M', 'T'});   // six bytes missing: one alert each
@@ -67,8 +72,7 @@ TEST_F(MidiHeader, TimeCodeDivisionTakesTheUpperByteAsItStands)
 
 // Runs LoadTrack over a format 1 file whose first track has `body`.
 struct TrackRun {
-    explicit TrackRun(const Bytes& body, bool mayHaveNotes = true, int pass = 1)
-        : h(Smf(1, 480, {body}))
+    explicit TrackRun(const Bytes& body, bool mayHaveNotes = true, int pass = 1) : h(Smf(1, 480, {body}))
     {
         h.reader.InitVariables();
         h.reader.ReadHeader();
@@ -86,7 +90,8 @@ TEST_F(MidiTrackWalk, TrackProblemsStopTheWalkWithTheirMessage)
 {
     const std::vector<std::pair<Bytes, std::string>> cases = {
         {{0x00, 0x40, 0x40}, "Running status is used but undefined"},
-        {{0x01, 0xFF, 0x58, 0x04, 0x04, 0x02, 0x18, 0x08}, "This Midi file contains time signature changes. This is not supported."},
+        {{0x01, 0xFF, 0x58, 0x04, 0x04, 0x02, 0x18, 0x08},
+         "This Midi file contains time signature changes. This is not supported."},
     };
     for (const auto& c : cases) {
         Alerts().clear();
@@ -115,9 +120,10 @@ TEST_F(MidiTrackWalk, MissingEndOfTrackWarnsAndQueuesAStop)
 
 TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
 {
-    TrackRun run(Concat({{0x00, 0xFF, 0x58, 0x04, 0x06, 0x03, 0x18, 0x08}, kTempo120,
-                         {0x8B, 0x20, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},  // 1440 ticks later
-                         {0x78, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},        // 120 more
+    TrackRun run(Concat({{0x00, 0xFF, 0x58, 0x04, 0x06, 0x03, 0x18, 0x08},
+                         kTempo120,
+                         {0x8B, 0x20, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},   // 1440 ticks later
+                         {0x78, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20},         // 120 more
                          kEndOfTrack}));
     ASSERT_TRUE(run.result);
     const LEventRec& meter = run.h.reader.InitialMeterEvent;
@@ -140,18 +146,23 @@ TEST_F(MidiTrackWalk, OffbeatTimeSignatureIsShiftedBackOntoBeatOne)
     // A five-byte delta of -1 puts the time signature just before tick 0, off the beat.
     TrackRun run(Concat({{0x8F, 0xFF, 0xFF, 0xFF, 0x7F, 0xFF, 0x58, 0x04, 0x03, 0x02, 0x18, 0x08}, kEndOfTrack}));
     EXPECT_TRUE(run.result);
-    EXPECT_EQ(Alerts(), Alerts_{"Invalid offbeat time signature specification found and shifted backwards onto the full beat 1."});
+    EXPECT_EQ(
+        Alerts(),
+        Alerts_{"Invalid offbeat time signature specification found and shifted backwards onto the full beat 1."});
     EXPECT_EQ(Ints(run.h.reader.InitialMeterEvent.BPM, run.h.reader.InitialMeterEvent.Beat), Ints(3, 1));
 }
 
 TEST_F(MidiTrackWalk, ForeignMessagesAreNeutralisedAndDrumsKept)
 {
-    const Bytes body = Concat({{0x00, 0xC0, 0x05, 0x00, 0x99, 0x24, 0x64, 0x00, 0x90, 0x3C, 0x50, 0x00, 0x40, 0x50}, kEndOfTrack});
+    const Bytes body =
+        Concat({{0x00, 0xC0, 0x05, 0x00, 0x99, 0x24, 0x64, 0x00, 0x90, 0x3C, 0x50, 0x00, 0x40, 0x50}, kEndOfTrack});
     TrackRun run(body);
     ASSERT_TRUE(run.result);
     EXPECT_TRUE(run.drums);
-    EXPECT_EQ(run.h.Image(), Smf(1, 480, {Concat({{0x00, 0x89, 0x00, 0x40, 0x00, 0x99, 0x24, 0x64, 0x00, 0x89, 0x00, 0x40,
-                                                    0x00, 0x40, 0x50}, kEndOfTrack})}));
+    EXPECT_EQ(run.h.Image(),
+              Smf(1, 480,
+                  {Concat({{0x00, 0x89, 0x00, 0x40, 0x00, 0x99, 0x24, 0x64, 0x00, 0x89, 0x00, 0x40, 0x00, 0x40, 0x50},
+                           kEndOfTrack})}));
     EXPECT_TRUE(run.h.reader.PitchUsed[0x24]);
 
     TrackRun later(body, false);   // a track read after the drum track: drums go too
@@ -162,7 +173,8 @@ TEST_F(MidiTrackWalk, ForeignMessagesAreNeutralisedAndDrumsKept)
 
 TEST_F(MidiTrackWalk, SecondPassMovesHighKeysOntoFreeOnes)
 {
-    const Bytes body = Concat({{0x00, 0x99, 36, 100, 0x00, 0x99, 38, 100, 0x00, 0x99, 62, 100, 0x10, 62, 0x00}, kEndOfTrack});
+    const Bytes body =
+        Concat({{0x00, 0x99, 36, 100, 0x00, 0x99, 38, 100, 0x00, 0x99, 62, 100, 0x10, 62, 0x00}, kEndOfTrack});
     TrackRun run(body, true, 2);
     ASSERT_TRUE(run.result);
     const Bytes image = run.h.Image();   // the key with its status byte, and with running status
@@ -210,4 +222,4 @@ TEST_F(MidiTrackWalk, QueueKeepsTickOrderAndTheBarrier)
     r.CheckStop();
     EXPECT_TRUE(r.Events.back().stop);
 }
-}  // namespace
+}   // namespace

@@ -12,7 +12,7 @@ void PrintTo(HostPose pose, std::ostream* out)
 {
     *out << (pose == HostPose::Older ? "older host" : "newer host");
 }
-}  // namespace stavio
+}   // namespace stavio
 
 namespace {
 
@@ -25,7 +25,10 @@ std::string MenuText(size_t entry)
     return list != nullptr ? list->strings.at(entry - 1).substr(0, 63) : "";
 }
 
-EREGION Region(uint16_t meas, TIME_EDU startPos) { return support::Region(1, 2, meas, meas, startPos); }
+EREGION Region(uint16_t meas, TIME_EDU startPos)
+{
+    return support::Region(1, 2, meas, meas, startPos);
+}
 
 class BundleInHost : public ::testing::TestWithParam<HostPose> {
 protected:
@@ -53,7 +56,7 @@ protected:
     stavio::Host host_{stavio::HostSettings{GetParam(), "", ""}, &frontEnd_};
 };
 
-}  // namespace
+}   // namespace
 
 TEST_P(BundleInHost, EnumeratesItsCommandFromItsResources)
 {

@@ -12,8 +12,8 @@
 #include <tuple>
 
 using plugin_test::HostSession;
-using support::Ints;
 using stavio::HostPose;
+using support::Ints;
 
 namespace {
 
@@ -45,7 +45,7 @@ std::string FilledSlots()
     return runs;
 }
 
-}  // namespace
+}   // namespace
 
 TEST(PluginStartup, CopyPathVersionGatesAndReply)
 {
@@ -55,8 +55,10 @@ TEST(PluginStartup, CopyPathVersionGatesAndReply)
     EXPECT_EQ(reply.fpInvoke, &Ext_invoke);   // all six: see the bundle's own test
 
     for (const auto& [version, size, filled] : std::vector<std::tuple<uint32_t, size_t, std::string>>{
-             {0x04000106, sizeof(StavioFuncs), "2-60"}, {0x04000107, sizeof(StavioFuncs), "2-61"},
-             {0x07ffffff, sizeof(StavioFuncs), "2-61"}, {0x08000000, sizeof(StavioFuncs), "2-76"},
+             {0x04000106, sizeof(StavioFuncs), "2-60"},
+             {0x04000107, sizeof(StavioFuncs), "2-61"},
+             {0x07ffffff, sizeof(StavioFuncs), "2-61"},
+             {0x08000000, sizeof(StavioFuncs), "2-76"},
              {0x08ffffff, SlotOffset(31), "2-30"}}) {   // the last: a shorter table
         StartOnStandIns(version, static_cast<uint32_t>(size));
         EXPECT_EQ(FilledSlots(), filled) << std::hex << version;
@@ -134,7 +136,7 @@ int32_t RecordShowHide(EDLG, int32_t, int32_t, EVERSION)
 {
     return ++gShowHideCalls;
 }
-}  // namespace
+}   // namespace
 
 // The older pose is a host of version 0x08ffffff: slots 77-105 are empty.
 TEST(PluginDefaults, MissingSlotsAnswerTheirDefaultsAndChordAnalysisTellsTheUser)
@@ -142,8 +144,7 @@ TEST(PluginDefaults, MissingSlotsAnswerTheirDefaultsAndChordAnalysisTellsTheUser
     HostSession session(HostPose::Older);
     gStavioFuncs.SX_GetStavioPathMac = nullptr;
     EXPECT_EQ(Ints(SX_GetMaxLayers(), SX_IsMachO(), SX_ProcessMidiData(nullptr),
-                   SX_KillTimer(nullptr, 1, kPluginApiVersion),
-                   SX_GetWindowCount(), SX_GetStavioPathMac(nullptr)),
+                   SX_KillTimer(nullptr, 1, kPluginApiVersion), SX_GetWindowCount(), SX_GetStavioPathMac(nullptr)),
               Ints(4, 0, -1, 0, 0, 0));
     EXPECT_TRUE(session.frontEnd.Alerts().empty());
 

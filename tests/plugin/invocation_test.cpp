@@ -22,7 +22,7 @@ bool Same(const EREGION& a, const EREGION& b)
     return std::memcmp(&a, &b, sizeof(EREGION)) == 0;
 }
 
-}  // namespace
+}   // namespace
 
 TEST(PluginInvocation, WorkingRegionFromTheAnswers)
 {

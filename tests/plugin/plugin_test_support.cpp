@@ -23,7 +23,7 @@ int32_t TapSave(EXTAG tag, const EDataID* key, const void* buffer, int32_t size,
     gTap->calls.push_back({true, tag, *key, size, version});
     return gHostSave(tag, key, buffer, size, version);
 }
-}  // namespace
+}   // namespace
 
 HostSession::HostSession(stavio::HostPose pose, stavio::Document doc)
     : host(stavio::HostSettings{pose, "", ""}, &frontEnd)
@@ -78,4 +78,4 @@ EDTGeneric GetOther(const stavio::Document& doc, EXTAG tag, uint16_t inci, uint1
     return record;
 }
 
-}  // namespace plugin_test
+}   // namespace plugin_test

@@ -53,4 +53,4 @@ constexpr EXTAG Tag(const char (&text)[5])
     return MakeTag(text[0], text[1], text[2], text[3]);
 }
 
-}  // namespace plugin_test
+}   // namespace plugin_test

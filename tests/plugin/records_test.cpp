@@ -42,7 +42,7 @@ int32_t Save(EXTAG tag, const Record& record, int32_t size = sizeof(Record), EVE
 
 const char kTextBlockWarning[] = "Warning to plug-in developer: EDTTextBlock2004 used with wrong version parameter";
 
-}  // namespace
+}   // namespace
 
 TEST(PluginVersionCorrection, EveryRowOfTheTable)
 {
@@ -54,18 +54,26 @@ TEST(PluginVersionCorrection, EveryRowOfTheTable)
         const char* warning;
     };
     const Case cases[] = {
-        {Tag("SOMS"), 24, 0x0c000000, 0x09000000, nullptr}, {Tag("SOMS"), 26, 0x09ffffff, 0x0a000000, nullptr},
-        {Tag("SOMS"), 26, 0x0c000000, 0x0c000000, nullptr}, {Tag("SOSS"), 22, 0x0c000000, 0x05000000, nullptr},
+        {Tag("SOMS"), 24, 0x0c000000, 0x09000000, nullptr},
+        {Tag("SOMS"), 26, 0x09ffffff, 0x0a000000, nullptr},
+        {Tag("SOMS"), 26, 0x0c000000, 0x0c000000, nullptr},
+        {Tag("SOSS"), 22, 0x0c000000, 0x05000000, nullptr},
         {kTagStaffSystemSpecAlt, 24, 0x05ffffff, 0x06000000, nullptr},
-        {Tag("SOSS"), 24, 0x06000000, 0x06000000, nullptr}, {Tag("SOSS"), 28, 0x09ffffff, 0x0a000000, nullptr},
-        {Tag("SOIS"), 66, 0x0c000000, 0x05000000, nullptr}, {Tag("SOIS"), 102, 0x0c000000, 0x08000000, nullptr},
-        {Tag("SOTX"), 48, 0x08000001, 0x08000000, nullptr}, {Tag("SOTX"), 26, 0x08ffffff, 0x09000000, kTextBlockWarning},
-        {Tag("SOTX"), 26, 0x09000000, 0x09000000, nullptr}, {Tag("otDO"), 12, 0x0c000000, 0x08000000, nullptr},
+        {Tag("SOSS"), 24, 0x06000000, 0x06000000, nullptr},
+        {Tag("SOSS"), 28, 0x09ffffff, 0x0a000000, nullptr},
+        {Tag("SOIS"), 66, 0x0c000000, 0x05000000, nullptr},
+        {Tag("SOIS"), 102, 0x0c000000, 0x08000000, nullptr},
+        {Tag("SOTX"), 48, 0x08000001, 0x08000000, nullptr},
+        {Tag("SOTX"), 26, 0x08ffffff, 0x09000000, kTextBlockWarning},
+        {Tag("SOTX"), 26, 0x09000000, 0x09000000, nullptr},
+        {Tag("otDO"), 12, 0x0c000000, 0x08000000, nullptr},
         {Tag("otDO"), 34, 0x08000000, 0x09000000,
          "Warning to plug-in developer: EDTShapeExpression2004 used with wrong version parameter"},
         {Tag("SDGF"), 12, 0x0c000000, 0x08000000, nullptr},
-        {Tag("SDGF"), 10, 0x05000000, 0x09000000, "Warning to plug-in developer: EDTGfhold2004 used with wrong version parameter"},
-        {Tag("SOMS"), 0, 0x05000000, 0x05000000, nullptr}, {Tag("SOIu"), 24, 0x05000000, 0x05000000, nullptr},
+        {Tag("SDGF"), 10, 0x05000000, 0x09000000,
+         "Warning to plug-in developer: EDTGfhold2004 used with wrong version parameter"},
+        {Tag("SOMS"), 0, 0x05000000, 0x05000000, nullptr},
+        {Tag("SOIu"), 24, 0x05000000, 0x05000000, nullptr},
     };
     for (const Case& c : cases) {
         session.frontEnd.ClearAlerts();
@@ -115,9 +123,9 @@ TEST(PluginPreferenceMaps, PlaybackAndPageFormatAreAssembledFromTheirOtherRecord
     PutOther(doc, Tag("ot37"), 1, Words(77, 77, 77));   // another incidence: not read
     EDTPlaybackPrefs p{};
     ASSERT_EQ(Load(Tag("pfPL"), 0, p), 1);
-    EXPECT_EQ(Ints(p.baseKeyVelocity, p.tempo, p.playbackStartMode, p.swing, p.startMeasure, p.stopMeasure,
-                   p.playbackFlags),
-              Ints(64, 120, 2, 33, 5, 9, 0x0101));
+    EXPECT_EQ(
+        Ints(p.baseKeyVelocity, p.tempo, p.playbackStartMode, p.swing, p.startMeasure, p.stopMeasure, p.playbackFlags),
+        Ints(64, 120, 2, 33, 5, 9, 0x0101));
 
     PutOther(doc, Tag("ot70"), 0, Words(0, 3168, 1, static_cast<int16_t>(0x8000), 100, 85));
     PutOther(doc, Tag("ot71"), 0, Words(96, 144, 150, 160, 170, 1));   // same margins everywhere
@@ -185,8 +193,13 @@ TEST(PluginPreferenceMaps, ArrayRowsAndTheirRanges)
     EXPECT_EQ(Ints(other, first), Ints(Tag("ot98"), 3));
     EXPECT_TRUE(mapPrefTag(Tag("pfGG"), 0, &other, &count, &first));
     EXPECT_EQ(count, 11);
-    for (auto [tag, cmper] : {std::pair{Tag("pfGb"), 0}, {Tag("pfGb"), 5}, {Tag("pfSl"), 16}, {Tag("pfTs"), 10},
-                              {Tag("pfGs"), 2}, {Tag("pfSN"), -1}, {Tag("pfPL"), 0}}) {
+    for (auto [tag, cmper] : {std::pair{Tag("pfGb"), 0},
+                              {Tag("pfGb"), 5},
+                              {Tag("pfSl"), 16},
+                              {Tag("pfTs"), 10},
+                              {Tag("pfGs"), 2},
+                              {Tag("pfSN"), -1},
+                              {Tag("pfPL"), 0}}) {
         EXPECT_FALSE(mapPrefTag(tag, static_cast<int16_t>(cmper), &other, &count, &first)) << cmper;
         EXPECT_EQ(other, 0u);
     }

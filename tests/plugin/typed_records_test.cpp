@@ -26,7 +26,7 @@ std::string PlainTextOf(const std::string& text)
     return object.GetPlainText();
 }
 
-}  // namespace
+}   // namespace
 
 TEST(PluginTypedRecords, InstrumentListAndOtherRecords)
 {

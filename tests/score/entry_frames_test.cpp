@@ -16,7 +16,7 @@ EXQVF2005a FrameOf(EXENTRY& entry, std::vector<int16_t> ids)
     return EXQVF2005a{0, 0, 0, 0, 0, 0, 0, &entry, 1, nullptr, 0};
 }
 
-}  // namespace
+}   // namespace
 
 TEST(CleanQVF, GivesEveryNoteAUniqueIdentifierMirroredInItsFlag)
 {
@@ -56,7 +56,8 @@ using EntryFrames = score_test::ScoreTest;
 
 TEST_F(EntryFrames, SavedFramesReachTheHostCleanedAndEveryLoadIsCountedBack)
 {
-    Start(stavio::DocumentBuilder().Measures(2).Staff("Drums").Entries(1, 1, 0, {stavio::Chord({36, 38}, 1024)}).Build());
+    Start(
+        stavio::DocumentBuilder().Measures(2).Staff("Drums").Entries(1, 1, 0, {stavio::Chord({36, 38}, 1024)}).Build());
     {
         LoadedFrame frame(0, 1, 1, 0);
         ASSERT_TRUE(frame && frame->numEntries == 1);

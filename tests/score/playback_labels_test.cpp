@@ -13,11 +13,14 @@ constexpr int kOff = 17;
 
 class PlaybackLabels : public score_test::ScoreTest {
 protected:
-    void StartWith(stavio::DocumentBuilder builder = {}) { Start(builder.Measures(40).Staff("Drums").Staff("Bass").Build()); }
+    void StartWith(stavio::DocumentBuilder builder = {})
+    {
+        Start(builder.Measures(40).Staff("Drums").Staff("Bass").Build());
+    }
     std::vector<int> Labels(int inst, int meas) { return score_test::Labels(doc(), inst, meas); }
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(PlaybackLabels, LabelsAroundARegionAreWrittenOnceWithSharedExpressions)
 {
@@ -52,9 +55,9 @@ TEST_F(PlaybackLabels, OnLabelsWherePlaybackGoesOffAreReplacedAndLookingBackStop
               (std::vector<std::vector<int>>{{kOff}, {kOn}}));
     EXPECT_FALSE(TurnHumanPlaybackOff(1, 30));   // measure 5 is 25 back: still off
     TurnHumanPlaybackOn(1, 10);
-    EXPECT_TRUE(TurnHumanPlaybackOff(1, 12));     // looking back stops at the "on" label
-    EXPECT_TRUE(TurnHumanPlaybackOff(1, 38));     // measure 12 is 26 back: out of sight
-    EXPECT_TRUE(TurnHumanPlaybackOff(2, 1));      // measure 1: nothing to look back at
+    EXPECT_TRUE(TurnHumanPlaybackOff(1, 12));   // looking back stops at the "on" label
+    EXPECT_TRUE(TurnHumanPlaybackOff(1, 38));   // measure 12 is 26 back: out of sight
+    EXPECT_TRUE(TurnHumanPlaybackOff(2, 1));    // measure 1: nothing to look back at
 }
 
 TEST_F(PlaybackLabels, ExpressionsAreMatchedByLengthAndTypeAndCleanedOfLineBreaks)

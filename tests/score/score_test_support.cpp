@@ -7,7 +7,8 @@
 
 namespace score_test {
 
-ScoreTest::ScoreTest() : host(std::make_unique<stavio::Host>(stavio::HostSettings{}, &frontEnd)) {}
+ScoreTest::ScoreTest() : host(std::make_unique<stavio::Host>(stavio::HostSettings{}, &frontEnd))
+{}
 
 void ScoreTest::Start(stavio::Document document, const EREGION& region, uint32_t options)
 {
@@ -71,10 +72,10 @@ std::vector<int> Labels(const stavio::Document& doc, int inst, int meas)
     std::vector<int> kinds;
     for (const EDTGeneric& assignment : stavio::ExpressionAssignments(doc, meas)) {
         const auto definition = stavio::ReadTextExpression(doc, assignment.words[0]);
-        if (stavio::AssignmentOnStaff(assignment,
-                                      inst) && definition) kinds.push_back(definition->header.playbackType & 0xFF);
+        if (stavio::AssignmentOnStaff(assignment, inst) && definition)
+            kinds.push_back(definition->header.playbackType & 0xFF);
     }
     return kinds;
 }
 
-}  // namespace score_test
+}   // namespace score_test

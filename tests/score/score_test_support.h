@@ -53,4 +53,4 @@ int16_t ClefAt(stavio::Document& doc, int inst, int meas, int16_t set = -1);
 // The playback type bytes of staff `inst`'s labels in `meas`, in incidence order (17 off, 16 on).
 std::vector<int> Labels(const stavio::Document& doc, int inst, int meas);
 
-}  // namespace score_test
+}   // namespace score_test

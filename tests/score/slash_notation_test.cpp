@@ -42,7 +42,7 @@ protected:
     }
 };
 
-}  // namespace
+}   // namespace
 
 TEST_P(SlashNotation, FillsEmptyMeasuresWithBeatRestsAndAssignsTheStyle)
 {

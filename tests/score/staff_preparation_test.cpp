@@ -1,7 +1,7 @@
 // Percussion staff preparation against a host document: clefs, the percussion clef's font,
 // the drum staff record and the playback channel.
-#include "tamberlyne/plugin/staff_preparation.h"
 #include "stavio/document/staff_playback.h"
+#include "tamberlyne/plugin/staff_preparation.h"
 #include "tests/score/score_test_support.h"
 
 #include <array>
@@ -24,7 +24,7 @@ protected:
     int16_t Font(const char* name) { return doc().Fonts().Find(name).value_or(-1); }
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(StaffPreparation, PutClefSetsTheRegionsMeasuresAndAsksOnlyAboutAPercussionClefInAnotherFont)
 {

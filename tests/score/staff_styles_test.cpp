@@ -21,13 +21,14 @@ protected:
     {
         stavio::DocumentBuilder builder;
         builder.Measures(20).Staff("Drums").Staff("Bass").StaffStyle(kSlash, score_test::SlashStyle());
-        builder.StaffStyle(kUserSlash, score_test::SlashStyle(0x0010)).StaffStyle(kOther, score_test::SlashStyle(0, 0x0200));
+        builder.StaffStyle(kUserSlash, score_test::SlashStyle(0x0010))
+            .StaffStyle(kOther, score_test::SlashStyle(0, 0x0200));
         for (const auto& [style, range] : assignments) builder.StyleAssignment(1, style, range);
         Start(builder.Build());
     }
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(StaffStyles, AnAssignmentAroundTheRegionIsSplitAtTheNeighbouringPoints)
 {
@@ -52,11 +53,10 @@ TEST_F(StaffStyles, EqualRangesGoOverlapsAreTrimmedAndExclusiveOnlySparesTheUser
     EREGION region = Region(1, 1, 5, 8, 0, 4095);   // one EDU short of the end counts as the end
     EXPECT_TRUE(RemoveSlashStaffStyles(region, true));
     EXPECT_EQ(region.end.duraPos, kEnd);
-    EXPECT_EQ(Assignments(doc(), 1), (std::vector<Assigned>{{1, 2, 0, 4, kEnd},
-                                                            {1, 9, 0, 12, kEnd},
-                                                            {1, 15, 0, 16, kEnd},
-                                                            {3, 1, 0, 20, kEnd},
-                                                            {2, 8, 0, 9, kEnd}}));
+    EXPECT_EQ(
+        Assignments(doc(), 1),
+        (std::vector<Assigned>{
+            {1, 2, 0, 4, kEnd}, {1, 9, 0, 12, kEnd}, {1, 15, 0, 16, kEnd}, {3, 1, 0, 20, kEnd}, {2, 8, 0, 9, kEnd}}));
     EXPECT_FALSE(RemoveSlashStaffStyles(region, true));
     EXPECT_TRUE(RemoveSlashStaffStyles(region, false));
     EXPECT_EQ(Assignments(doc(), 1).back(), (Assigned{2, 9, 0, 9, kEnd}));

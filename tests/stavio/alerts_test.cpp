@@ -13,10 +13,13 @@ TEST(StavioScriptedFrontEnd, AnswersQuestionsInOrderThenNoAndNoticesWithOne)
 {
     ScriptedFrontEnd script({kAlertAnswerYes, kAlertAnswerNo, kAlertAnswerYes});
     // A notice takes no answer; no answer left means No.
-    for (const auto& [style, text, answer] : std::vector<std::tuple<int32_t, const char*, int32_t>>{
-             {kAlertQuestion, "First?", kAlertAnswerYes}, {kAlertStop, "Stop.", kAlertAnswerOk},
-             {kAlertQuestion, "Second?", kAlertAnswerNo}, {kAlertQuestion, "Third?", kAlertAnswerYes},
-             {kAlertQuestion, "Fourth?", kAlertAnswerNo}, {kAlertWarning, "Careful.", kAlertAnswerOk}})
+    for (const auto& [style, text, answer] :
+         std::vector<std::tuple<int32_t, const char*, int32_t>>{{kAlertQuestion, "First?", kAlertAnswerYes},
+                                                                {kAlertStop, "Stop.", kAlertAnswerOk},
+                                                                {kAlertQuestion, "Second?", kAlertAnswerNo},
+                                                                {kAlertQuestion, "Third?", kAlertAnswerYes},
+                                                                {kAlertQuestion, "Fourth?", kAlertAnswerNo},
+                                                                {kAlertWarning, "Careful.", kAlertAnswerOk}})
         EXPECT_EQ(script.Alert({style, 0, text}), answer) << text;
     ASSERT_EQ(script.Alerts().size(), 6u);
     EXPECT_EQ(script.Alerts()[1].request.text, "Stop.");
@@ -70,5 +73,5 @@ TEST_F(StavioHostAlerts, WithoutAFrontEndEveryQuestionIsAnsweredNo)
     EXPECT_EQ(ResolveAlertText(0x4E220001), "");
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -65,5 +65,5 @@ TEST(StavioCli, PluginsListsTheBuildsOwnPlugInInBothPoses)
     }
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

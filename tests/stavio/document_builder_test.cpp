@@ -40,5 +40,5 @@ TEST(StavioDocumentBuilder, BuildsMeasuresMetersFlagsAndNamedStavesInListZero)
               Ints(1, 2, 1, 16, 0, kEndOfMeasure));
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -95,5 +95,5 @@ TEST_F(StavioEditBrackets, UnmatchedEndFailsAndANewStepClearsRedo)
     EXPECT_FALSE(Doc().Redo());
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -53,8 +53,8 @@ TEST_F(StavioEntryFrames, LoadGivesACopyOfTheLayerOrAnEmptyFrameAndNullOnlyWhere
     // No staff in slot 3 or 0, no measure 5 or 0, layers are 0..3, list 1 is empty.
     for (const auto& [list, slot, meas, layer] : std::vector<std::array<int, 4>>{
              {0, 3, 1, 0}, {0, 0, 1, 0}, {0, 1, 5, 0}, {0, 1, 0, 0}, {0, 1, 1, 4}, {1, 1, 1, 0}})
-        EXPECT_EQ(T().SX_LoadQVF(list, slot, meas, layer, 0, kV),
-                  nullptr) << list << " " << slot << " " << meas << " " << layer;
+        EXPECT_EQ(T().SX_LoadQVF(list, slot, meas, layer, 0, kV), nullptr)
+            << list << " " << slot << " " << meas << " " << layer;
     EXPECT_EQ(host_.LiveFrameCount(), 2u);
     T().SX_FreeQVF(frame, kV);
     T().SX_FreeQVF(empty, kV);
@@ -237,5 +237,5 @@ TEST(StavioFrameContent, BuilderSpellsMidiKeysSoThatTheHostPlaysThemBack)
     EXPECT_EQ(Ints(PitchOfKey(61).tcd, PitchOfKey(61).alteration, PitchOfKey(59).tcd), Ints(0, 1, -1));
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

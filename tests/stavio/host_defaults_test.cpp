@@ -22,7 +22,8 @@ protected:
     std::string FontName(int16_t number, int32_t capacity = 64) const
     {
         char name[64] = "junk";
-        return T().SX_FontNumToName(number, name, capacity, kV) != 0 ? std::string(name) : "<" + std::string(name) + ">";
+        return T().SX_FontNumToName(number, name, capacity, kV) != 0 ? std::string(name)
+                                                                     : "<" + std::string(name) + ">";
     }
     // Loads the "other" record (cmper, 0) through the table, as a plug-in does.
     template <typename Record>
@@ -110,9 +111,9 @@ TEST_F(StavioHostDefaults, PercussionMapOneIsTheGeneralMidiKit)
         int16_t tcd;
         Notehead head;
     };
-    const Expected kit[] = {{36, 3, Notehead::Normal}, {38, 7, Notehead::Normal}, {37, 7, Notehead::X},
+    const Expected kit[] = {{36, 3, Notehead::Normal}, {38, 7, Notehead::Normal},   {37, 7, Notehead::X},
                             {42, 11, Notehead::X},     {46, 11, Notehead::CircleX}, {44, 1, Notehead::X},
-                            {49, 12, Notehead::X},     {51, 10, Notehead::X},      {53, 10, Notehead::Diamond}};
+                            {49, 12, Notehead::X},     {51, 10, Notehead::X},       {53, 10, Notehead::Diamond}};
     for (const Expected& piece : kit) {
         const PercussionNote* note = map->ForKey(piece.key);
         ASSERT_NE(note, nullptr) << piece.key;
@@ -185,5 +186,5 @@ TEST_F(StavioHostDefaults, FilledChannelDefinitionsTakeEveryNumberUpTo99AndNoneI
     EXPECT_EQ(key.other.cmper, 100);
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -64,11 +64,11 @@ TEST(StavioPluginLoader, ReportsEachBrokenBundleWithItsPathAndReasonAndGoesOn)
         const char* bundle;
         const char* reason;
     };
-    for (const Expected& expected : {Expected{"Empty.bundle", "no plug-in module (lib*.so)"},
-                                     Expected{"Garbage.bundle", "libGarbage.so"},
-                                     Expected{"NoMain.bundle", "no entry point \"main\""},
-                                     Expected{"Refuses.bundle", "refused to start (returned 0)"},
-                                     Expected{"Unresourced.bundle", "no resource file"}}) {
+    for (const Expected& expected :
+         {Expected{"Empty.bundle", "no plug-in module (lib*.so)"}, Expected{"Garbage.bundle", "libGarbage.so"},
+          Expected{"NoMain.bundle", "no entry point \"main\""},
+          Expected{"Refuses.bundle", "refused to start (returned 0)"},
+          Expected{"Unresourced.bundle", "no resource file"}}) {
         const PluginFailure* failure = FailureFor(host, expected.bundle);
         ASSERT_NE(failure, nullptr) << expected.bundle;
         EXPECT_EQ(failure->path, folder.Path() + "/" + expected.bundle);
@@ -123,5 +123,5 @@ TEST_P(StavioProbe, LoadsInvokesAndUnloadsThroughTheBinaryInterface)
 INSTANTIATE_TEST_SUITE_P(Poses, StavioProbe, ::testing::Values(HostPose::Newer, HostPose::Older),
                          [](const auto& info) { return info.param == HostPose::Newer ? "Newer" : "Older"; });
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -73,8 +73,8 @@ TEST(StavioRecordStore, RefusesSizesAndVersionsItDoesNotKnow)
         EVERSION version;
     };
     const Case refused[] = {
-        {kTagMeasureSpec, 24, kV10},       // 24 bytes belong to 0x09xxxxxx only
-        {kTagMeasureSpec, 26, 0x09FFFFFF},  // 26 bytes from 0x0A000000 on
+        {kTagMeasureSpec, 24, kV10},         // 24 bytes belong to 0x09xxxxxx only
+        {kTagMeasureSpec, 26, 0x09FFFFFF},   // 26 bytes from 0x0A000000 on
         {kTagMeasureSpec, 25, kV10},
         {kTagMeasureSpec, 24, 0x05000000},
         {kTagStaffSpec, 102, 0x07FFFFFF},
@@ -222,8 +222,8 @@ TEST(StavioRecordStore, OlderStaffSpecIsTheFirst66BytesAndOlderTextBlockCarriesT
     ASSERT_EQ(doc.SaveRecord(kTagStaffSpec, &key, older, 66, kV5), 1);
     size = sizeof(spec);
     ASSERT_EQ(doc.LoadRecord(kTagStaffSpec, &key, &spec, &size, kV8), 1);
-    EXPECT_EQ(Ints(spec.botBarlineOffset, spec.range[0]),
-              Ints(9, 42)) << "the older layout leaves the newer fields alone";
+    EXPECT_EQ(Ints(spec.botBarlineOffset, spec.range[0]), Ints(9, 42))
+        << "the older layout leaves the newer fields alone";
 
     EDataID blockKey = Other(static_cast<uint16_t>(spec.fullName), 0);
     int16_t oldBlock[24];
@@ -279,5 +279,5 @@ TEST(StavioRecordStore, CreatingAStaffSpecAddsAStaffToTheMainList)
     EXPECT_TRUE(doc.FrameNumbers(3, 3, frames)) << "the new staff has a frame detail in every measure";
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -134,8 +134,7 @@ TEST_F(StavioScoreRecords, ExpressionAssignmentsAppendPerMeasureAndShiftDownOnDe
     std::vector<EDTGeneric> assigned = ExpressionAssignments(host_.document(), 4);
     ASSERT_EQ(assigned.size(), 2u);
     EXPECT_EQ(Ints(assigned[0].words[0], assigned[0].words[2], uint16_t(assigned[0].words[5]),
-                   AssignmentOnStaff(assigned[0], 2),
-                   AssignmentOnStaff(assigned[1], 2)),
+                   AssignmentOnStaff(assigned[0], 2), AssignmentOnStaff(assigned[1], 2)),
               Ints(1, 76, 0x1002, true, false));
     EDTMeasureSpec2005 spec{};
     ASSERT_TRUE(Load(kTagMeasureSpec, 4, 0, spec));
@@ -180,8 +179,7 @@ TEST_F(StavioScoreRecords, DrumRecordsAreStrictAboutSizeVersionAndStaff)
 {
     EDTInstrumentUsage usage{};   // 0x0A000000 is older than the 24-byte layout
     EXPECT_EQ(Ints(Load(kTagInstrumentUsage, 2, 0, usage, kInstrumentUsageVersion),
-                   Load(kTagInstrumentUsage, 2, 0, usage, kV),
-                   Load(kTagInstrumentUsage, 2, 0, usage, 0x0A000000)),
+                   Load(kTagInstrumentUsage, 2, 0, usage, kV), Load(kTagInstrumentUsage, 2, 0, usage, 0x0A000000)),
               Ints(true, true, false));
     EDataID key = Key(3, 0);
     EXPECT_EQ(T().SX_SaveEData(kTagInstrumentUsage, &key, &usage, 24, kInstrumentUsageVersion), 0) << "no staff 3";
@@ -213,5 +211,5 @@ TEST_F(StavioScoreRecords, DrumRecordsAreStrictAboutSizeVersionAndStaff)
     EXPECT_EQ(T().SX_LoadEData(kTagDefaultFontPref, &key, &font, &size, kV), 0);
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -32,8 +32,8 @@ TEST_F(StavioScoreServices, SlotsAndInstrumentsMapBothWaysAndAnswerZeroOutsideTh
     const StavioFuncs& t = Table();
     const EVERSION v = kPluginApiVersion;   // list 1 is empty
     EXPECT_EQ(Ints(t.SX_SlotToInst(1, 0, v), t.SX_SlotToInst(2, 0, v), t.SX_SlotToInst(3, 0, v),
-                   t.SX_SlotToInst(0, 0, v),
-                   t.SX_SlotToInst(1, 1, v), t.SX_InstToSlot(2, 0, v), t.SX_InstToSlot(9, 0, v)),
+                   t.SX_SlotToInst(0, 0, v), t.SX_SlotToInst(1, 1, v), t.SX_InstToSlot(2, 0, v),
+                   t.SX_InstToSlot(9, 0, v)),
               Ints(1, 2, 0, 0, 0, 2, 0));
 
     // Taking slot 1 out of the list moves the drum staff up to slot 1.
@@ -57,9 +57,9 @@ TEST_F(StavioScoreServices, NoteToMidiCountsMajorScaleStepsFromMiddleC)
         int16_t alteration;
         int32_t key;
     };
-    const Case cases[] = {{0, 0, 60},  {1, 0, 62},  {2, 0, 64},   {3, 0, 65},  {6, 0, 71},  {7, 0, 72},
-                          {3, 1, 66},  {6, -1, 70}, {-1, 0, 59},  {-3, 0, 55}, {-7, 0, 48}, {-8, 0, 47},
-                          {-10, 0, 43}, {-6, -1, 49}, {14, 0, 84}};
+    const Case cases[] = {{0, 0, 60},  {1, 0, 62},  {2, 0, 64},   {3, 0, 65},   {6, 0, 71},
+                          {7, 0, 72},  {3, 1, 66},  {6, -1, 70},  {-1, 0, 59},  {-3, 0, 55},
+                          {-7, 0, 48}, {-8, 0, 47}, {-10, 0, 43}, {-6, -1, 49}, {14, 0, 84}};
     for (const Case& note : cases) {
         EXNOTE n{};
         n.tcd = note.tcd;
@@ -118,5 +118,5 @@ TEST(StavioFunctionTable, NewerPoseOffersEverySlotAndOlderPoseOnlyAnOlderHostsSl
     }
 }
 
-}  // namespace
-}  // namespace stavio
+}   // namespace
+}   // namespace stavio

@@ -17,7 +17,7 @@ toolbox::Resource StringList(int16_t listId, const std::vector<std::string>& ent
     list.strings = entries;
     return list;
 }
-}  // namespace
+}   // namespace
 
 void WriteStringList(const std::string& path, int16_t listId, const std::vector<std::string>& entries)
 {
@@ -46,4 +46,4 @@ std::string MakeBundle(const std::string& folder, const std::string& name, const
     return bundle.string();
 }
 
-}  // namespace stavio::test
+}   // namespace stavio::test

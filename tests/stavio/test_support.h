@@ -23,4 +23,4 @@ std::string TestModulePath(const std::string& module);
 std::string MakeBundle(const std::string& folder, const std::string& name, const std::optional<std::string>& module,
                        bool withResources = true);
 
-}  // namespace stavio::test
+}   // namespace stavio::test

@@ -18,7 +18,10 @@ SXPluginFuncs StartPluginCore(StavioFuncs table)
     return reply;
 }
 
-SXPluginFuncs StartPluginCore(stavio::Host& host) { return StartPluginCore(host.FunctionTable()); }
+SXPluginFuncs StartPluginCore(stavio::Host& host)
+{
+    return StartPluginCore(host.FunctionTable());
+}
 
 void OpenBundleResources()
 {
@@ -27,4 +30,4 @@ void OpenBundleResources()
     EXPECT_GE(toolbox::OpenResFile(resources, true), 0) << BundleResourcePath();
 }
 
-}  // namespace support
+}   // namespace support

@@ -14,4 +14,4 @@ SXPluginFuncs StartPluginCore(stavio::Host& host);
 // Makes the bundle's resource file current, as the loader does for the plug-in's calls.
 void OpenBundleResources();
 
-}  // namespace support
+}   // namespace support

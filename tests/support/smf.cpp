@@ -135,7 +135,7 @@ std::vector<SmfEvent> ListTrack(Cursor& in)
     throw std::runtime_error("track without end-of-track event");
 }
 
-}  // namespace
+}   // namespace
 
 SmfListing ListSmf(const Bytes& bytes)
 {
@@ -156,4 +156,4 @@ SmfListing ListSmf(const Bytes& bytes)
     return file;
 }
 
-}  // namespace support
+}   // namespace support

@@ -15,7 +15,7 @@ Bytes Concat(std::initializer_list<Bytes> parts);
 Bytes Header(int format, int tracks, int division);
 // A header chunk followed by one track chunk per body; the track count as given, if given.
 Bytes Smf(int format, int division, const std::vector<Bytes>& trackBodies, int trackCountField = -1);
-void PutNumber(Bytes& out, uint32_t value);   // a variable-length quantity
+void PutNumber(Bytes& out, uint32_t value);                  // a variable-length quantity
 inline const Bytes kEndOfTrack = {0x00, 0xFF, 0x2F, 0x00};   // inline: ready for other files' constants
 
 struct DrumHit {
@@ -31,7 +31,7 @@ struct SmfEvent {
     uint8_t status = 0;   // channel status, 0xFF for meta, 0xF0/0xF7 for system exclusive
     uint8_t data1 = 0;    // first data byte, or the meta type
     uint8_t data2 = 0;
-    Bytes data;           // a meta or system-exclusive event's data
+    Bytes data;   // a meta or system-exclusive event's data
     bool IsNoteOn() const { return (status & 0xF0) == 0x90 && data2 > 0; }
     int Channel() const { return (status & 0x0F) + 1; }
 };
@@ -47,4 +47,4 @@ struct SmfListing {
 // whole and every track must end with its end-of-track event).
 SmfListing ListSmf(const Bytes& bytes);
 
-}  // namespace support
+}   // namespace support

@@ -67,7 +67,10 @@ std::vector<uint8_t> ReadBytes(const std::string& path)
     return std::vector<uint8_t>(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
 }
 
-bool Has(const std::string& text, const std::string& part) { return text.find(part) != std::string::npos; }
+bool Has(const std::string& text, const std::string& part)
+{
+    return text.find(part) != std::string::npos;
+}
 
 void ExpectHas(const std::string& text, const std::vector<std::string>& parts)
 {
@@ -88,9 +91,18 @@ std::string SourceDir()
     return dir != nullptr ? dir : TAMBERLYNE_SOURCE_TREE;
 }
 
-std::string BundlePath() { return BuildDir() + "/bin/PlugIns/Tamberlyne.bundle"; }
-std::string BundleResourcePath() { return BundlePath() + "/Resources/Tamberlyne.rsrc"; }
-std::string GrooveLibrary() { return SourceDir() + "/grooves/Tamberlyne"; }
+std::string BundlePath()
+{
+    return BuildDir() + "/bin/PlugIns/Tamberlyne.bundle";
+}
+std::string BundleResourcePath()
+{
+    return BundlePath() + "/Resources/Tamberlyne.rsrc";
+}
+std::string GrooveLibrary()
+{
+    return SourceDir() + "/grooves/Tamberlyne";
+}
 
 EREGION Region(uint16_t firstSlot, uint16_t lastSlot, uint16_t firstMeas, uint16_t lastMeas, int32_t startPos,
                int32_t endPos)
@@ -108,4 +120,4 @@ CommandRun RunTamberlyne(const std::string& arguments, const std::string& enviro
     return CommandRun{WIFEXITED(raw) ? WEXITSTATUS(raw) : -1, ReadFile(folder / "out"), ReadFile(folder / "err")};
 }
 
-}  // namespace support
+}   // namespace support

@@ -75,4 +75,4 @@ struct CommandRun {
 CommandRun RunTamberlyne(const std::string& arguments, const std::string& environment = "",
                          const std::string& input = "");
 
-}  // namespace support
+}   // namespace support

@@ -16,23 +16,22 @@ class ToolboxDialogs : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        support::WriteFile(folder_ / "dialogs.rsrc",
-                  "resource 'DLOG' 20129 \"Groove\" {\n"
-                  "    title = \"Fill with Drum Groove\"\n"
-                  "    size = 420 300\n"
-                  "    item 1 = button 330 260 400 280 \"OK\"\n"
-                  "    item 2 = button 240 260 310 280 \"Cancel\"\n"
-                  "    item 4 = user 20 40 220 240\n"
-                  "    item 5 = static 20 16 220 32 \"Grooves:\"\n"
-                  "    item 6 = radio 240 40 400 58 \"Existing staff\"\n"
-                  "    item 9 = checkbox 240 100 400 118 \"Slashes\"\n"
-                  "    item 8 = popup 240 64 400 84 \"Staff:\"\n"
-                  "    item 3 = user 10 10 410 290\n"
-                  "}\n"
-                  "resource 'DLOG' 7 {\n"
-                  "    item 1 = button 10 10 50 30 \"Go\"\n"
-                  "    item 2 = static 10 40 90 70\n"
-                  "}\n");
+        support::WriteFile(folder_ / "dialogs.rsrc", "resource 'DLOG' 20129 \"Groove\" {\n"
+                                                     "    title = \"Fill with Drum Groove\"\n"
+                                                     "    size = 420 300\n"
+                                                     "    item 1 = button 330 260 400 280 \"OK\"\n"
+                                                     "    item 2 = button 240 260 310 280 \"Cancel\"\n"
+                                                     "    item 4 = user 20 40 220 240\n"
+                                                     "    item 5 = static 20 16 220 32 \"Grooves:\"\n"
+                                                     "    item 6 = radio 240 40 400 58 \"Existing staff\"\n"
+                                                     "    item 9 = checkbox 240 100 400 118 \"Slashes\"\n"
+                                                     "    item 8 = popup 240 64 400 84 \"Staff:\"\n"
+                                                     "    item 3 = user 10 10 410 290\n"
+                                                     "}\n"
+                                                     "resource 'DLOG' 7 {\n"
+                                                     "    item 1 = button 10 10 50 30 \"Go\"\n"
+                                                     "    item 2 = static 10 40 90 70\n"
+                                                     "}\n");
         ASSERT_GT(OpenResFile(FileSpec{folder_.Path(), "dialogs.rsrc"}, true), 0);
         ASSERT_EQ(NewDialog(kGrooveLayout, dialog_), kNoErr);
     }
@@ -46,7 +45,7 @@ protected:
     Dialog* dialog_ = nullptr;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(ToolboxDialogs, AreBuiltFromTheLayoutResourceInTheChain)
 {
@@ -142,7 +141,7 @@ TEST_F(ToolboxDialogs, EnablingShowingAndFindingItems)
     EXPECT_FALSE(dialog_->Item(1)->IsEnabled());
     EXPECT_EQ(dialog_->FindItem(Point{350, 270}), 1);   // disabled items are found
     EXPECT_EQ(dialog_->ShowItem(4, false), kNoErr);
-    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 3);    // hidden ones are not
+    EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 3);   // hidden ones are not
     EXPECT_EQ(dialog_->ShowItem(4, true), kNoErr);
     EXPECT_EQ(dialog_->FindItem(Point{50, 100}), 4);
     DialogRect rect;

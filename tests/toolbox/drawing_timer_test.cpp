@@ -17,7 +17,7 @@ protected:
     Dialog* dialog_ = nullptr;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(ToolboxDrawing, StateIsSavedNormalisedAndRestored)
 {

@@ -14,8 +14,7 @@ using support::TempFolder;
 TEST(Files, FolderItemsComeInByteOrderOfTheirNames)
 {
     TempFolder folder;
-    for (const char* name : {"b.mid", "B.MID", "\xC3\xA4.mid", "a.mid", "Z"})
-        support::WriteFile(folder / name, "x");
+    for (const char* name : {"b.mid", "B.MID", "\xC3\xA4.mid", "a.mid", "Z"}) support::WriteFile(folder / name, "x");
     ASSERT_EQ(mkdir((folder / "sub").c_str(), 0755), 0);
 
     std::vector<std::string> names;
@@ -80,9 +79,11 @@ TEST(Files, SpecificationsAndFolders)
     EXPECT_EQ((FileSpec{"dir/", "x"}.Path()), "dir/x");
 
     support::WriteFile(folder / "file", "");
-    for (const auto& [path, made] : std::vector<std::pair<std::string, bool>>{
-             {folder / "one/two/three", true}, {folder / "one/two", true}, {folder / "file", false},
-             {folder / "file/below", false}, {"", false}})
+    for (const auto& [path, made] : std::vector<std::pair<std::string, bool>>{{folder / "one/two/three", true},
+                                                                              {folder / "one/two", true},
+                                                                              {folder / "file", false},
+                                                                              {folder / "file/below", false},
+                                                                              {"", false}})
         EXPECT_EQ(EnsureFolder(path), made) << path;
     EXPECT_TRUE(IsFolder(folder / "one/two/three"));
 }

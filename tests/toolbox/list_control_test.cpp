@@ -52,13 +52,13 @@ protected:
     Dialog* dialog_ = nullptr;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(ToolboxLists, RowsAreAddedAndDeletedAroundTheirCells)
 {
     ListControl* list = MakeList(3, true);
-    EXPECT_EQ(list->AddRows(2, 1), 1);     // before row 1
-    EXPECT_EQ(list->AddRows(1, 99), 5);    // past the end: appended
+    EXPECT_EQ(list->AddRows(2, 1), 1);    // before row 1
+    EXPECT_EQ(list->AddRows(1, 99), 5);   // past the end: appended
     EXPECT_EQ(list->AddRows(-1, 0), -1);
     EXPECT_EQ(list->Rows(), 6);
     EXPECT_EQ(*list->CellText(Cell{0, 0}) + "|" + *list->CellText(Cell{1, 0}) + "|" + *list->CellText(Cell{3, 0}),
@@ -119,9 +119,10 @@ TEST_F(ToolboxLists, ShiftExtendsAndCommandTogglesInAMultiSelectionList)
     ListControl* list = MakeList(5, false);
     list->Click(RowPoint(*list, 1), kNoModifiers, 1000);
     uint64_t when = 1000;
-    for (const auto& [row, keys, selected] : std::vector<std::tuple<int, Modifiers, Rows>>{
-             {3, kShiftKey, {1, 2, 3}}, {2, kCommandKey, {1, 3}}, {4, kCommandKey, {1, 3, 4}},
-             {0, kNoModifiers, {0}}}) {
+    for (const auto& [row, keys, selected] : std::vector<std::tuple<int, Modifiers, Rows>>{{3, kShiftKey, {1, 2, 3}},
+                                                                                           {2, kCommandKey, {1, 3}},
+                                                                                           {4, kCommandKey, {1, 3, 4}},
+                                                                                           {0, kNoModifiers, {0}}}) {
         list->Click(RowPoint(*list, row), keys, when += 1000);
         EXPECT_EQ(SelectedRows(*list), selected) << row;
     }
@@ -147,8 +148,8 @@ TEST_F(ToolboxLists, ASecondClickOnTheSameCellInTimeIsADoubleClick)
     // At the limit; a third starts over; too late; another cell; the clock went back.
     for (const auto& [row, when, doubled] : std::vector<std::array<int, 3>>{
              {1, 1000, 0}, {1, 1400, 1}, {1, 1500, 0}, {1, 1901, 0}, {2, 2000, 0}, {2, 1990, 0}, {2, 2100, 1}})
-        EXPECT_EQ(list->Click(RowPoint(*list, row), kNoModifiers, uint64_t(when)),
-                  doubled != 0) << row << " at " << when;
+        EXPECT_EQ(list->Click(RowPoint(*list, row), kNoModifiers, uint64_t(when)), doubled != 0)
+            << row << " at " << when;
     EXPECT_EQ(list->LastClick(), (Cell{2, 0}));
 
     // Rows moving under the cell break the pair.
@@ -192,8 +193,8 @@ TEST_F(ToolboxLists, ScrollingMovesRowsUnderTheViewWithinLimits)
 TEST_F(ToolboxLists, AutoScrollShowsTheFirstSelectedCellAndScrollBarsScroll)
 {
     ListControl* list = MakeList(20, true);
-    for (const auto& [row, top] : std::vector<std::pair<int,
-         int>>{{9, 5}, {2, 2}, {2, 2}}) {   // row 9: just far enough
+    for (const auto& [row, top] :
+         std::vector<std::pair<int, int>>{{9, 5}, {2, 2}, {2, 2}}) {   // row 9: just far enough
         list->SetSelected(Cell{row, 0}, true);
         list->AutoScroll();
         EXPECT_EQ(list->TopRow(), top) << row;

@@ -16,7 +16,10 @@ namespace {
 
 constexpr ResType kVrnx = 0x56524E58;   // 'VRNX'
 
-std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+std::vector<uint8_t> Bytes(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
 
 class ResourceChain : public ::testing::Test {
 protected:
@@ -32,16 +35,14 @@ protected:
     support::TempFolder folder_;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(ResourceChain, LookupsWalkFromTheCurrentFileToTheOldest)
 {
-    const FileSpec older = WriteFile("older.rsrc",
-                                     "resource 'STR#' 1 {\n 1 = \"old one\"\n 2 = \"old two\"\n}\n"
-                                     "resource 'STR ' 7 {\n text = \"only in the older file\"\n}\n");
-    const FileSpec newer = WriteFile("newer.rsrc",
-                                     "resource 'STR#' 1 {\n 1 = \"new one\"\n}\n"
-                                     "resource 'STR ' 8 {\n text = \"only in the newer file\"\n}\n");
+    const FileSpec older = WriteFile("older.rsrc", "resource 'STR#' 1 {\n 1 = \"old one\"\n 2 = \"old two\"\n}\n"
+                                                   "resource 'STR ' 7 {\n text = \"only in the older file\"\n}\n");
+    const FileSpec newer = WriteFile("newer.rsrc", "resource 'STR#' 1 {\n 1 = \"new one\"\n}\n"
+                                                   "resource 'STR ' 8 {\n text = \"only in the newer file\"\n}\n");
     const ResFileRef olderRef = OpenResFile(older, true);
     const ResFileRef newerRef = OpenResFile(newer, true);
     ASSERT_TRUE(olderRef > 0 && newerRef > 0 && olderRef != newerRef);
@@ -164,7 +165,7 @@ TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
 
     // The file system refuses to grow files beyond a few bytes: the write fails half way.
     {
-        rlimit old {};
+        rlimit old{};
         getrlimit(RLIMIT_FSIZE, &old);
         rlimit small = old;
         small.rlim_cur = 1024;
@@ -189,8 +190,8 @@ TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
 
 TEST_F(ResourceChain, TheBundleFileHoldsEveryTextThePlugInAsksFor)
 {
-    const ResFileRef ref = OpenResFile(FileSpec{support::SourceDir() + "/tamberlyne/resources", "Tamberlyne.rsrc"},
-                                       true);
+    const ResFileRef ref =
+        OpenResFile(FileSpec{support::SourceDir() + "/tamberlyne/resources", "Tamberlyne.rsrc"}, true);
     ASSERT_GT(ref, 0) << ResErrorText();
     // The plug-in cuts menu texts after 63 bytes and alert texts after 255.
     for (const auto& [list, entries, limit] : {std::array<int16_t, 3>{20000, 3, 64}, {20001, 12, 256}})

@@ -15,7 +15,10 @@ namespace {
 constexpr ResType kVrnx = 0x56524E58;   // 'VRNX'
 constexpr ResType kData = 0x44415441;   // 'DATA'
 
-std::vector<uint8_t> Bytes(const std::string& text) { return {text.begin(), text.end()}; }
+std::vector<uint8_t> Bytes(const std::string& text)
+{
+    return {text.begin(), text.end()};
+}
 
 Resource MakeList(int16_t id, std::vector<std::string> entries, std::string name = "")
 {
@@ -60,21 +63,20 @@ std::string ParseError(const std::string& text)
     return error;
 }
 
-}  // namespace
+}   // namespace
 
 TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
 {
     std::string allBytes;
-    for (int b = 0; b < 256; ++b)
-        allBytes += static_cast<char>(b);
+    for (int b = 0; b < 256; ++b) allBytes += static_cast<char>(b);
     std::string longText;   // long enough to be split over several lines, with characters at the cuts
-    for (int i = 0; i < 40; ++i)
-        longText += "Trommel \xC3\xA4\xE2\x82\xAC\xF0\x9F\xA5\x81 ";
+    for (int i = 0; i < 40; ++i) longText += "Trommel \xC3\xA4\xE2\x82\xAC\xF0\x9F\xA5\x81 ";
 
     ResourceFile original;
-    original.Put(MakeList(20001, {"say \"hi\" \\ back", "two\nlines\tand tab", std::string("zero\0byte", 9), "",
-                                  "Caf\xC3\xA9 \xE2\x80\x93 \xE3\x83\x89\xE3\x83\xA9\xE3\x83\xA0", "stray \xFF\xC3 bytes",
-                                  "# not a comment", "\x01\x7F\r"},
+    original.Put(MakeList(20001,
+                          {"say \"hi\" \\ back", "two\nlines\tand tab", std::string("zero\0byte", 9), "",
+                           "Caf\xC3\xA9 \xE2\x80\x93 \xE3\x83\x89\xE3\x83\xA9\xE3\x83\xA0", "stray \xFF\xC3 bytes",
+                           "# not a comment", "\x01\x7F\r"},
                           "Alerts \"quoted\" # too"));
     original.Put(MakeList(-32768, {}));
     original.Put(MakeData(kStringType, 32767, "single string"));
@@ -107,20 +109,19 @@ TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
 
 TEST(ResourceText, ReadsAHandWrittenFile)
 {
-    const std::string text =
-        "\xEF\xBB\xBF# a comment line\r\n"
-        "resource 'STR#' 20000 \"Menu\" {   # trailing comment\r\n"
-        "\r\n"
-        "    1 = \"Fill \\x41 # kept\"\r\n"
-        "\t2=\"\"\r\n"
-        "}\r\n"
-        "resource 'VRNX' 20000 \"tamberlyne\" {\n"
-        "    text = \"1\\0\"\n"
-        "    hex = 0aFF 7f   # three bytes\n"
-        "    text = \"\\01\"\n"
-        "}\n"
-        "resource 'STR ' -5 {\n"
-        "}";
+    const std::string text = "\xEF\xBB\xBF# a comment line\r\n"
+                             "resource 'STR#' 20000 \"Menu\" {   # trailing comment\r\n"
+                             "\r\n"
+                             "    1 = \"Fill \\x41 # kept\"\r\n"
+                             "\t2=\"\"\r\n"
+                             "}\r\n"
+                             "resource 'VRNX' 20000 \"tamberlyne\" {\n"
+                             "    text = \"1\\0\"\n"
+                             "    hex = 0aFF 7f   # three bytes\n"
+                             "    text = \"\\01\"\n"
+                             "}\n"
+                             "resource 'STR ' -5 {\n"
+                             "}";
     ResourceFile file;
     std::string error;
     ASSERT_TRUE(file.Parse(text, "hand.rsrc", error)) << error;
@@ -140,14 +141,16 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
 {
     const std::vector<std::pair<std::string, std::string>> cases = {
         {"resource 'STR ' 1 {\n    text = \"a\\q\"\n}\n", "bad.rsrc:2: unknown escape '\\q' in a string"},
-        {"# one\n\nresource 'STR#' 5 {\n    1 = \"x\"\n", "bad.rsrc:3: resource 'STR#' 5 is not closed (a line with '}' is missing)"},
+        {"# one\n\nresource 'STR#' 5 {\n    1 = \"x\"\n",
+         "bad.rsrc:3: resource 'STR#' 5 is not closed (a line with '}' is missing)"},
         {"resource 'STR' 1 {\n}\n", "bad.rsrc:1: a resource type has exactly 4 characters, 'STR' has 3"},
         {"resource 'STR ' 40000 {\n}\n", "bad.rsrc:1: resource id 40000 is out of range (-32768 to 32767)"},
         {"resource 'STR#' 1 {\n    1 = \"a\"\n    3 = \"c\"\n}\n",
          "bad.rsrc:3: entry 3 is out of order: entries count from 1 without gaps, this one must be 2"},
         {"resource 'STR ' 1 {\n}\n\nresource 'STR ' 1 \"again\" {\n}\n",
          "bad.rsrc:4: resource 'STR ' 1 appears twice (first at line 1)"},
-        {"resource 'STR ' 1 {\n    text = \"open\n}\n", "bad.rsrc:2: string is not closed (strings end on the line they start)"},
+        {"resource 'STR ' 1 {\n    text = \"open\n}\n",
+         "bad.rsrc:2: string is not closed (strings end on the line they start)"},
         {"resource 'DATA' 1 {\n    hex = 0a b\n}\n", "bad.rsrc:2: odd number of hex digits (each byte takes two)"},
         {"resource 'DATA' 1 {\n    hex = 0g\n}\n", "bad.rsrc:2: expected hex digits, found 'g'"},
         {"resource 'VRNX' 1 {\n    txt = \"1\"\n}\n",
@@ -156,15 +159,19 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
          "bad.rsrc:2: invalid UTF-8 (resource files are UTF-8 text; write other bytes as \\xHH escapes)"},
         {"}\n", "bad.rsrc:1: '}' without an open resource"},
         {"resources 'STR ' 1 {\n", "bad.rsrc:1: expected 'resource', found 'resources'"},
-        {"resource 'STR ' 1\n}\n", "bad.rsrc:1: expected '{' at the end of the resource header, found the end of the line"},
+        {"resource 'STR ' 1\n}\n",
+         "bad.rsrc:1: expected '{' at the end of the resource header, found the end of the line"},
         {"resource 'STR#' 1 {\n    1 = \"a\" \"b\"\n}\n", "bad.rsrc:2: unexpected '\"b\"' at the end of the line"},
         {"resource 'DLOG' 1 {\n    item 1 = slider 0 0 10 10\n}\n",
          "bad.rsrc:2: unknown item kind 'slider' (known: button, radio, checkbox, popup, user, static)"},
         {"resource 'DLOG' 1 {\n    item 2 = button 50 0 10 10 \"OK\"\n}\n",
          "bad.rsrc:2: the right edge lies left of the left edge"},
-        {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n", "bad.rsrc:3: item 2 appears twice"},
-        {"resource 'DLOG' 1 {\n    colour = 3\n}\n", "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item, entries)"},
-        {"resource 'DLOG' 1 {\n    entries 3 = \"a\"\n}\n", "bad.rsrc:2: entries for item 3, which no earlier line makes"},
+        {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n",
+         "bad.rsrc:3: item 2 appears twice"},
+        {"resource 'DLOG' 1 {\n    colour = 3\n}\n",
+         "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item, entries)"},
+        {"resource 'DLOG' 1 {\n    entries 3 = \"a\"\n}\n",
+         "bad.rsrc:2: entries for item 3, which no earlier line makes"},
         {"resource 'DLOG' 1 {\n    item 3 = radio 0 0 1 1\n    entries 3 = \"a\"\n}\n",
          "bad.rsrc:3: entries for item 3, which is not a pop-up menu"},
         {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 =\n}\n",
@@ -172,8 +179,7 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
         {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 = \"a\"\n    entries 3 = \"b\"\n}\n",
          "bad.rsrc:4: item 3 has its entries already"},
     };
-    for (const auto& [text, expected] : cases)
-        EXPECT_EQ(ParseError(text), expected);
+    for (const auto& [text, expected] : cases) EXPECT_EQ(ParseError(text), expected);
 }
 
 TEST(ResourceText, AFailedParseKeepsWhatWasThere)
@@ -188,23 +194,22 @@ TEST(ResourceText, AFailedParseKeepsWhatWasThere)
 
 TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
 {
-    const std::string text =
-        "resource 'DLOG' 20129 \"Groove\" {\n"
-        "    title   =   \"Fill with Drum Groove\"   # window title\n"
-        "    size = 420 300\n"
-        "    item 1 = button 330 260 400 280 \"OK\"\n"
-        "    item 4 = user  20 40 220 240\n"
-        "    item 8=popup 240 64 400 84 \"Staff:\"\n"
-        "}\n";
+    const std::string text = "resource 'DLOG' 20129 \"Groove\" {\n"
+                             "    title   =   \"Fill with Drum Groove\"   # window title\n"
+                             "    size = 420 300\n"
+                             "    item 1 = button 330 260 400 280 \"OK\"\n"
+                             "    item 4 = user  20 40 220 240\n"
+                             "    item 8=popup 240 64 400 84 \"Staff:\"\n"
+                             "}\n";
     ResourceFile file;
     std::string error;
     ASSERT_TRUE(file.Parse(text, "dlog.rsrc", error)) << error;
     const Resource* resource = file.Find(kDialogLayoutType, 20129);
     ASSERT_NE(resource, nullptr);
-    EXPECT_EQ(resource->strings, (std::vector<std::string>{"title = \"Fill with Drum Groove\"", "size = 420 300",
-                                                           "item 1 = button 330 260 400 280 \"OK\"",
-                                                           "item 4 = user 20 40 220 240",
-                                                           "item 8 = popup 240 64 400 84 \"Staff:\""}));
+    EXPECT_EQ(resource->strings,
+              (std::vector<std::string>{"title = \"Fill with Drum Groove\"", "size = 420 300",
+                                        "item 1 = button 330 260 400 280 \"OK\"", "item 4 = user 20 40 220 240",
+                                        "item 8 = popup 240 64 400 84 \"Staff:\""}));
 
     DialogLayout layout;
     ASSERT_TRUE(ReadDialogLayout(*resource, layout, error)) << error;

@@ -52,8 +52,8 @@ protected:
     Point RowPoint(int row) const { return Point{30, 20 + row * kDefaultCellHeight + 5}; }
     bool Click(int row, Modifiers modifiers, uint64_t when = 1000, bool clear = true)
     {
-        return QVMacLButtonDownHandlerForLists(dialog_, list_, kListItem, DialogEvent{modifiers, when},
-                                               RowPoint(row), clear);
+        return QVMacLButtonDownHandlerForLists(dialog_, list_, kListItem, DialogEvent{modifiers, when}, RowPoint(row),
+                                               clear);
     }
     std::vector<int> Selected() const
     {
@@ -67,7 +67,7 @@ protected:
     ListControl* list_ = nullptr;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(DialogLists, ModifierKeysAddToTheSelectionAndPlainClicksStartOver)
 {
@@ -93,8 +93,8 @@ TEST_F(DialogLists, WithoutClearingAPlainClickInTheViewLeavesTheListToDecide)
     Click(2, kCommandKey, 3000);
     // Below the last row: with clearing every cell goes; the list itself would keep a Shift
     // selection, and without clearing its own rule (a plain click there deselects) applies.
-    EXPECT_TRUE(QVMacLButtonDownHandlerForLists(dialog_, list_, kListItem, DialogEvent{kShiftKey, 5000},
-                                                Point{30, 110}, true));
+    EXPECT_TRUE(
+        QVMacLButtonDownHandlerForLists(dialog_, list_, kListItem, DialogEvent{kShiftKey, 5000}, Point{30, 110}, true));
     EXPECT_EQ(Selected(), (std::vector<int>{0, 2}));
     EXPECT_TRUE(QVMacLButtonDownHandlerForLists(dialog_, list_, kListItem, DialogEvent{kNoModifiers, 6000},
                                                 Point{30, 110}, false));

@@ -32,15 +32,15 @@ protected:
     std::string environment_;
 };
 
-}  // namespace
+}   // namespace
 
 TEST_F(FillCommand, HelpDescribesEveryOption)
 {
     const CommandRun run = Fill("--help");
     EXPECT_EQ(run.status, 0);
-    ExpectHas(run.out, {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER",
-                        "--style drums|percussion-clef|slashes",
-                        "--new-staff", "--yes, --no", "--library DIR", "--interactive", "--json", "Exit status"});
+    ExpectHas(run.out,
+              {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER", "--style drums|percussion-clef|slashes",
+               "--new-staff", "--yes, --no", "--library DIR", "--interactive", "--json", "Exit status"});
     ExpectHas(support::RunTamberlyne("--help").out, {"fill [fill options]"});
 }
 

@@ -29,14 +29,14 @@ protected:
     }
 };
 
-}  // namespace
+}   // namespace
 
 // The rows follow the folder's order; only ".mid", ".MID" and ".Mid" files longer than their
 // extension count, the temporary file and folders never do.
 TEST_P(GrooveDialog, ListsTheGrooveFilesOfTheFolderAndPreselectsTheDrumStaff)
 {
-    BundleHost session(Session({"Rock.mid", "Funk.MID", "Latin.mId", "Tamberlyne$$Temp$$File.mid", ".mid", "Notes.txt",
-                                "Waltz.mid.bak"}));
+    BundleHost session(Session(
+        {"Rock.mid", "Funk.MID", "Latin.mId", "Tamberlyne$$Temp$$File.mid", ".mid", "Notes.txt", "Waltz.mid.bak"}));
     std::filesystem::create_directory(session.application / "Tamberlyne/Folder.mid");
     DialogView view;
     session.frontEnd.inspect = [&](stavio::DialogSession& dialog) { view = ViewOf(dialog); };
@@ -53,8 +53,8 @@ TEST_P(GrooveDialog, ListsTheGrooveFilesOfTheFolderAndPreselectsTheDrumStaff)
 
 TEST_P(GrooveDialog, StaffNamesFallBackAndTheLaterDrumStaffIsChosen)
 {
-    BundleHost session(Session({"Rock.mid"},
-                               Score({{"Kit ^font(Times)A", "", true}, {"", "Pno."}, {"", ""}, {"Kit B", "", true}})));
+    BundleHost session(
+        Session({"Rock.mid"}, Score({{"Kit ^font(Times)A", "", true}, {"", "Pno."}, {"", ""}, {"Kit B", "", true}})));
     DialogView view;
     session.frontEnd.inspect = [&](stavio::DialogSession& dialog) { view = ViewOf(dialog); };
     const EREGION selection = Measures(2, 3, 4);
@@ -77,9 +77,9 @@ TEST_P(GrooveDialog, CancelSetsTheCancelBitAndChangesNothing)
 {
     BundleHost session(Session({"Rock.mid"}));
     const stavio::RecordStore before = session.host.document().Records();
-    EXPECT_EQ(session.Fill({DialogAction::ClickListRowNamed(4, "Rock"), DialogAction::PressItem(6),
-                            DialogAction::PressItem(2)},
-                           &kWholeScore),
+    EXPECT_EQ(session.Fill(
+                  {DialogAction::ClickListRowNamed(4, "Rock"), DialogAction::PressItem(6), DialogAction::PressItem(2)},
+                  &kWholeScore),
               0);
     EXPECT_EQ(session.DialogFlags(), 0x10000u);
     EXPECT_TRUE(session.host.document().Records() == before && session.host.document().UndoCount() == 0);

@@ -15,7 +15,10 @@ namespace {
 
 const std::vector<StaffNames> kPianoAndDrums = {{"Piano"}, {"Drums", "", true}};
 
-std::string PrefsPath(const DialogHostBase& session) { return session.config.Path() + "/tamberlyne Prefs"; }
+std::string PrefsPath(const DialogHostBase& session)
+{
+    return session.config.Path() + "/tamberlyne Prefs";
+}
 
 // A preferences file holding `data` as the option's resource.
 void WritePrefs(const DialogHostBase& session, const std::string& data)
@@ -48,7 +51,7 @@ uint32_t OptionAfterOpening(CoreHost& session)
     return initFlag;
 }
 
-}  // namespace
+}   // namespace
 
 TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 {
@@ -74,13 +77,13 @@ TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
 {
     const std::vector<std::pair<std::string, uint32_t>> cases = {
-        {std::string("0\0", 2), 0u}, {std::string("1\0", 2), 1u}, {std::string("7\0", 2), 1u},
-        {std::string("-1\0", 3), 1u}, {std::string(), 1u},        {std::string("zero\0", 5), 1u},
+        {std::string("0\0", 2), 0u},  {std::string("1\0", 2), 1u}, {std::string("7\0", 2), 1u},
+        {std::string("-1\0", 3), 1u}, {std::string(), 1u},         {std::string("zero\0", 5), 1u},
         {std::string("0"), 0u},
     };
     for (const auto& [text, expected] : cases) {
         CoreHost session(Score(kPianoAndDrums));
-            WritePrefs(session, text);
+        WritePrefs(session, text);
         EXPECT_EQ(OptionAfterOpening(session), expected) << "stored \"" << text << "\"";
         EXPECT_TRUE(session.frontEnd.Alerts().empty());
     }

@@ -93,7 +93,10 @@ std::vector<int32_t> DialogHostBase::AlertIds() const
     return ids;
 }
 
-std::string DialogHostBase::AllNotes() const { return ui_test::AllNotes(frontEnd); }
+std::string DialogHostBase::AllNotes() const
+{
+    return ui_test::AllNotes(frontEnd);
+}
 
 std::string AllNotes(const stavio::ScriptedFrontEnd& frontEnd)
 {
@@ -109,9 +112,15 @@ BundleHost::BundleHost(stavio::Document doc, stavio::HostPose pose, const std::v
     EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().reason);
 }
 
-BundleHost::~BundleHost() { host.UnloadPlugins(); }
+BundleHost::~BundleHost()
+{
+    host.UnloadPlugins();
+}
 
-int32_t BundleHost::Invoke(const EREGION* selection) { return host.Invoke(0, selection); }
+int32_t BundleHost::Invoke(const EREGION* selection)
+{
+    return host.Invoke(0, selection);
+}
 
 uint32_t BundleHost::DialogFlags() const
 {
@@ -136,4 +145,4 @@ int32_t CoreHost::Invoke(const EREGION* selection)
     return StavioExtensionInvoke(nullptr, 0, selection, &document);
 }
 
-}  // namespace ui_test
+}   // namespace ui_test

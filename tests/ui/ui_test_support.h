@@ -29,8 +29,7 @@ std::string MakeGrooveFolder(const std::string& applicationFolder, const std::ve
 struct StaffNames {
     StaffNames(std::string fullName, std::string abbreviatedName = "", bool drumStaff = false)
         : full(std::move(fullName)), abbreviated(std::move(abbreviatedName)), drums(drumStaff)
-    {
-    }
+    {}
     std::string full;
     std::string abbreviated;
     bool drums = false;   // plays on the host's drum channel
@@ -39,8 +38,10 @@ struct StaffNames {
 stavio::Document Score(const std::vector<StaffNames>& staves, int measures = 8);
 
 // Whole measures on every staff of the score.
-inline EREGION Measures(uint16_t first, uint16_t last,
-                        uint16_t staves) { return support::Region(1, staves, first, last); }
+inline EREGION Measures(uint16_t first, uint16_t last, uint16_t staves)
+{
+    return support::Region(1, staves, first, last);
+}
 
 // What the dialog showed right after it was initialised.
 struct DialogView {
@@ -107,4 +108,4 @@ public:
     int32_t Invoke(const EREGION* selection) override;
 };
 
-}  // namespace ui_test
+}   // namespace ui_test

@@ -10,8 +10,7 @@ namespace {
 // The layout's size, else the extent of its items.
 DialogRect ContentOf(const DialogLayout& layout)
 {
-    if (layout.width > 0 && layout.height > 0)
-        return DialogRect{0, 0, layout.width, layout.height};
+    if (layout.width > 0 && layout.height > 0) return DialogRect{0, 0, layout.width, layout.height};
     int16_t right = 0;
     int16_t bottom = 0;
     for (const DialogItemSpec& item : layout.items) {
@@ -25,27 +24,24 @@ DialogRect ContentOf(const DialogLayout& layout)
 template <typename ItemType, typename Use>
 OSErr WithItem(ItemType* item, Use use)
 {
-    if (item == nullptr)
-        return kParamErr;
+    if (item == nullptr) return kParamErr;
     use(*item);
     return kNoErr;
 }
 
-}  // namespace
+}   // namespace
 
 Dialog::Dialog(const DialogLayout& layout, int16_t layoutId)
     : layoutId_(layoutId), title_(layout.title), content_(ContentOf(layout))
 {
     items_.reserve(layout.items.size());
-    for (const DialogItemSpec& spec : layout.items)
-        items_.emplace_back(spec, this);
+    for (const DialogItemSpec& spec : layout.items) items_.emplace_back(spec, this);
     port_.SetVisibleRegion(content_);
 }
 
 void Dialog::End(int32_t result)
 {
-    if (ended_)
-        return;
+    if (ended_) return;
     ended_ = true;
     result_ = result;
 }
@@ -57,16 +53,15 @@ DialogItem* Dialog::Item(int16_t number)
 
 const DialogItem* Dialog::Item(int16_t number) const
 {
-    const auto found =
-        std::find_if(items_.begin(), items_.end(), [number](const DialogItem& item) { return item.Number() == number; });
+    const auto found = std::find_if(items_.begin(), items_.end(),
+                                    [number](const DialogItem& item) { return item.Number() == number; });
     return found == items_.end() ? nullptr : &*found;
 }
 
 int16_t Dialog::FindItem(Point point) const
 {
     for (const DialogItem& item : items_) {
-        if (item.IsVisible() && PointInRect(point, item.Rect()))
-            return item.Number();
+        if (item.IsVisible() && PointInRect(point, item.Rect())) return item.Number();
     }
     return 0;
 }
@@ -80,10 +75,8 @@ OSErr Dialog::ItemAsControl(int16_t number, DialogItem*& control)
 {
     control = nullptr;
     DialogItem* item = Item(number);
-    if (item == nullptr)
-        return kParamErr;
-    if (!item->IsControl())
-        return kItemNotControl;
+    if (item == nullptr) return kParamErr;
+    if (!item->IsControl()) return kItemNotControl;
     control = item;
     return kNoErr;
 }
@@ -98,8 +91,7 @@ OSErr Dialog::SetItemValue(int16_t number, int32_t value)
 {
     DialogItem* control = nullptr;
     const OSErr err = ItemAsControl(number, control);
-    if (err != kNoErr)
-        return err;
+    if (err != kNoErr) return err;
     control->SetValue(value);
     return kNoErr;
 }
@@ -117,8 +109,7 @@ OSErr Dialog::ShowItem(int16_t number, bool show)
 OSErr Dialog::NewList(const ListSpec& spec, ListControl*& list) noexcept
 {
     list = nullptr;
-    if (!ListControl::IsValidListSpec(spec))
-        return kParamErr;
+    if (!ListControl::IsValidListSpec(spec)) return kParamErr;
     try {
         lists_.push_back(std::make_unique<ListControl>(spec, &port_));
     } catch (...) {
@@ -137,18 +128,17 @@ void Dialog::DisposeList(ListControl* list)
 
 bool Dialog::OwnsList(const ListControl* list) const
 {
-    return list != nullptr && std::any_of(lists_.begin(), lists_.end(), [list](const std::unique_ptr<ListControl>& owned) {
-               return owned.get() == list;
-           });
+    return list != nullptr &&
+           std::any_of(lists_.begin(), lists_.end(),
+                       [list](const std::unique_ptr<ListControl>& owned) { return owned.get() == list; });
 }
 
 void Dialog::DrawItems(const DialogRect& region)
 {
     const DialogRect drawn = IntersectRects(content_, region);
-    if (IsEmptyRect(drawn))
-        return;
+    if (IsEmptyRect(drawn)) return;
     port_.Record(DrawKind::kDialogItems, drawn);
     ++itemsDrawCount_;
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

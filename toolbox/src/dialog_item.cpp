@@ -12,8 +12,7 @@ DialogItem::DialogItem(const DialogItemSpec& spec, Dialog* owner)
         value_ = 1;
         minimum_ = 1;
         maximum_ = 1;
-        for (const std::string& entry : spec.entries)
-            AppendMenuEntry(entry);
+        for (const std::string& entry : spec.entries) AppendMenuEntry(entry);
     } else if (IsControl()) {
         maximum_ = 1;
     }
@@ -31,20 +30,18 @@ OSErr DialogItem::SetLabel(std::string_view label) noexcept
 
 bool DialogItem::IsControl() const
 {
-    return kind_ == DialogItemKind::kButton || kind_ == DialogItemKind::kRadio ||
-           kind_ == DialogItemKind::kCheckbox || kind_ == DialogItemKind::kPopup;
+    return kind_ == DialogItemKind::kButton || kind_ == DialogItemKind::kRadio || kind_ == DialogItemKind::kCheckbox ||
+           kind_ == DialogItemKind::kPopup;
 }
 
 void DialogItem::SetValue(int32_t value)
 {
-    if (IsControl())
-        value_ = std::clamp(value, minimum_, maximum_);
+    if (IsControl()) value_ = std::clamp(value, minimum_, maximum_);
 }
 
 void DialogItem::SetMinimum(int32_t minimum)
 {
-    if (!IsControl())
-        return;
+    if (!IsControl()) return;
     minimum_ = minimum;
     maximum_ = std::max(maximum_, minimum_);
     value_ = std::clamp(value_, minimum_, maximum_);
@@ -52,8 +49,7 @@ void DialogItem::SetMinimum(int32_t minimum)
 
 void DialogItem::SetMaximum(int32_t maximum)
 {
-    if (!IsControl())
-        return;
+    if (!IsControl()) return;
     maximum_ = maximum;
     minimum_ = std::min(minimum_, maximum_);
     value_ = std::clamp(value_, minimum_, maximum_);
@@ -61,23 +57,20 @@ void DialogItem::SetMaximum(int32_t maximum)
 
 OSErr DialogItem::AppendMenuEntry(std::string_view text) noexcept
 {
-    if (kind_ != DialogItemKind::kPopup)
-        return kItemNotControl;
+    if (kind_ != DialogItemKind::kPopup) return kItemNotControl;
     try {
         menuEntries_.emplace_back(text);
     } catch (...) {
         return kMemFull;
     }
-    if (maximum_ < MenuEntryCount())
-        SetMaximum(MenuEntryCount());
+    if (maximum_ < MenuEntryCount()) SetMaximum(MenuEntryCount());
     return kNoErr;
 }
 
 const std::string* DialogItem::MenuEntryText(int entry) const
 {
-    if (entry < 1 || entry > MenuEntryCount())
-        return nullptr;
+    if (entry < 1 || entry > MenuEntryCount()) return nullptr;
     return &menuEntries_[static_cast<size_t>(entry - 1)];
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -14,16 +14,14 @@ struct KindName {
 };
 
 constexpr KindName kKindNames[] = {
-    {DialogItemKind::kButton, "button"},  {DialogItemKind::kRadio, "radio"},
-    {DialogItemKind::kCheckbox, "checkbox"}, {DialogItemKind::kPopup, "popup"},
-    {DialogItemKind::kUserItem, "user"},  {DialogItemKind::kStaticText, "static"},
+    {DialogItemKind::kButton, "button"}, {DialogItemKind::kRadio, "radio"},   {DialogItemKind::kCheckbox, "checkbox"},
+    {DialogItemKind::kPopup, "popup"},   {DialogItemKind::kUserItem, "user"}, {DialogItemKind::kStaticText, "static"},
 };
 
 const char* NameOf(DialogItemKind kind)
 {
     for (const KindName& entry : kKindNames) {
-        if (entry.kind == kind)
-            return entry.name;
+        if (entry.kind == kind) return entry.name;
     }
     return "user";
 }
@@ -42,16 +40,14 @@ bool KindNamed(const std::string& name, DialogItemKind& kind)
 std::string KnownKinds()
 {
     std::string list;
-    for (const KindName& entry : kKindNames)
-        list += (list.empty() ? "" : ", ") + std::string(entry.name);
+    for (const KindName& entry : kKindNames) list += (list.empty() ? "" : ", ") + std::string(entry.name);
     return list;
 }
 
 bool ReadRect(text::LineCursor& cursor, DialogRect& rect, std::string& error)
 {
     if (!cursor.ReadInt16("left edge", rect.left, error) || !cursor.ReadInt16("top edge", rect.top, error) ||
-        !cursor.ReadInt16("right edge", rect.right, error) ||
-        !cursor.ReadInt16("bottom edge", rect.bottom, error))
+        !cursor.ReadInt16("right edge", rect.right, error) || !cursor.ReadInt16("bottom edge", rect.bottom, error))
         return false;
     if (rect.right < rect.left) {
         error = "the right edge lies left of the left edge";
@@ -66,8 +62,7 @@ bool ReadRect(text::LineCursor& cursor, DialogRect& rect, std::string& error)
 
 bool ExpectEnd(text::LineCursor& cursor, std::string& error)
 {
-    if (cursor.AtEnd())
-        return true;
+    if (cursor.AtEnd()) return true;
     error = "unexpected " + cursor.Upcoming() + " at the end of the line";
     return false;
 }
@@ -77,12 +72,11 @@ std::string FormatItem(const DialogItemSpec& item)
     std::string line = "item " + std::to_string(item.number) + " = " + NameOf(item.kind);
     for (int16_t edge : {item.rect.left, item.rect.top, item.rect.right, item.rect.bottom})
         line += " " + std::to_string(edge);
-    if (!item.label.empty())
-        line += " " + text::Quote(item.label);
+    if (!item.label.empty()) line += " " + text::Quote(item.label);
     return line;
 }
 
-}  // namespace
+}   // namespace
 
 bool DialogLayoutReader::ReadLine(const std::string& line, std::string& normalized, std::string& error)
 {
@@ -133,22 +127,18 @@ bool DialogLayoutReader::ReadLine(const std::string& line, std::string& normaliz
         }
         const std::string kind = cursor.ReadWord();
         if (!KindNamed(kind, item.kind)) {
-            error = "unknown item kind " + (kind.empty() ? cursor.Upcoming() : "'" + kind + "'") + " (known: " +
-                    KnownKinds() + ")";
+            error = "unknown item kind " + (kind.empty() ? cursor.Upcoming() : "'" + kind + "'") +
+                    " (known: " + KnownKinds() + ")";
             return false;
         }
-        if (!ReadRect(cursor, item.rect, error))
-            return false;
-        if (cursor.NextIsQuote() && !cursor.ReadQuoted(item.label, error))
-            return false;
-        if (!ExpectEnd(cursor, error))
-            return false;
+        if (!ReadRect(cursor, item.rect, error)) return false;
+        if (cursor.NextIsQuote() && !cursor.ReadQuoted(item.label, error)) return false;
+        if (!ExpectEnd(cursor, error)) return false;
         normalized = FormatItem(item);
         layout_.items.push_back(std::move(item));
         return true;
     }
-    if (key == "entries")
-        return ReadEntries(cursor, normalized, error);
+    if (key == "entries") return ReadEntries(cursor, normalized, error);
     error = key.empty() ? "expected a dialog line (title, size, item or entries), found " + cursor.Upcoming()
                         : "unknown dialog key '" + key + "' (known: title, size, item, entries)";
     return false;
@@ -178,19 +168,16 @@ bool DialogLayoutReader::ReadEntries(text::LineCursor& cursor, std::string& norm
     std::vector<std::string> entries;
     while (cursor.NextIsQuote()) {
         std::string entry;
-        if (!cursor.ReadQuoted(entry, error))
-            return false;
+        if (!cursor.ReadQuoted(entry, error)) return false;
         entries.push_back(std::move(entry));
     }
     if (entries.empty()) {
         error = "expected at least one quoted entry, found " + cursor.Upcoming();
         return false;
     }
-    if (!ExpectEnd(cursor, error))
-        return false;
+    if (!ExpectEnd(cursor, error)) return false;
     normalized = "entries " + std::to_string(number) + " =";
-    for (const std::string& entry : entries)
-        normalized += " " + text::Quote(entry);
+    for (const std::string& entry : entries) normalized += " " + text::Quote(entry);
     item->entries = std::move(entries);
     return true;
 }
@@ -215,4 +202,4 @@ bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::strin
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

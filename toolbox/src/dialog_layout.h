@@ -24,4 +24,4 @@ private:
     bool haveSize_ = false;
 };
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -31,7 +31,7 @@ std::string DescribeLayout(int16_t layoutId)
     return "dialog layout 'DLOG' " + std::to_string(layoutId);
 }
 
-}  // namespace
+}   // namespace
 
 OSErr NewDialog(int16_t layoutId, Dialog*& dialog, std::string* problem) noexcept
 {
@@ -39,15 +39,13 @@ OSErr NewDialog(int16_t layoutId, Dialog*& dialog, std::string* problem) noexcep
     try {
         const Resource* resource = GetResource(kDialogLayoutType, layoutId);
         if (resource == nullptr) {
-            if (problem != nullptr)
-                *problem = DescribeLayout(layoutId) + ": not found";
+            if (problem != nullptr) *problem = DescribeLayout(layoutId) + ": not found";
             return kResourceNotFound;
         }
         DialogLayout layout;
         std::string error;
         if (!ReadDialogLayout(*resource, layout, error)) {
-            if (problem != nullptr)
-                *problem = DescribeLayout(layoutId) + ": " + error;
+            if (problem != nullptr) *problem = DescribeLayout(layoutId) + ": " + error;
             return kBadResourceFile;
         }
         dialog = Keep(layout, layoutId);
@@ -67,8 +65,7 @@ void DisposeDialog(Dialog* dialog)
     auto& dialogs = TheDialogs();
     const auto found = std::find_if(dialogs.begin(), dialogs.end(),
                                     [dialog](const std::unique_ptr<Dialog>& kept) { return kept.get() == dialog; });
-    if (found == dialogs.end())
-        return;
+    if (found == dialogs.end()) return;
     // Taken out first, so that nothing finds it while it goes.
     std::unique_ptr<Dialog> going = std::move(*found);
     dialogs.erase(found);
@@ -82,23 +79,19 @@ void DisposeAllDialogs()
 
 Dialog* LiveDialog(const void* handle)
 {
-    if (handle == nullptr)
-        return nullptr;
+    if (handle == nullptr) return nullptr;
     for (const std::unique_ptr<Dialog>& dialog : TheDialogs()) {
-        if (dialog.get() == handle)
-            return dialog.get();
+        if (dialog.get() == handle) return dialog.get();
     }
     return nullptr;
 }
 
 DialogItem* LiveControl(const void* handle)
 {
-    if (handle == nullptr)
-        return nullptr;
+    if (handle == nullptr) return nullptr;
     for (const std::unique_ptr<Dialog>& dialog : TheDialogs()) {
         for (const DialogItem& item : dialog->Items()) {
-            if (&item == handle && item.IsControl())
-                return dialog->Item(item.Number());
+            if (&item == handle && item.IsControl()) return dialog->Item(item.Number());
         }
     }
     return nullptr;
@@ -108,12 +101,11 @@ std::vector<Dialog*> LiveDialogs() noexcept
 {
     try {
         std::vector<Dialog*> live;
-        for (const std::unique_ptr<Dialog>& dialog : TheDialogs())
-            live.push_back(dialog.get());
+        for (const std::unique_ptr<Dialog>& dialog : TheDialogs()) live.push_back(dialog.get());
         return live;
     } catch (...) {
         return {};
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -26,4 +26,4 @@ void DrawingPort::Record(DrawKind kind, const DialogRect& rect) noexcept
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<uint32_t> gDoubleClickInterval{500};
 
-}  // namespace
+}   // namespace
 
 uint64_t NowMilliseconds()
 {
@@ -27,4 +27,4 @@ void SetDoubleClickInterval(uint32_t milliseconds)
     gDoubleClickInterval.store(milliseconds);
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -6,8 +6,8 @@
 #include <atomic>
 #include <cerrno>
 #include <dirent.h>
-#include <memory>
 #include <fcntl.h>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -42,8 +42,7 @@ public:
     explicit FileDescriptor(int fd) : fd_(fd) {}
     ~FileDescriptor()
     {
-        if (fd_ >= 0)
-            close(fd_);
+        if (fd_ >= 0) close(fd_);
     }
     FileDescriptor(const FileDescriptor&) = delete;
     FileDescriptor& operator=(const FileDescriptor&) = delete;
@@ -65,8 +64,7 @@ bool WriteAll(int fd, const uint8_t* bytes, size_t size)
     while (size > 0) {
         const ssize_t written = write(fd, bytes, size);
         if (written < 0) {
-            if (errno == EINTR)
-                continue;
+            if (errno == EINTR) continue;
             return false;
         }
         bytes += written;
@@ -83,8 +81,7 @@ int CreateTempFile(const FileSpec& spec, mode_t mode, std::string& tempPath)
     for (int attempt = 0; attempt < kTempNameAttempts; ++attempt) {
         tempPath = FileSpec{spec.folder, stem + std::to_string(counter++) + ".tmp"}.Path();
         const int fd = open(tempPath.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
-        if (fd >= 0 || errno != EEXIST)
-            return fd;
+        if (fd >= 0 || errno != EEXIST) return fd;
     }
     errno = EEXIST;
     return -1;
@@ -100,60 +97,50 @@ void SyncFolder(const std::string& folder)
     }
 }
 
-}  // namespace
+}   // namespace
 
 OSErr OSErrFromErrno(int error, const std::string& folder)
 {
     switch (error) {
-    case ENOENT:
-        return IsFolder(folder.empty() ? "." : folder) ? kFileNotFound : kDirNotFound;
-    case ENOTDIR:
-        return kDirNotFound;
-    case EACCES:
-    case EROFS:
-    case EPERM:
-        return kPermissionErr;
-    case EEXIST:
-        return kDuplicateFile;
-    case ENOMEM:
-        return kMemFull;
-    case ENAMETOOLONG:
-        return kBadName;
-    default:
-        return kIOErr;
+        case ENOENT: return IsFolder(folder.empty() ? "." : folder) ? kFileNotFound : kDirNotFound;
+        case ENOTDIR: return kDirNotFound;
+        case EACCES:
+        case EROFS:
+        case EPERM: return kPermissionErr;
+        case EEXIST: return kDuplicateFile;
+        case ENOMEM: return kMemFull;
+        case ENAMETOOLONG: return kBadName;
+        default: return kIOErr;
     }
 }
 
 std::string DescribeOSErr(OSErr err)
 {
     switch (err) {
-    case kNoErr: return "no error";
-    case kFileNotFound: return "file not found";
-    case kDirNotFound: return "folder not found";
-    case kPermissionErr: return "permission denied";
-    case kDuplicateFile: return "the file exists already";
-    case kMemFull: return "out of memory";
-    case kBadName: return "bad file name";
-    case kParamErr: return "bad argument";
-    case kBadResourceFile: return "not a valid resource file";
-    default: return "input/output error (" + std::to_string(err) + ")";
+        case kNoErr: return "no error";
+        case kFileNotFound: return "file not found";
+        case kDirNotFound: return "folder not found";
+        case kPermissionErr: return "permission denied";
+        case kDuplicateFile: return "the file exists already";
+        case kMemFull: return "out of memory";
+        case kBadName: return "bad file name";
+        case kParamErr: return "bad argument";
+        case kBadResourceFile: return "not a valid resource file";
+        default: return "input/output error (" + std::to_string(err) + ")";
     }
 }
 
 std::string FileSpec::Path() const
 {
-    if (folder.empty())
-        return name;
-    if (folder.back() == '/')
-        return folder + name;
+    if (folder.empty()) return name;
+    if (folder.back() == '/') return folder + name;
     return folder + "/" + name;
 }
 
 OSErr MakeFileSpec(const std::string& folder, const std::string& name, FileSpec& spec)
 {
     try {
-        if (!IsValidName(name))
-            return kBadName;
+        if (!IsValidName(name)) return kBadName;
         spec = FileSpec{folder, name};
         return IsFolder(FolderOf(spec)) ? kNoErr : kDirNotFound;
     } catch (...) {
@@ -165,8 +152,7 @@ FileSpec FileSpecFromPath(const std::string& path)
 {
     try {
         const size_t slash = path.rfind('/');
-        if (slash == std::string::npos)
-            return FileSpec{"", path};
+        if (slash == std::string::npos) return FileSpec{"", path};
         return FileSpec{slash == 0 ? "/" : path.substr(0, slash), path.substr(slash + 1)};
     } catch (...) {
         return {};
@@ -193,25 +179,20 @@ OSErr ReadWholeFile(const FileSpec& spec, std::vector<uint8_t>& bytes)
 {
     try {
         FileDescriptor file(open(spec.Path().c_str(), O_RDONLY | O_CLOEXEC));
-        if (file.Get() < 0)
-            return LastError(spec);
+        if (file.Get() < 0) return LastError(spec);
         struct stat info {};
-        if (fstat(file.Get(), &info) != 0)
-            return LastError(spec);
-        if (S_ISDIR(info.st_mode))
-            return kIOErr;
+        if (fstat(file.Get(), &info) != 0) return LastError(spec);
+        if (S_ISDIR(info.st_mode)) return kIOErr;
         std::vector<uint8_t> contents;
         contents.reserve(static_cast<size_t>(std::max<off_t>(info.st_size, 0)));
         uint8_t buffer[64 * 1024];
         for (;;) {
             const ssize_t count = read(file.Get(), buffer, sizeof buffer);
             if (count < 0) {
-                if (errno == EINTR)
-                    continue;
+                if (errno == EINTR) continue;
                 return LastError(spec);
             }
-            if (count == 0)
-                break;
+            if (count == 0) break;
             contents.insert(contents.end(), buffer, buffer + count);
         }
         bytes = std::move(contents);
@@ -223,21 +204,17 @@ OSErr ReadWholeFile(const FileSpec& spec, std::vector<uint8_t>& bytes)
 
 OSErr WriteWholeFile(const FileSpec& spec, const void* data, size_t size)
 {
-    if (data == nullptr && size > 0)
-        return kParamErr;
+    if (data == nullptr && size > 0) return kParamErr;
     try {
-        if (!IsValidName(spec.name))
-            return kBadName;
+        if (!IsValidName(spec.name)) return kBadName;
         const std::string target = spec.Path();
         struct stat existing {};
         const bool exists = stat(target.c_str(), &existing) == 0;
-        if (exists && S_ISDIR(existing.st_mode))
-            return kIOErr;
+        if (exists && S_ISDIR(existing.st_mode)) return kIOErr;
 
         std::string tempPath;
         FileDescriptor temp(CreateTempFile(spec, 0666, tempPath));
-        if (temp.Get() < 0)
-            return LastError(spec);
+        if (temp.Get() < 0) return LastError(spec);
         const bool written = WriteAll(temp.Get(), static_cast<const uint8_t*>(data), size) &&
                              (!exists || fchmod(temp.Get(), existing.st_mode & 07777) == 0 || errno == EPERM) &&
                              fsync(temp.Get()) == 0;
@@ -262,11 +239,9 @@ OSErr WriteWholeFile(const FileSpec& spec, const void* data, size_t size)
 OSErr CreateFile(const FileSpec& spec, uint32_t /*creator*/, uint32_t /*type*/)
 {
     try {
-        if (!IsValidName(spec.name))
-            return kBadName;
+        if (!IsValidName(spec.name)) return kBadName;
         const int fd = open(spec.Path().c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-        if (fd < 0)
-            return LastError(spec);
+        if (fd < 0) return LastError(spec);
         close(fd);
         return kNoErr;
     } catch (...) {
@@ -277,12 +252,10 @@ OSErr CreateFile(const FileSpec& spec, uint32_t /*creator*/, uint32_t /*type*/)
 OSErr DeleteFile(const FileSpec& spec)
 {
     try {
-        if (!IsValidName(spec.name))
-            return kBadName;
+        if (!IsValidName(spec.name)) return kBadName;
         const std::string path = spec.Path();
         struct stat info {};
-        if (lstat(path.c_str(), &info) != 0)
-            return LastError(spec);
+        if (lstat(path.c_str(), &info) != 0) return LastError(spec);
         const int result = S_ISDIR(info.st_mode) ? rmdir(path.c_str()) : unlink(path.c_str());
         return result == 0 ? kNoErr : LastError(spec);
     } catch (...) {
@@ -292,20 +265,16 @@ OSErr DeleteFile(const FileSpec& spec)
 
 std::optional<FolderItem> FolderItemAt(const std::string& folder, int index)
 {
-    if (index < 1)
-        return std::nullopt;
+    if (index < 1) return std::nullopt;
     try {
         const std::unique_ptr<DIR, int (*)(DIR*)> dir(opendir(folder.empty() ? "." : folder.c_str()), closedir);
-        if (dir == nullptr)
-            return std::nullopt;
+        if (dir == nullptr) return std::nullopt;
         std::vector<std::string> names;
         while (const dirent* entry = readdir(dir.get())) {
             const std::string name = entry->d_name;
-            if (name != "." && name != "..")
-                names.push_back(name);
+            if (name != "." && name != "..") names.push_back(name);
         }
-        if (static_cast<size_t>(index) > names.size())
-            return std::nullopt;
+        if (static_cast<size_t>(index) > names.size()) return std::nullopt;
         std::sort(names.begin(), names.end());   // std::string compares bytes as unsigned char
         FolderItem item;
         item.name = names[static_cast<size_t>(index - 1)];
@@ -318,20 +287,17 @@ std::optional<FolderItem> FolderItemAt(const std::string& folder, int index)
 
 bool EnsureFolder(const std::string& path)
 {
-    if (path.empty())
-        return false;
+    if (path.empty()) return false;
     try {
         for (size_t slash = path.find('/', 1); slash != std::string::npos; slash = path.find('/', slash + 1)) {
             const std::string prefix = path.substr(0, slash);
-            if (!IsFolder(prefix) && mkdir(prefix.c_str(), 0777) != 0 && errno != EEXIST)
-                return false;
+            if (!IsFolder(prefix) && mkdir(prefix.c_str(), 0777) != 0 && errno != EEXIST) return false;
         }
-        if (!IsFolder(path) && mkdir(path.c_str(), 0777) != 0 && errno != EEXIST)
-            return false;
+        if (!IsFolder(path) && mkdir(path.c_str(), 0777) != 0 && errno != EEXIST) return false;
         return IsFolder(path);
     } catch (...) {
         return false;
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -20,10 +20,9 @@ std::string& ApplicationFileOverride()
 std::string HomeFolder()
 {
     const char* home = std::getenv("HOME");
-    if (home != nullptr && home[0] != '\0')
-        return home;
+    if (home != nullptr && home[0] != '\0') return home;
     char buffer[4096];
-    passwd entry {};
+    passwd entry{};
     passwd* found = nullptr;
     if (getpwuid_r(getuid(), &entry, buffer, sizeof buffer, &found) == 0 && found != nullptr &&
         found->pw_dir != nullptr)
@@ -42,19 +41,17 @@ std::string BaseFolder(const char* variable, const char* fallback, bool create)
             folder = value;
         } else {
             const std::string home = HomeFolder();
-            if (home.empty())
-                return {};
+            if (home.empty()) return {};
             folder = home + (home.back() == '/' ? "" : "/") + fallback;
         }
-        if (create ? EnsureFolder(folder) : IsFolder(folder))
-            return folder;
+        if (create ? EnsureFolder(folder) : IsFolder(folder)) return folder;
         return {};
     } catch (...) {
         return {};
     }
 }
 
-}  // namespace
+}   // namespace
 
 std::string PreferencesFolder(bool create)
 {
@@ -69,12 +66,10 @@ std::string UserDataFolder(bool create)
 std::string ApplicationFile()
 {
     try {
-        if (!ApplicationFileOverride().empty())
-            return ApplicationFileOverride();
+        if (!ApplicationFileOverride().empty()) return ApplicationFileOverride();
         char path[PATH_MAX];
         const ssize_t length = readlink("/proc/self/exe", path, sizeof path - 1);
-        if (length <= 0)
-            return {};
+        if (length <= 0) return {};
         return std::string(path, static_cast<size_t>(length));
     } catch (...) {
         return {};
@@ -85,8 +80,7 @@ std::string ApplicationFolder()
 {
     try {
         const std::string file = ApplicationFile();
-        if (file.empty())
-            return {};
+        if (file.empty()) return {};
         return FileSpecFromPath(file).folder;
     } catch (...) {
         return {};
@@ -102,4 +96,4 @@ void SetApplicationFile(const std::string& path)
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -12,7 +12,7 @@ int16_t Edge(long value)
     return static_cast<int16_t>(std::clamp<long>(value, INT16_MIN, INT16_MAX));
 }
 
-}  // namespace
+}   // namespace
 
 DialogRect MakeRect(long left, long top, long right, long bottom)
 {
@@ -25,10 +25,8 @@ DialogRect InsetRect(const DialogRect& rect, int dx, int dy)
     long right = static_cast<long>(rect.right) - dx;
     long top = static_cast<long>(rect.top) + dy;
     long bottom = static_cast<long>(rect.bottom) - dy;
-    if (right < left)
-        left = right = (static_cast<long>(rect.left) + rect.right) / 2;
-    if (bottom < top)
-        top = bottom = (static_cast<long>(rect.top) + rect.bottom) / 2;
+    if (right < left) left = right = (static_cast<long>(rect.left) + rect.right) / 2;
+    if (bottom < top) top = bottom = (static_cast<long>(rect.top) + rect.bottom) / 2;
     return MakeRect(left, top, right, bottom);
 }
 
@@ -44,4 +42,4 @@ bool RectsOverlap(const DialogRect& a, const DialogRect& b)
     return !IsEmptyRect(IntersectRects(a, b));
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

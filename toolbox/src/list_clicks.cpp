@@ -24,23 +24,21 @@ int CeilDiv(int a, int b)
 // direction for a press at `position`. The arrows take kScrollBarWidth at each end; between them
 // the thumb stands where `first` lies within 0..maxFirst, and a press pages towards itself.
 struct BarPress {
-    int step = 0;    // one row (column) back or forward
-    int page = 0;    // one page back or forward
+    int step = 0;   // one row (column) back or forward
+    int page = 0;   // one page back or forward
 };
 
 BarPress PressOnBar(int position, int start, int end, int first, int maxFirst)
 {
-    if (position < start + kScrollBarWidth)
-        return BarPress{-1, 0};
-    if (position >= end - kScrollBarWidth)
-        return BarPress{1, 0};
+    if (position < start + kScrollBarWidth) return BarPress{-1, 0};
+    if (position >= end - kScrollBarWidth) return BarPress{1, 0};
     const int trackStart = start + kScrollBarWidth;
     const int trackLength = std::max(0, end - start - 2 * kScrollBarWidth);
     const long thumb = trackStart + (maxFirst > 0 ? static_cast<long>(trackLength) * first / maxFirst : 0);
     return BarPress{0, position < thumb ? -1 : 1};
 }
 
-}  // namespace
+}   // namespace
 
 int ListControl::FullyVisibleRows() const
 {
@@ -71,15 +69,13 @@ void ListControl::Scroll(int columns, int rows)
     const long left = static_cast<long>(leftColumn_) + columns;
     topRow_ = static_cast<int>(std::clamp<long>(top, 0, MaxFirst(rows_, FullyVisibleRows())));
     leftColumn_ = static_cast<int>(std::clamp<long>(left, 0, MaxFirst(columns_, FullyVisibleColumns())));
-    if (topRow_ != oldTop || leftColumn_ != oldLeft)
-        Changed();
+    if (topRow_ != oldTop || leftColumn_ != oldLeft) Changed();
 }
 
 void ListControl::AutoScroll()
 {
     Cell selected{0, 0};
-    if (!FindSelectedCell(selected))
-        return;
+    if (!FindSelectedCell(selected)) return;
     int rows = 0;
     if (selected.row < topRow_)
         rows = selected.row - topRow_;
@@ -102,11 +98,9 @@ DialogRect ListControl::CellRect(Cell cell) const
 
 std::optional<Cell> ListControl::CellAt(Point point) const
 {
-    if (!PointInRect(point, view_))
-        return std::nullopt;
+    if (!PointInRect(point, view_)) return std::nullopt;
     const Cell cell{topRow_ + (point.y - view_.top) / cellHeight_, leftColumn_ + (point.x - view_.left) / cellWidth_};
-    if (!IsCell(cell))
-        return std::nullopt;
+    if (!IsCell(cell)) return std::nullopt;
     return cell;
 }
 
@@ -124,8 +118,7 @@ bool ListControl::Click(Point point, Modifiers modifiers, uint64_t timeMs)
         return doubleClick;
     }
     if (PointInRect(point, view_)) {
-        if ((modifiers & (kShiftKey | kCommandKey)) == 0)
-            DeselectAll();
+        if ((modifiers & (kShiftKey | kCommandKey)) == 0) DeselectAll();
         ForgetClickTiming();
         return false;
     }
@@ -143,8 +136,7 @@ void ListControl::ClickCell(Cell cell, Modifiers modifiers)
     const bool shift = (modifiers & kShiftKey) != 0;
     const bool command = (modifiers & kCommandKey) != 0;
     if (singleSelection_ || (!shift && !command)) {
-        for (CellData& data : cells_)
-            data.selected = false;
+        for (CellData& data : cells_) data.selected = false;
         cells_[IndexOf(cell)].selected = true;
         anchor_ = cell;
     } else if (shift && IsCell(anchor_)) {
@@ -176,4 +168,4 @@ void ListControl::ClickScrollBar(Point point)
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -39,15 +39,13 @@ ListControl::ListControl(const ListSpec& given, DrawingPort* port) : port_(port)
 
 std::optional<DialogRect> ListControl::VerticalScrollBar() const
 {
-    if (!verticalScrollBar_)
-        return std::nullopt;
+    if (!verticalScrollBar_) return std::nullopt;
     return MakeRect(view_.right, view_.top, static_cast<long>(view_.right) + kScrollBarWidth, view_.bottom);
 }
 
 std::optional<DialogRect> ListControl::HorizontalScrollBar() const
 {
-    if (!horizontalScrollBar_)
-        return std::nullopt;
+    if (!horizontalScrollBar_) return std::nullopt;
     return MakeRect(view_.left, view_.bottom, view_.right, static_cast<long>(view_.bottom) + kScrollBarWidth);
 }
 
@@ -63,8 +61,7 @@ int ListControl::AddRows(int count, int beforeRow)
         static_cast<long long>(rows_ + count) * columns_ > static_cast<long long>(INT_MAX))
         return -1;
     const int at = std::clamp(beforeRow, 0, rows_);
-    if (count == 0)
-        return at;
+    if (count == 0) return at;
     try {
         cells_.insert(cells_.begin() + static_cast<std::ptrdiff_t>(IndexOf(Cell{at, 0})),
                       static_cast<size_t>(count) * columns_, CellData{});
@@ -90,8 +87,7 @@ void ListControl::DeleteRows(int count, int fromRow)
         return;
     }
     removed = std::min(removed, rows_ - first);
-    if (removed == 0)
-        return;
+    if (removed == 0) return;
     const auto begin = cells_.begin() + static_cast<std::ptrdiff_t>(IndexOf(Cell{first, 0}));
     cells_.erase(begin, begin + static_cast<std::ptrdiff_t>(static_cast<size_t>(removed) * columns_));
     rows_ -= removed;
@@ -108,8 +104,7 @@ bool ListControl::IsCell(Cell cell) const
 
 OSErr ListControl::SetCellText(Cell cell, std::string_view text)
 {
-    if (!IsCell(cell))
-        return kParamErr;
+    if (!IsCell(cell)) return kParamErr;
     try {
         cells_[IndexOf(cell)].text.assign(text);
     } catch (...) {
@@ -126,8 +121,7 @@ const std::string* ListControl::CellText(Cell cell) const
 
 bool ListControl::SetSelected(Cell cell, bool selected)
 {
-    if (!IsCell(cell))
-        return false;
+    if (!IsCell(cell)) return false;
     bool changed = false;
     if (selected && singleSelection_) {
         for (size_t i = 0; i < cells_.size(); ++i) {
@@ -142,8 +136,7 @@ bool ListControl::SetSelected(Cell cell, bool selected)
         data.selected = selected;
         changed = true;
     }
-    if (changed)
-        Changed();
+    if (changed) Changed();
     return true;
 }
 
@@ -159,14 +152,12 @@ void ListControl::DeselectAll()
         changed = changed || data.selected;
         data.selected = false;
     }
-    if (changed)
-        Changed();
+    if (changed) Changed();
 }
 
 bool ListControl::NextCell(Cell& cell) const
 {
-    if (!IsCell(cell))
-        return false;
+    if (!IsCell(cell)) return false;
     if (cell.column + 1 < columns_) {
         ++cell.column;
         return true;
@@ -180,8 +171,7 @@ bool ListControl::NextCell(Cell& cell) const
 
 bool ListControl::FindSelectedCell(Cell& cell) const
 {
-    if (!IsCell(cell))
-        return false;
+    if (!IsCell(cell)) return false;
     for (size_t i = IndexOf(cell); i < cells_.size(); ++i) {
         if (cells_[i].selected) {
             cell = Cell{static_cast<int>(i / columns_), static_cast<int>(i % columns_)};
@@ -201,8 +191,7 @@ void ListControl::SelectRange(Cell from, Cell to)
 
 void ListControl::Activate(bool active)
 {
-    if (active_ == active)
-        return;
+    if (active_ == active) return;
     active_ = active;
     Changed();
 }
@@ -223,8 +212,7 @@ void ListControl::SetDrawing(bool drawing)
 void ListControl::Update(const DialogRect& region)
 {
     const DialogRect drawn = IntersectRects(Bounds(), region);
-    if (!IsEmptyRect(drawn))
-        Draw(drawn);
+    if (!IsEmptyRect(drawn)) Draw(drawn);
 }
 
 ListPicture ListControl::Picture() const
@@ -239,8 +227,7 @@ ListPicture ListControl::Picture() const
         for (int column = leftColumn_; column < columns_; ++column) {
             const Cell cell{row, column};
             const DialogRect rect = CellRect(cell);
-            if (rect.left >= view_.right)
-                break;
+            if (rect.left >= view_.right) break;
             const CellData& data = cells_[IndexOf(cell)];
             picture.cells.push_back(DrawnCell{cell, rect, data.text, data.selected});
         }
@@ -255,8 +242,7 @@ void ListControl::Draw(const DialogRect& region) noexcept
     } catch (...) {
         // Memory ran out: the last picture stays as it was; the drawing itself still counts.
     }
-    if (port_ != nullptr)
-        port_->Record(DrawKind::kListCells, region);
+    if (port_ != nullptr) port_->Record(DrawKind::kListCells, region);
     ++drawCount_;
     needsUpdate_ = false;
 }
@@ -269,4 +255,4 @@ void ListControl::Changed()
         needsUpdate_ = true;
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

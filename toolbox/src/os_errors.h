@@ -14,4 +14,4 @@ OSErr OSErrFromErrno(int error, const std::string& folder);
 // A few words for people: "file not found", "permission denied" ...
 std::string DescribeOSErr(OSErr err);
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -51,8 +51,7 @@ int IndexOf(ResFileRef ref)
 {
     const auto& files = TheChain().files;
     for (size_t i = 0; i < files.size(); ++i) {
-        if (files[i]->ref == ref)
-            return static_cast<int>(i);
+        if (files[i]->ref == ref) return static_cast<int>(i);
     }
     return -1;
 }
@@ -83,13 +82,12 @@ const Resource* FindInChain(ResType type, int16_t id)
 {
     const Chain& chain = TheChain();
     for (int i = IndexOf(chain.current); i >= 0; --i) {
-        if (const Resource* found = chain.files[static_cast<size_t>(i)]->contents.Find(type, id))
-            return found;
+        if (const Resource* found = chain.files[static_cast<size_t>(i)]->contents.Find(type, id)) return found;
     }
     return nullptr;
 }
 
-}  // namespace
+}   // namespace
 
 ResFileRef CurResFile()
 {
@@ -197,8 +195,7 @@ std::optional<std::string> GetString(int16_t id)
 {
     try {
         const Resource* found = GetResource(kStringType, id);
-        if (found == nullptr)
-            return std::nullopt;
+        if (found == nullptr) return std::nullopt;
         return std::string(found->data.begin(), found->data.end());
     } catch (...) {
         SetError(kMemFull);
@@ -210,8 +207,7 @@ std::optional<std::string> GetIndString(int16_t listId, int16_t index)
 {
     try {
         const Resource* list = GetResource(kStringListType, listId);
-        if (list == nullptr)
-            return std::nullopt;
+        if (list == nullptr) return std::nullopt;
         if (index < 1 || static_cast<size_t>(index) > list->strings.size()) {
             SetError(kResourceNotFound);
             return std::nullopt;
@@ -226,10 +222,8 @@ std::optional<std::string> GetIndString(int16_t listId, int16_t index)
 OSErr AddResource(const Resource& resource)
 {
     OpenResourceFile* file = FileFor(TheChain().current);
-    if (file == nullptr)
-        return SetError(kResFileNotOpen);
-    if (file->contents.Find(resource.type, resource.id) != nullptr)
-        return SetError(kAddResFailed);
+    if (file == nullptr) return SetError(kResFileNotOpen);
+    if (file->contents.Find(resource.type, resource.id) != nullptr) return SetError(kAddResFailed);
     try {
         const size_t before = file->contents.All().size();
         file->contents.Put(resource);
@@ -242,11 +236,9 @@ OSErr AddResource(const Resource& resource)
 OSErr ChangeResource(ResType type, int16_t id, const std::vector<uint8_t>& data)
 {
     OpenResourceFile* file = FileFor(TheChain().current);
-    if (file == nullptr)
-        return SetError(kResFileNotOpen);
+    if (file == nullptr) return SetError(kResFileNotOpen);
     Resource* existing = file->contents.Find(type, id);
-    if (existing == nullptr)
-        return SetError(kResourceNotFound);
+    if (existing == nullptr) return SetError(kResourceNotFound);
     try {
         existing->data = data;
         return SetError(kNoErr);
@@ -259,16 +251,14 @@ OSErr WriteResFile(ResFileRef ref)
 {
     Chain& chain = TheChain();
     const OpenResourceFile* file = FileFor(ref);
-    if (file == nullptr)
-        return SetError(kResFileNotOpen);
+    if (file == nullptr) return SetError(kResFileNotOpen);
     try {
         if (file->readOnly) {
             chain.lastErrorText = file->path + ": opened read-only";
             return SetError(kPermissionErr);
         }
         const OSErr err = SaveResourceFile(file->canonicalPath, file->contents);
-        if (err != kNoErr)
-            chain.lastErrorText = file->path + ": " + DescribeOSErr(err);
+        if (err != kNoErr) chain.lastErrorText = file->path + ": " + DescribeOSErr(err);
         return SetError(err);
     } catch (...) {
         return SetError(kMemFull);
@@ -284,4 +274,4 @@ void CloseAllResFiles()
     SetError(kNoErr);
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

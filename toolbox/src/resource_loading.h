@@ -11,4 +11,4 @@ namespace toolbox {
 // not parse, kMemFull. `error` names the file ("<path>: <what>" or "<path>:<line>: <what>").
 OSErr LoadResourceFileStatus(const std::string& path, ResourceFile& file, std::string& error);
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -14,14 +14,16 @@ namespace toolbox {
 
 namespace {
 
-enum class BodyKind { kStringList, kDialogLayout, kData };
+enum class BodyKind {
+    kStringList,
+    kDialogLayout,
+    kData
+};
 
 BodyKind BodyKindOf(ResType type)
 {
-    if (type == kStringListType)
-        return BodyKind::kStringList;
-    if (type == kDialogLayoutType)
-        return BodyKind::kDialogLayout;
+    if (type == kStringListType) return BodyKind::kStringList;
+    if (type == kDialogLayoutType) return BodyKind::kDialogLayout;
     return BodyKind::kData;
 }
 
@@ -32,8 +34,7 @@ std::string Describe(ResType type, int16_t id)
 
 bool ExpectLineEnd(text::LineCursor& cursor, std::string& error)
 {
-    if (cursor.AtEnd())
-        return true;
+    if (cursor.AtEnd()) return true;
     error = "unexpected " + cursor.Upcoming() + " at the end of the line";
     return false;
 }
@@ -67,11 +68,9 @@ bool Parser::Run(const std::string& text, std::vector<Resource>& resources, std:
     size_t start = text.compare(0, kByteOrderMark.size(), kByteOrderMark) == 0 ? kByteOrderMark.size() : 0;
     while (start < text.size()) {
         size_t end = text.find('\n', start);
-        if (end == std::string::npos)
-            end = text.size();
+        if (end == std::string::npos) end = text.size();
         std::string line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r')
-            line.pop_back();
+        if (!line.empty() && line.back() == '\r') line.pop_back();
         ++lineNumber_;
         std::string what;
         if (!ReadLine(line, resources, what)) {
@@ -95,13 +94,10 @@ bool Parser::ReadLine(const std::string& line, std::vector<Resource>& resources,
         return false;
     }
     text::LineCursor cursor(line);
-    if (cursor.AtEnd())
-        return true;
-    if (!open_)
-        return ReadHeader(cursor, error);
+    if (cursor.AtEnd()) return true;
+    if (!open_) return ReadHeader(cursor, error);
     if (cursor.Take('}')) {
-        if (!ExpectLineEnd(cursor, error))
-            return false;
+        if (!ExpectLineEnd(cursor, error)) return false;
         resources.push_back(std::move(open_->resource));
         open_.reset();
         return true;
@@ -124,15 +120,13 @@ bool Parser::ReadHeader(text::LineCursor& cursor, std::string& error)
     block.headerLine = lineNumber_;
     if (!cursor.ReadType(block.resource.type, error) || !cursor.ReadInt16("resource id", block.resource.id, error))
         return false;
-    if (cursor.NextIsQuote() && !cursor.ReadQuoted(block.resource.name, error))
-        return false;
-    if (!cursor.Expect('{', "at the end of the resource header", error) || !ExpectLineEnd(cursor, error))
-        return false;
+    if (cursor.NextIsQuote() && !cursor.ReadQuoted(block.resource.name, error)) return false;
+    if (!cursor.Expect('{', "at the end of the resource header", error) || !ExpectLineEnd(cursor, error)) return false;
     const auto key = std::make_pair(block.resource.type, block.resource.id);
     const auto [first, inserted] = firstLineOf_.emplace(key, lineNumber_);
     if (!inserted) {
-        error = Describe(key.first, key.second) + " appears twice (first at line " + std::to_string(first->second) +
-                ")";
+        error =
+            Describe(key.first, key.second) + " appears twice (first at line " + std::to_string(first->second) + ")";
         return false;
     }
     open_ = std::move(block);
@@ -143,17 +137,14 @@ bool Parser::ReadBodyLine(const std::string& line, std::string& error)
 {
     text::LineCursor cursor(line);
     switch (BodyKindOf(open_->resource.type)) {
-    case BodyKind::kStringList:
-        return ReadStringListEntry(cursor, error);
-    case BodyKind::kDialogLayout: {
-        std::string normalized;
-        if (!open_->dialog.ReadLine(line, normalized, error))
-            return false;
-        open_->resource.strings.push_back(std::move(normalized));
-        return true;
-    }
-    case BodyKind::kData:
-        return ReadDataLine(cursor, error);
+        case BodyKind::kStringList: return ReadStringListEntry(cursor, error);
+        case BodyKind::kDialogLayout: {
+            std::string normalized;
+            if (!open_->dialog.ReadLine(line, normalized, error)) return false;
+            open_->resource.strings.push_back(std::move(normalized));
+            return true;
+        }
+        case BodyKind::kData: return ReadDataLine(cursor, error);
     }
     return false;
 }
@@ -162,8 +153,7 @@ bool Parser::ReadStringListEntry(text::LineCursor& cursor, std::string& error)
 {
     std::vector<std::string>& entries = open_->resource.strings;
     long number = 0;
-    if (!cursor.ReadNumber(1, INT16_MAX, "entry number", number, error))
-        return false;
+    if (!cursor.ReadNumber(1, INT16_MAX, "entry number", number, error)) return false;
     if (static_cast<size_t>(number) != entries.size() + 1) {
         error = "entry " + std::to_string(number) + " is out of order: entries count from 1 without gaps, " +
                 "this one must be " + std::to_string(entries.size() + 1);
@@ -186,8 +176,7 @@ bool Parser::ReadDataLine(text::LineCursor& cursor, std::string& error)
             !ExpectLineEnd(cursor, error))
             return false;
     } else if (key == "hex") {
-        if (!cursor.Expect('=', "after 'hex'", error) || !cursor.ReadHexBytes(bytes, error))
-            return false;
+        if (!cursor.Expect('=', "after 'hex'", error) || !cursor.ReadHexBytes(bytes, error)) return false;
     } else {
         error = "expected 'text = \"...\"' or 'hex = ...' in the data of " +
                 Describe(open_->resource.type, open_->resource.id) + ", found " +
@@ -206,11 +195,9 @@ constexpr size_t kHexBytesPerLine = 32;
 
 bool PrintsAsText(const std::string& bytes)
 {
-    if (!text::IsValidUtf8(bytes))
-        return false;
+    if (!text::IsValidUtf8(bytes)) return false;
     size_t hardEscapes = 0;
-    for (size_t pos = 0; pos < bytes.size(); ++pos)
-        hardEscapes += text::NeedsHardEscape(bytes, pos) ? 1 : 0;
+    for (size_t pos = 0; pos < bytes.size(); ++pos) hardEscapes += text::NeedsHardEscape(bytes, pos) ? 1 : 0;
     return hardEscapes <= 1 + bytes.size() / 4;
 }
 
@@ -246,26 +233,24 @@ void PrintHexLines(const std::vector<uint8_t>& data, std::string& out)
 void PrintResource(const Resource& resource, std::string& out)
 {
     out += "resource " + text::FormatType(resource.type) + " " + std::to_string(resource.id);
-    if (!resource.name.empty())
-        out += " " + text::Quote(resource.name);
+    if (!resource.name.empty()) out += " " + text::Quote(resource.name);
     out += " {\n";
     switch (BodyKindOf(resource.type)) {
-    case BodyKind::kStringList:
-        for (size_t i = 0; i < resource.strings.size(); ++i)
-            out += kIndent + std::to_string(i + 1) + " = " + text::Quote(resource.strings[i]) + "\n";
-        break;
-    case BodyKind::kDialogLayout:
-        for (const std::string& line : resource.strings)
-            out += kIndent + line + "\n";
-        break;
-    case BodyKind::kData: {
-        const std::string bytes(resource.data.begin(), resource.data.end());
-        if (PrintsAsText(bytes))
-            PrintTextLines(bytes, out);
-        else
-            PrintHexLines(resource.data, out);
-        break;
-    }
+        case BodyKind::kStringList:
+            for (size_t i = 0; i < resource.strings.size(); ++i)
+                out += kIndent + std::to_string(i + 1) + " = " + text::Quote(resource.strings[i]) + "\n";
+            break;
+        case BodyKind::kDialogLayout:
+            for (const std::string& line : resource.strings) out += kIndent + line + "\n";
+            break;
+        case BodyKind::kData: {
+            const std::string bytes(resource.data.begin(), resource.data.end());
+            if (PrintsAsText(bytes))
+                PrintTextLines(bytes, out);
+            else
+                PrintHexLines(resource.data, out);
+            break;
+        }
     }
     out += "}\n";
 }
@@ -274,14 +259,13 @@ std::string PrintAll(const std::vector<Resource>& resources)
 {
     std::string out;
     for (size_t i = 0; i < resources.size(); ++i) {
-        if (i > 0)
-            out += '\n';
+        if (i > 0) out += '\n';
         PrintResource(resources[i], out);
     }
     return out;
 }
 
-}  // namespace
+}   // namespace
 
 // ---- ResourceFile --------------------------------------------------------------------------------
 
@@ -315,8 +299,7 @@ std::string ResourceFile::Print() const
 const Resource* ResourceFile::Find(ResType type, int16_t id) const
 {
     for (const Resource& resource : resources_) {
-        if (resource.type == type && resource.id == id)
-            return &resource;
+        if (resource.type == type && resource.id == id) return &resource;
     }
     return nullptr;
 }
@@ -384,4 +367,4 @@ OSErr SaveResourceFile(const std::string& path, const ResourceFile& file)
     }
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

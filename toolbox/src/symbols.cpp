@@ -6,9 +6,8 @@ namespace toolbox {
 
 void* FunctionPointerForName(const char* name)
 {
-    if (name == nullptr || name[0] == '\0')
-        return nullptr;
+    if (name == nullptr || name[0] == '\0') return nullptr;
     return dlsym(RTLD_DEFAULT, name);
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

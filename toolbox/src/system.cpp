@@ -8,4 +8,4 @@ uint32_t SystemQuery(uint32_t selector)
     return selector == kSystemVersionSelector ? kModernSystemVersion : 0;
 }
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -21,7 +21,7 @@ std::string Quote(const std::string& bytes);
 // Whether Quote writes the byte sequence at `pos` as an escape that is not \n or \t (the ones
 // that make text hard to read).
 bool NeedsHardEscape(const std::string& bytes, size_t pos);
-std::string FormatType(ResType type);          // with the single quotes, e.g. 'STR#'
+std::string FormatType(ResType type);   // with the single quotes, e.g. 'STR#'
 
 // Reads the parts of one line, left to right. Every Read... skips leading blanks; on failure it
 // returns false and leaves a message in `error` (without file or line).
@@ -55,4 +55,4 @@ private:
     size_t pos_ = 0;
 };
 
-}  // namespace toolbox::text
+}   // namespace toolbox::text

@@ -19,7 +19,10 @@ int gNamesFound = 0;
 uint32_t gHostVersion = 0;
 int gTerminateCalls = 0;
 
-int32_t DialogHandler(EDLG, uint32_t, intptr_t, intptr_t, void*) { return 0; }
+int32_t DialogHandler(EDLG, uint32_t, intptr_t, intptr_t, void*)
+{
+    return 0;
+}
 SXTransitionVector gTransitionVector{&DialogHandler, nullptr};
 
 template <typename Function>
@@ -36,7 +39,7 @@ void CopyString(int16_t index, char* field)
     field[63] = '\0';
 }
 
-}  // namespace
+}   // namespace
 
 PROBE_EXPORT uint32_t StavioExtensionVersion(uint32_t hostVersion)
 {
@@ -59,7 +62,10 @@ PROBE_EXPORT int32_t StavioExtensionEnumerate(void*, int32_t menuIndex, SXT_MENU
     return 1;
 }
 
-PROBE_EXPORT int32_t StavioExtensionGetMenuStatus(void*) { return 1; }
+PROBE_EXPORT int32_t StavioExtensionGetMenuStatus(void*)
+{
+    return 1;
+}
 
 PROBE_EXPORT int32_t StavioExtensionInvoke(EWND window, uint32_t, const EREGION* selection, const EREGION*)
 {
@@ -79,7 +85,10 @@ PROBE_EXPORT int32_t StavioExtensionInvoke(EWND window, uint32_t, const EREGION*
     return 1;
 }
 
-PROBE_EXPORT void StavioExtensionTerminate() { ++gTerminateCalls; }
+PROBE_EXPORT void StavioExtensionTerminate()
+{
+    ++gTerminateCalls;
+}
 
 PROBE_EXPORT int32_t main(StavioFuncs* host, SXPluginFuncs* reply)
 {
@@ -97,8 +106,8 @@ PROBE_EXPORT int32_t main(StavioFuncs* host, SXPluginFuncs* reply)
         Resolve(gTable.SX_GetDlgCntl, "SX_GetDlgCntl");
         Resolve(gTable.SX_SetOrmegaDocumentDirty, "SX_SetOrmegaDocumentDirty");
     } else {
-        std::memcpy(reinterpret_cast<char*>(&gTable) + SlotOffset(2), reinterpret_cast<const char*>(host) + SlotOffset(2),
-                    SlotOffset(77) - SlotOffset(2));
+        std::memcpy(reinterpret_cast<char*>(&gTable) + SlotOffset(2),
+                    reinterpret_cast<const char*>(host) + SlotOffset(2), SlotOffset(77) - SlotOffset(2));
         reply->fpGetversion = &StavioExtensionVersion;
         reply->fpInit = &StavioExtensionInit;
         reply->fpEnumerate = &StavioExtensionEnumerate;
@@ -111,8 +120,23 @@ PROBE_EXPORT int32_t main(StavioFuncs* host, SXPluginFuncs* reply)
     return 1;
 }
 
-PROBE_EXPORT int ProbeUsedNamePath() { return gNamePath ? 1 : 0; }
-PROBE_EXPORT int ProbeNamesFound() { return gNamesFound; }
-PROBE_EXPORT uint32_t ProbeHostVersion() { return gHostVersion; }
-PROBE_EXPORT int ProbeTerminateCalls() { return gTerminateCalls; }
-PROBE_EXPORT void* ProbeDialogHandler() { return reinterpret_cast<void*>(&DialogHandler); }
+PROBE_EXPORT int ProbeUsedNamePath()
+{
+    return gNamePath ? 1 : 0;
+}
+PROBE_EXPORT int ProbeNamesFound()
+{
+    return gNamesFound;
+}
+PROBE_EXPORT uint32_t ProbeHostVersion()
+{
+    return gHostVersion;
+}
+PROBE_EXPORT int ProbeTerminateCalls()
+{
+    return gTerminateCalls;
+}
+PROBE_EXPORT void* ProbeDialogHandler()
+{
+    return reinterpret_cast<void*>(&DialogHandler);
+}

@@ -180,4 +180,4 @@ DialogItem* LiveControl(const void* handle);
 // The dialogs in the order they were made (none when memory runs out).
 std::vector<Dialog*> LiveDialogs() noexcept;
 
-}  // namespace toolbox
+}   // namespace toolbox

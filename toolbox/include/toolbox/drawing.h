@@ -23,7 +23,10 @@ inline bool operator==(const RGBColor& a, const RGBColor& b)
 {
     return a.red == b.red && a.green == b.green && a.blue == b.blue;
 }
-inline bool operator!=(const RGBColor& a, const RGBColor& b) { return !(a == b); }
+inline bool operator!=(const RGBColor& a, const RGBColor& b)
+{
+    return !(a == b);
+}
 
 constexpr RGBColor kBlack{0, 0, 0};
 constexpr RGBColor kWhite{0xFFFF, 0xFFFF, 0xFFFF};
@@ -33,7 +36,10 @@ struct PenState {
     int16_t height = 1;
 };
 
-inline bool operator==(const PenState& a, const PenState& b) { return a.width == b.width && a.height == b.height; }
+inline bool operator==(const PenState& a, const PenState& b)
+{
+    return a.width == b.width && a.height == b.height;
+}
 
 // Theme fonts and scripts by number.
 constexpr int16_t kSystemFont = 0;
@@ -109,4 +115,4 @@ private:
     std::vector<DrawOp> log_;
 };
 
-}  // namespace toolbox
+}   // namespace toolbox

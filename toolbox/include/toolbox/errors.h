@@ -25,4 +25,4 @@ constexpr OSErr kAddResFailed = -194;
 constexpr OSErr kBadResourceFile = -199;
 constexpr OSErr kItemNotControl = -30596;
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -20,8 +20,14 @@ constexpr intptr_t PackMouseDownWord(int y, Modifiers modifiers)
 {
     return static_cast<intptr_t>(static_cast<uint16_t>(y)) | (static_cast<intptr_t>(modifiers) << 16);
 }
-constexpr int MouseDownY(intptr_t word) { return static_cast<int16_t>(static_cast<uint16_t>(word & 0xFFFF)); }
-constexpr Modifiers MouseDownModifiers(intptr_t word) { return static_cast<Modifiers>((word >> 16) & 0xFFFF); }
+constexpr int MouseDownY(intptr_t word)
+{
+    return static_cast<int16_t>(static_cast<uint16_t>(word & 0xFFFF));
+}
+constexpr Modifiers MouseDownModifiers(intptr_t word)
+{
+    return static_cast<Modifiers>((word >> 16) & 0xFFFF);
+}
 
 // Milliseconds of a clock that never goes back (its start is arbitrary). Event times and timer
 // times are numbers of this clock; tests pass numbers of their own instead.
@@ -32,4 +38,4 @@ uint64_t NowMilliseconds();
 uint32_t DoubleClickInterval();
 void SetDoubleClickInterval(uint32_t milliseconds);
 
-}  // namespace toolbox
+}   // namespace toolbox

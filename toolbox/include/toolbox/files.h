@@ -55,4 +55,4 @@ std::optional<FolderItem> FolderItemAt(const std::string& folder, int index);
 // Creates the folder and its parents when missing; false when that fails.
 bool EnsureFolder(const std::string& path);
 
-}  // namespace toolbox
+}   // namespace toolbox

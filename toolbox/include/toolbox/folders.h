@@ -18,4 +18,4 @@ std::string ApplicationFile();
 std::string ApplicationFolder();
 void SetApplicationFile(const std::string& path);
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -12,17 +12,32 @@ struct Point {
     int y = 0;
 };
 
-inline bool operator==(const Point& a, const Point& b) { return a.x == b.x && a.y == b.y; }
+inline bool operator==(const Point& a, const Point& b)
+{
+    return a.x == b.x && a.y == b.y;
+}
 
 inline bool operator==(const DialogRect& a, const DialogRect& b)
 {
     return a.left == b.left && a.top == b.top && a.right == b.right && a.bottom == b.bottom;
 }
-inline bool operator!=(const DialogRect& a, const DialogRect& b) { return !(a == b); }
+inline bool operator!=(const DialogRect& a, const DialogRect& b)
+{
+    return !(a == b);
+}
 
-inline int RectWidth(const DialogRect& rect) { return rect.right - rect.left; }
-inline int RectHeight(const DialogRect& rect) { return rect.bottom - rect.top; }
-inline bool IsEmptyRect(const DialogRect& rect) { return rect.right <= rect.left || rect.bottom <= rect.top; }
+inline int RectWidth(const DialogRect& rect)
+{
+    return rect.right - rect.left;
+}
+inline int RectHeight(const DialogRect& rect)
+{
+    return rect.bottom - rect.top;
+}
+inline bool IsEmptyRect(const DialogRect& rect)
+{
+    return rect.right <= rect.left || rect.bottom <= rect.top;
+}
 
 inline bool PointInRect(Point point, const DialogRect& rect)
 {
@@ -40,4 +55,4 @@ DialogRect InsetRect(const DialogRect& rect, int dx, int dy);
 DialogRect IntersectRects(const DialogRect& a, const DialogRect& b);
 bool RectsOverlap(const DialogRect& a, const DialogRect& b);
 
-}  // namespace toolbox
+}   // namespace toolbox

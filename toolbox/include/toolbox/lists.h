@@ -23,8 +23,14 @@ struct Cell {
     int column = 0;
 };
 
-inline bool operator==(const Cell& a, const Cell& b) { return a.row == b.row && a.column == b.column; }
-inline bool operator!=(const Cell& a, const Cell& b) { return !(a == b); }
+inline bool operator==(const Cell& a, const Cell& b)
+{
+    return a.row == b.row && a.column == b.column;
+}
+inline bool operator!=(const Cell& a, const Cell& b)
+{
+    return !(a == b);
+}
 
 // What LastClick answers before the first click.
 constexpr Cell kNoCell{-1, -1};
@@ -35,14 +41,14 @@ constexpr int kScrollBarWidth = 15;
 constexpr int kDefaultCellHeight = 16;
 
 struct ListSpec {
-    DialogRect view;                   // where the cells are shown, without the scroll bars
-    int columns = 1;                   // at least 1
+    DialogRect view;   // where the cells are shown, without the scroll bars
+    int columns = 1;   // at least 1
     int rows = 0;
-    int cellWidth = 0;                 // 0: the view's width shared by the columns
-    int cellHeight = 0;                // 0: kDefaultCellHeight
-    bool verticalScrollBar = true;     // a bar right of the view, kScrollBarWidth wide
-    bool horizontalScrollBar = false;  // a bar below the view
-    bool singleSelection = false;      // at most one cell is ever selected
+    int cellWidth = 0;                  // 0: the view's width shared by the columns
+    int cellHeight = 0;                 // 0: kDefaultCellHeight
+    bool verticalScrollBar = true;      // a bar right of the view, kScrollBarWidth wide
+    bool horizontalScrollBar = false;   // a bar below the view
+    bool singleSelection = false;       // at most one cell is ever selected
     bool drawing = true;
 };
 
@@ -193,4 +199,4 @@ private:
     DrawingPort* port_ = nullptr;
 };
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -16,12 +16,12 @@
 
 namespace toolbox {
 
-using ResType = uint32_t;    // four characters, first in the most significant byte
-using ResFileRef = int16_t;  // an open resource file; -1 = none
+using ResType = uint32_t;     // four characters, first in the most significant byte
+using ResFileRef = int16_t;   // an open resource file; -1 = none
 
-constexpr ResType kStringListType = 0x53545223;   // 'STR#' a list of strings, entries from 1
-constexpr ResType kStringType = 0x53545220;       // 'STR ' one string
-constexpr ResType kDialogLayoutType = 0x444C4F47; // 'DLOG' a dialog layout
+constexpr ResType kStringListType = 0x53545223;     // 'STR#' a list of strings, entries from 1
+constexpr ResType kStringType = 0x53545220;         // 'STR ' one string
+constexpr ResType kDialogLayoutType = 0x444C4F47;   // 'DLOG' a dialog layout
 
 // What a resource holds depends on its type: a 'STR#' keeps its entries in `strings`, a 'DLOG'
 // keeps its layout lines in `strings` (see ReadDialogLayout), every other type (also 'STR ')
@@ -30,8 +30,8 @@ struct Resource {
     ResType type = 0;
     int16_t id = 0;
     std::string name;
-    std::vector<uint8_t> data;              // raw bytes (text resources hold their characters)
-    std::vector<std::string> strings;       // entries of a string list ('STR#'), lines of a 'DLOG'
+    std::vector<uint8_t> data;          // raw bytes (text resources hold their characters)
+    std::vector<std::string> strings;   // entries of a string list ('STR#'), lines of a 'DLOG'
 };
 
 // ---- A resource file in memory (parse and print the text form) -------------------------------
@@ -60,7 +60,14 @@ OSErr SaveResourceFile(const std::string& path, const ResourceFile& file);
 
 // ---- Dialog layouts ('DLOG') ----------------------------------------------------------------------
 
-enum class DialogItemKind { kButton, kRadio, kCheckbox, kPopup, kUserItem, kStaticText };
+enum class DialogItemKind {
+    kButton,
+    kRadio,
+    kCheckbox,
+    kPopup,
+    kUserItem,
+    kStaticText
+};
 
 // In pixels from the top left corner of the dialog's content area.
 struct DialogRect {
@@ -71,18 +78,18 @@ struct DialogRect {
 };
 
 struct DialogItemSpec {
-    int16_t number = 0;                     // the dialog item number, from 1
+    int16_t number = 0;   // the dialog item number, from 1
     DialogItemKind kind = DialogItemKind::kUserItem;
     DialogRect rect;
-    std::string label;                      // empty when the line gives none
-    std::vector<std::string> entries;       // a pop-up menu's entries from an `entries` line
+    std::string label;                  // empty when the line gives none
+    std::vector<std::string> entries;   // a pop-up menu's entries from an `entries` line
 };
 
 struct DialogLayout {
     std::string title;
-    int16_t width = 0;                      // 0 when the layout gives no size
+    int16_t width = 0;   // 0 when the layout gives no size
     int16_t height = 0;
-    std::vector<DialogItemSpec> items;      // in the order of the resource's lines
+    std::vector<DialogItemSpec> items;   // in the order of the resource's lines
 };
 
 // Reads the lines of a 'DLOG' resource. On failure returns false and sets `error` to
@@ -116,8 +123,8 @@ void CloseResFile(ResFileRef ref);
 // Lookups walk the chain from the current file to the oldest. The resource found stays valid
 // until its file is closed or changed (a resource added to it, changed or replaced in it).
 const Resource* GetResource(ResType type, int16_t id);
-std::optional<std::string> GetString(int16_t id);                      // 'STR '
-std::optional<std::string> GetIndString(int16_t listId, int16_t index);  // entry of 'STR#', from 1
+std::optional<std::string> GetString(int16_t id);                         // 'STR '
+std::optional<std::string> GetIndString(int16_t listId, int16_t index);   // entry of 'STR#', from 1
 
 // Changes go to the current file: Add puts a new resource (kAddResFailed when the current file
 // has one of that type and id already), Change replaces the data of one that exists in the
@@ -130,4 +137,4 @@ OSErr WriteResFile(ResFileRef ref);
 // Closes every file (used between tests and at the host's exit).
 void CloseAllResFiles();
 
-}  // namespace toolbox
+}   // namespace toolbox

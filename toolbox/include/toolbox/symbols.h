@@ -7,4 +7,4 @@ namespace toolbox {
 // or null.
 void* FunctionPointerForName(const char* name);
 
-}  // namespace toolbox
+}   // namespace toolbox

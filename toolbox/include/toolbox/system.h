@@ -11,4 +11,4 @@ constexpr uint32_t kModernSystemVersion = 0x1040;   // the 'sysv' answer: 10.4 o
 // Answers a system query by its four-character selector; 0 when the selector is unknown.
 uint32_t SystemQuery(uint32_t selector);
 
-}  // namespace toolbox
+}   // namespace toolbox

@@ -40,4 +40,4 @@ private:
     std::vector<RunningTimer> timers_;
 };
 
-}  // namespace toolbox
+}   // namespace toolbox
