@@ -8,10 +8,6 @@
 
 namespace {
 
-constexpr EXTAG kTagPlaybackPrefs = 0x7066504C;     // 'pfPL'
-constexpr EXTAG kTagPianoBracePrefs = 0x70665042;   // 'pfPB'
-constexpr EXTAG kTagPageFormatPrefs = 0x70665046;   // 'pfPF'
-
 constexpr int kWordsPerOtherRecord = 6;
 
 // Rows: bProcessed, the tag's last two characters, cmper, inci, structOffset, offsetInInci,
@@ -55,6 +51,220 @@ PREFERENCE_LOCATION_MAPRECORD EDTPageFormatPrefsScore_MAP_ARRAY[] = {
     {0, '7', '4', 0, 0, 42, 0, 2, MC_NONE},         // firstSystemTopMargin
     {0, '7', '4', 0, 0, 44, 1, 2, MC_NONE},         // firstSystemLeftMargin
     {0, '7', '4', 0, 0, 46, 2, 2, MC_SIGNEDBYTE},   // firstPageSystemCount (low byte of its word)
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTDistancePrefs_MAP_ARRAY[] = {
+    {0, '0', '5', 0, 0, 0, 0, 2, MC_NONE},    // spaceBeforeKey
+    {0, '0', '5', 0, 0, 2, 1, 2, MC_NONE},    // spaceAfterKey
+    {0, '0', '5', 0, 0, 4, 2, 2, MC_NONE},    // keyAccidentalSpace
+    {0, '0', '5', 0, 0, 6, 3, 2, MC_NONE},    // spaceAfterKeyCancel
+    {0, '0', '5', 0, 0, 8, 4, 2, MC_NONE},    // spaceBeforeClef
+    {0, '0', '5', 0, 0, 10, 5, 2, MC_NONE},   // spaceAfterClef
+    {0, '0', '6', 0, 0, 12, 0, 2, MC_NONE},   // spaceBeforeTime
+    {0, '0', '6', 0, 0, 14, 1, 2, MC_NONE},   // spaceAfterTime
+    {0, '0', '6', 0, 0, 16, 2, 2, MC_NONE},   // timeVerticalOffset
+    {0, '0', '6', 0, 0, 18, 3, 2, MC_NONE},   // spaceBeforeBarline
+    {0, '0', '6', 0, 0, 20, 4, 2, MC_NONE},   // spaceAfterBarline
+    {0, '0', '6', 0, 0, 22, 5, 2, MC_NONE},   // clefChangeOffset
+    {0, '0', '7', 0, 0, 24, 0, 2, MC_NONE},   // accidentalToNote
+    {0, '0', '7', 0, 0, 26, 1, 2, MC_NONE},   // accidentalToAccidental
+    {0, '0', '7', 0, 0, 28, 2, 2, MC_NONE},   // accidentalVerticalOverlap
+    {0, '0', '7', 0, 0, 30, 3, 2, MC_NONE},   // dotToNote
+    {0, '0', '7', 0, 0, 32, 4, 2, MC_NONE},   // dotToDot
+    {0, '0', '7', 0, 0, 34, 5, 2, MC_NONE},   // dotVerticalOffset
+    {0, '0', '8', 0, 0, 36, 0, 2, MC_NONE},   // graceNoteSpacing
+    {0, '0', '8', 0, 0, 38, 1, 2, MC_NONE},   // graceToMainNote
+    {0, '0', '8', 0, 0, 40, 2, 2, MC_NONE},   // primaryBeamSeparation
+    {0, '0', '8', 0, 0, 42, 3, 2, MC_NONE},   // secondaryBeamSeparation
+    {0, '0', '8', 0, 0, 44, 4, 2, MC_NONE},   // beamMaxSlope
+    {0, '0', '8', 0, 0, 46, 5, 2, MC_NONE},   // stemToFlag
+    {0, '0', '9', 0, 0, 48, 0, 2, MC_NONE},   // articulationToNote
+    {0, '0', '9', 0, 0, 50, 1, 2, MC_NONE},   // articulationToArticulation
+    {0, '0', '9', 0, 0, 52, 2, 2, MC_NONE},   // tupletToNote
+    {0, '0', '9', 0, 0, 54, 3, 2, MC_NONE},   // tupletNumberOffset
+    {0, '0', '9', 0, 0, 56, 4, 2, MC_NONE},   // restToRest
+    {0, '0', '9', 0, 0, 58, 5, 2, MC_NONE},   // musicStartFromBarline
+    {0, '1', '0', 0, 0, 60, 0, 2, MC_NONE},   // chordSymbolBaseline
+    {0, '1', '0', 0, 0, 62, 1, 2, MC_NONE},   // expressionAboveStaff
+    {0, '1', '0', 0, 0, 64, 2, 2, MC_NONE},   // expressionBelowStaff
+    {0, '1', '0', 0, 0, 66, 3, 2, MC_NONE},   // groupBracketToStaff
+    {0, '1', '0', 0, 0, 68, 4, 2, MC_NONE},   // pianoBraceToStaff
+    {0, '1', '0', 0, 0, 70, 5, 2, MC_NONE},   // lyricBaseline
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTExtractPrefs_MAP_ARRAY[] = {
+    {0, '1', '4', 0, 0, 0, 0, 2, MC_NONE},           // firstPageNumber
+    {0, '1', '4', 0, 0, 2, 1, 2, MC_SIGNEDBYTE},     // measuresPerSystem
+    {0, '1', '4', 0, 0, 4, 2, 2, MC_NONE},           // multimeasureRests
+    {0, '1', '4', 0, 0, 6, 3, 2, MC_NONE},           // removeEmptyStaves
+    {0, '1', '4', 0, 0, 8, 4, 2, MC_NONE},           // spaceSystemsEvenly
+    {0, '1', '4', 0, 0, 10, 5, 2, MC_SIGNEDBYTE},    // systemsPerPage
+    {0, '1', '5', 0, 0, 12, 0, 2, MC_NONE},          // partNameFont
+    {0, '1', '5', 0, 0, 14, 1, 2, MC_NONE},          // partNameSize
+    {0, '1', '5', 0, 0, 16, 2, 2, MC_NONE},          // partNameStyle
+    {0, '1', '5', 0, 0, 18, 3, 2, MC_NONE},          // partNameX
+    {0, '1', '5', 0, 0, 20, 4, 2, MC_NONE},          // partNameY
+    {0, '1', '5', 0, 0, 22, 5, 2, MC_INVERTBOOL},    // showPartName
+    {0, '1', '6', 0, 0, 24, 0, 2, MC_NONE},          // pageNumberFont
+    {0, '1', '6', 0, 0, 26, 1, 2, MC_NONE},          // pageNumberSize
+    {0, '1', '6', 0, 0, 28, 2, 2, MC_NONE},          // pageNumberStyle
+    {0, '1', '6', 0, 0, 30, 3, 2, MC_NONE},          // pageNumberX
+    {0, '1', '6', 0, 0, 32, 4, 2, MC_NONE},          // pageNumberY
+    {0, '1', '6', 0, 0, 34, 5, 2, MC_INVERTBOOL},    // showPageNumbers
+    {0, '1', '7', 0, 0, 36, 0, 2, MC_NONE},          // pagePercent
+    {0, '1', '7', 0, 0, 38, 1, 2, MC_NONE},          // systemPercent
+    {0, '1', '7', 0, 0, 40, 2, 2, MC_NONE},          // multimeasureRestMinimum
+    {0, '1', '7', 0, 0, 42, 3, 2, MC_NONE},          // multimeasureRestWidth
+    {0, '1', '7', 0, 0, 44, 4, 4, MC_MACFOURBYTE},   // multimeasureRestNumberOffset
+    {0, '1', '8', 0, 0, 48, 0, 2, MC_NONE},          // fileNumbering
+    {0, '1', '8', 0, 0, 50, 1, 2, MC_INVERTBOOL},    // openEachPart
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTMiscDocPrefs_MAP_ARRAY[] = {
+    {0, '2', '7', 0, 0, 0, 0, 2, MC_NONE},           // curveResolution
+    {0, '2', '7', 0, 0, 2, 1, 2, MC_INVERTBOOL},     // showAllLayers
+    {0, '2', '7', 0, 0, 4, 2, 2, MC_NONE},           // consolidateRests
+    {0, '2', '7', 0, 0, 6, 3, 2, MC_NONE},           // adjustDotsForVoices
+    {0, '2', '7', 0, 0, 8, 4, 2, MC_NONE},           // itemsFollowStaffPosition
+    {0, '2', '7', 0, 0, 10, 5, 2, MC_SIGNEDBYTE},    // defaultUnits
+    {0, '2', '8', 0, 0, 12, 0, 2, MC_NONE},          // beamStyle
+    {0, '2', '8', 0, 0, 14, 1, 2, MC_NONE},          // extendBeamsOverRests
+    {0, '2', '8', 0, 0, 16, 2, 2, MC_NONE},          // flattenBeams
+    {0, '2', '8', 0, 0, 18, 3, 2, MC_NONE},          // beamFourEighthsInCommon
+    {0, '2', '8', 0, 0, 20, 4, 2, MC_NONE},          // beamSixteenthsInPairs
+    {0, '2', '8', 0, 0, 22, 5, 2, MC_NONE},          // primaryBeamWithinSpace
+    {0, '2', '9', 0, 0, 24, 0, 2, MC_NONE},          // doubleBarlineAtKeyChange
+    {0, '2', '9', 0, 0, 26, 1, 2, MC_NONE},          // showKeyCancels
+    {0, '2', '9', 0, 0, 28, 2, 2, MC_NONE},          // cancelOnlyToNoKey
+    {0, '2', '9', 0, 0, 30, 3, 2, MC_NONE},          // courtesyKey
+    {0, '2', '9', 0, 0, 32, 4, 2, MC_NONE},          // courtesyTime
+    {0, '2', '9', 0, 0, 34, 5, 2, MC_NONE},          // courtesyClef
+    {0, '3', '0', 0, 0, 36, 0, 2, MC_NONE},          // clefOnFirstSystemOnly
+    {0, '3', '0', 0, 0, 38, 1, 2, MC_SIGNEDBYTE},    // changeClefPercent
+    {0, '3', '0', 0, 0, 40, 2, 2, MC_SIGNEDBYTE},    // defaultClef
+    {0, '3', '0', 0, 0, 42, 3, 2, MC_NONE},          // abbreviateCommonTime
+    {0, '3', '0', 0, 0, 44, 4, 2, MC_NONE},          // abbreviateCutTime
+    {0, '3', '0', 0, 0, 46, 5, 2, MC_NONE},          // timeSignatureSize
+    {0, '3', '1', 0, 0, 48, 0, 2, MC_NONE},          // keepAccidentalsInMeasure
+    {0, '3', '1', 0, 0, 50, 1, 2, MC_NONE},          // accidentalsAfterTies
+    {0, '3', '1', 0, 0, 52, 2, 2, MC_NONE},          // accidentalsAcrossOctaves
+    {0, '3', '1', 0, 0, 54, 3, 4, MC_WINFOURBYTE},   // playbackTempoScale
+    {0, '3', '1', 0, 0, 58, 5, 2, MC_INVERTBOOL},    // autoUpdateLayout
+    {0, '3', '2', 0, 0, 60, 0, 4, MC_MACFOURBYTE},   // scrollViewStart
+    {0, '3', '2', 0, 0, 64, 2, 2, MC_NONE},          // showDefaultStaffNames
+    {0, '3', '2', 0, 0, 66, 3, 2, MC_NONE},          // showDefaultGroupNames
+    {0, '3', '2', 0, 0, 68, 4, 2, MC_NONE},          // abbreviateNamesAfterFirst
+    {0, '3', '2', 0, 0, 70, 5, 2, MC_NONE},          // nameJustification
+    {0, '3', '3', 0, 0, 72, 0, 2, MC_NONE},          // pickupMeasureCount
+    {0, '3', '3', 0, 0, 74, 1, 2, MC_NONE},          // measureNumberInterval
+    {0, '3', '3', 0, 0, 76, 2, 2, MC_NONE},          // measureNumberStart
+    {0, '3', '3', 0, 0, 78, 3, 2, MC_NONE},          // measureNumberOffsetX
+    {0, '3', '3', 0, 0, 80, 4, 2, MC_NONE},          // measureNumberOffsetY
+    {0, '3', '3', 0, 0, 82, 5, 2, MC_INVERTBOOL},    // showMeasureNumbers
+    {0, '3', '3', 0, 1, 84, 0, 2, MC_NONE},          // layer1StemUp
+    {0, '3', '3', 0, 1, 86, 1, 2, MC_NONE},          // layer2StemDown
+    {0, '3', '3', 0, 1, 88, 2, 2, MC_NONE},          // layer3StemUp
+    {0, '3', '3', 0, 1, 90, 3, 2, MC_NONE},          // layer4StemDown
+    {0, '3', '3', 0, 1, 92, 4, 2, MC_NONE},          // layerRestOffset
+    {0, '3', '3', 0, 1, 94, 5, 2, MC_NONE},          // layerNoteOffset
+    {0, '3', '4', 0, 0, 96, 0, 2, MC_NONE},          // keepMeasureWidths
+    {0, '3', '4', 0, 0, 98, 1, 2, MC_NONE},          // respaceAfterEdits
+    {0, '3', '4', 0, 0, 100, 2, 2, MC_NONE},         // spacingReferenceDuration
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTRepeatPrefs_MAP_ARRAY[] = {
+    {0, '4', '1', 0, 0, 0, 0, 2, MC_NONE},          // endingBracketHeight
+    {0, '4', '1', 0, 0, 2, 1, 2, MC_NONE},          // endingFrontHook
+    {0, '4', '1', 0, 0, 4, 2, 2, MC_NONE},          // endingBackHook
+    {0, '4', '1', 0, 0, 6, 3, 2, MC_NONE},          // endingLineWidth
+    {0, '4', '1', 0, 0, 8, 4, 2, MC_NONE},          // endingTextX
+    {0, '4', '1', 0, 0, 10, 5, 2, MC_NONE},         // endingTextY
+    {0, '4', '2', 0, 0, 12, 0, 2, MC_NONE},         // dotSpace
+    {0, '4', '2', 0, 0, 14, 1, 2, MC_NONE},         // dotVertical
+    {0, '4', '2', 0, 0, 16, 2, 2, MC_NONE},         // thickLineWidth
+    {0, '4', '2', 0, 0, 18, 3, 2, MC_NONE},         // thinLineWidth
+    {0, '4', '2', 0, 0, 20, 4, 2, MC_NONE},         // lineSpace
+    {0, '4', '2', 0, 0, 22, 5, 2, MC_NONE},         // backToBackStyle
+    {0, '4', '3', 0, 0, 24, 0, 2, MC_SIGNEDBYTE},   // wingStyle
+    {0, '4', '3', 0, 0, 26, 1, 2, MC_NONE},         // endingsOnTopStaffOnly
+    {0, '4', '3', 0, 0, 28, 2, 2, MC_NONE},         // jumpTextX
+    {0, '4', '3', 0, 0, 30, 3, 2, MC_NONE},         // jumpTextY
+    {0, '4', '3', 0, 0, 32, 4, 2, MC_NONE},         // maximumPasses
+    {0, '4', '3', 0, 0, 34, 5, 2, MC_INVERTBOOL},   // playRepeats
+    {0, '4', '4', 0, 0, 36, 0, 2, MC_NONE},         // endingInsetStart
+    {0, '4', '4', 0, 0, 38, 1, 2, MC_NONE},         // endingInsetEnd
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTSizePrefs_MAP_ARRAY[] = {
+    {0, '4', '7', 0, 0, 0, 0, 2, MC_NONE},           // graceNotePercent
+    {0, '4', '7', 0, 0, 2, 1, 2, MC_NONE},           // cueNotePercent
+    {0, '4', '7', 0, 0, 4, 2, 2, MC_NONE},           // tabNotePercent
+    {0, '4', '7', 0, 0, 6, 3, 2, MC_NONE},           // smallNotePercent
+    {0, '4', '7', 0, 0, 8, 4, 2, MC_NONE},           // chordSymbolPercent
+    {0, '4', '7', 0, 0, 10, 5, 2, MC_NONE},          // tupletNumberPercent
+    {0, '4', '8', 0, 0, 12, 0, 4, MC_MACFOURBYTE},   // stemWidth
+    {0, '4', '8', 0, 0, 16, 2, 4, MC_MACFOURBYTE},   // staffLineWidth
+    {0, '4', '8', 0, 0, 20, 4, 4, MC_MACFOURBYTE},   // barlineWidth
+    {0, '4', '9', 0, 0, 24, 0, 4, MC_MACFOURBYTE},   // ledgerLineWidth
+    {0, '4', '9', 0, 0, 28, 2, 2, MC_NONE},          // ledgerLeftHalf
+    {0, '4', '9', 0, 0, 30, 3, 2, MC_NONE},          // ledgerRightHalf
+    {0, '4', '9', 0, 0, 32, 4, 2, MC_NONE},          // ledgerLeftRestHalf
+    {0, '4', '9', 0, 0, 34, 5, 2, MC_NONE},          // ledgerRightRestHalf
+    {0, '5', '0', 0, 0, 36, 0, 4, MC_MACFOURBYTE},   // beamWidth
+    {0, '5', '0', 0, 0, 40, 2, 2, MC_NONE},          // brokenBeamLength
+    {0, '5', '0', 0, 0, 42, 3, 2, MC_NONE},          // stemLength
+    {0, '5', '0', 0, 0, 44, 4, 2, MC_NONE},          // shortStemLength
+    {0, '5', '0', 0, 0, 46, 5, 2, MC_NONE},          // halfStemLength
+    {0, '5', '1', 0, 0, 48, 0, 4, MC_MACFOURBYTE},   // enclosureWidth
+    {0, '5', '1', 0, 0, 52, 2, 4, MC_MACFOURBYTE},   // graceSlashWidth
+    {0, '5', '1', 0, 0, 56, 4, 2, MC_INVERTBOOL},    // slashGraceNotes
+    {0, '5', '1', 0, 0, 58, 5, 2, MC_SIGNEDBYTE},    // graceSlashAngle
+};
+
+PREFERENCE_LOCATION_MAPRECORD EDTSmartShapePrefs_MAP_ARRAY[] = {
+    {0, '5', '3', 0, 0, 0, 0, 2, MC_NONE},           // slurStartThicknessX
+    {0, '5', '3', 0, 0, 2, 1, 2, MC_NONE},           // slurStartThicknessY
+    {0, '5', '3', 0, 0, 4, 2, 2, MC_NONE},           // slurMiddleThicknessX
+    {0, '5', '3', 0, 0, 6, 3, 2, MC_NONE},           // slurMiddleThicknessY
+    {0, '5', '3', 0, 0, 8, 4, 2, MC_NONE},           // slurEndThicknessX
+    {0, '5', '3', 0, 0, 10, 5, 2, MC_NONE},          // slurEndThicknessY
+    {0, '5', '4', 0, 0, 12, 0, 2, MC_NONE},          // tieStartThicknessX
+    {0, '5', '4', 0, 0, 14, 1, 2, MC_NONE},          // tieStartThicknessY
+    {0, '5', '4', 0, 0, 16, 2, 2, MC_NONE},          // tieMiddleThicknessX
+    {0, '5', '4', 0, 0, 18, 3, 2, MC_NONE},          // tieMiddleThicknessY
+    {0, '5', '4', 0, 0, 20, 4, 2, MC_NONE},          // tieEndThicknessX
+    {0, '5', '4', 0, 0, 22, 5, 2, MC_NONE},          // tieEndThicknessY
+    {0, '5', '5', 0, 0, 24, 0, 2, MC_NONE},          // slurSpaceAround
+    {0, '5', '5', 0, 0, 26, 1, 2, MC_INVERTBOOL},    // slurAvoidAccidentals
+    {0, '5', '5', 0, 0, 28, 2, 2, MC_NONE},          // slurInset
+    {0, '5', '5', 0, 0, 30, 3, 4, MC_MACFOURBYTE},   // slurMaximumStretch
+    {0, '5', '5', 0, 0, 34, 5, 2, MC_NONE},          // slurSystemBreakOffset
+    {0, '5', '6', 0, 0, 36, 0, 4, MC_MACFOURBYTE},   // hairpinOpening
+    {0, '5', '6', 0, 0, 40, 2, 4, MC_MACFOURBYTE},   // hairpinShortOpening
+    {0, '5', '6', 0, 0, 44, 4, 4, MC_MACFOURBYTE},   // hairpinLineWidth
+    {0, '5', '7', 0, 0, 48, 0, 4, MC_MACFOURBYTE},   // lineWidth
+    {0, '5', '7', 0, 0, 52, 2, 2, MC_NONE},          // dashLength
+    {0, '5', '7', 0, 0, 54, 3, 2, MC_NONE},          // dashSpace
+    {0, '5', '7', 0, 0, 56, 4, 2, MC_NONE},          // hookLength
+    {0, '5', '7', 0, 0, 58, 5, 2, MC_INVERTBOOL},    // showOctaveNumbers
+    {0, '5', '8', 0, 0, 60, 0, 4, MC_MACFOURBYTE},   // glissandoLineWidth
+    {0, '5', '8', 0, 0, 64, 2, 2, MC_SIGNEDBYTE},    // trillCharacter
+    {0, '5', '8', 0, 0, 66, 3, 2, MC_NONE},          // trillFont
+    {0, '5', '8', 0, 0, 68, 4, 2, MC_NONE},          // bendArrowStyle
+    {0, '5', '8', 0, 0, 70, 5, 2, MC_INVERTBOOL},    // articulationsAvoidSlurs
+    {0, '5', '9', 0, 0, 72, 0, 2, MC_NONE},          // bendHeight
+    {0, '5', '9', 0, 0, 74, 1, 2, MC_NONE},          // bendWidth
+    {0, '5', '9', 0, 0, 76, 2, 2, MC_NONE},          // bendReleaseWidth
+    {0, '5', '9', 0, 0, 78, 3, 4, MC_MACFOURBYTE},   // tabSlideWidth
+    {0, '5', '9', 0, 0, 82, 5, 2, MC_SIGNEDBYTE},    // tabSlideStyle
+    {0, '6', '2', 0, 0, 84, 0, 2, MC_INVERTBOOL},    // engraverSlurs
+    {0, '6', '2', 0, 0, 86, 1, 2, MC_NONE},          // engraverSlurMaxAngle
+    {0, '6', '2', 0, 0, 88, 2, 2, MC_NONE},          // engraverSlurSymmetry
+    {0, '6', '2', 0, 0, 90, 3, 2, MC_NONE},          // engraverSlurMaxLift
+    {0, '6', '2', 0, 0, 92, 4, 2, MC_NONE},          // engraverSlurMinHeight
+    {0, '6', '2', 0, 0, 94, 5, 2, MC_NONE},          // engraverSlurAccidentalSpace
+    {0, '6', '3', 0, 0, 96, 0, 2, MC_NONE},          // hairpinBreakInset
+    {0, '6', '3', 0, 0, 98, 1, 2, MC_NONE},          // hairpinShortSpan
 };
 
 template <size_t N>
@@ -197,9 +407,7 @@ bool PutField(const char* buffer, const PREFERENCE_LOCATION_MAPRECORD& row, EDTG
     int16_t stored = value;
     switch (row.conversion) {
         case MC_INVERTBOOL:
-            if ((words[k] != 0) != (value != 0)) {
-                return false;   // the kept flag already says the opposite of the field
-            }
+            // Compared as words, not as truth values: a kept 2 becomes the 1 a load reads back as 0.
             stored = value == 0 ? 1 : 0;
             break;
         case MC_SIGNEDBYTE:
@@ -240,28 +448,37 @@ void HandleGroup(PREFERENCE_LOCATION_MAPRECORD* map, int16_t rows, int16_t first
 
 bool mapPrefStruct(EXTAG tag, int16_t cmper, PREFERENCE_LOCATION_MAPRECORD** map, int16_t* rows)
 {
-    PREFERENCE_LOCATION_MAPRECORD* found = nullptr;
-    int16_t count = 0;
-    if (tag == kTagPlaybackPrefs) {
-        found = EDTPlaybackPrefs_MAP_ARRAY;
-        count = RowCount(EDTPlaybackPrefs_MAP_ARRAY);
-    } else if (tag == kTagPianoBracePrefs) {
-        found = EDTPianoBracePrefs_MAP_ARRAY;
-        count = RowCount(EDTPianoBracePrefs_MAP_ARRAY);
-    } else if (tag == kTagPageFormatPrefs && cmper == 0) {
-        found = EDTPageFormatPrefsScore_MAP_ARRAY;
-        count = RowCount(EDTPageFormatPrefsScore_MAP_ARRAY);
+    struct FieldMap {
+        EXTAG tag;
+        PREFERENCE_LOCATION_MAPRECORD* rows;
+        int16_t count;
+        bool scoreOnly;   // number 0 only; the other numbers are not kept in fields
+    };
+    const FieldMap maps[] = {
+        {MakeTag('p', 'f', 'D', 'P'), EDTDistancePrefs_MAP_ARRAY, RowCount(EDTDistancePrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'E', 'X'), EDTExtractPrefs_MAP_ARRAY, RowCount(EDTExtractPrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'M', 'S'), EDTMiscDocPrefs_MAP_ARRAY, RowCount(EDTMiscDocPrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'P', 'B'), EDTPianoBracePrefs_MAP_ARRAY, RowCount(EDTPianoBracePrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'P', 'F'), EDTPageFormatPrefsScore_MAP_ARRAY, RowCount(EDTPageFormatPrefsScore_MAP_ARRAY),
+         true},
+        {MakeTag('p', 'f', 'P', 'L'), EDTPlaybackPrefs_MAP_ARRAY, RowCount(EDTPlaybackPrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'R', 'P'), EDTRepeatPrefs_MAP_ARRAY, RowCount(EDTRepeatPrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'S', 'I'), EDTSizePrefs_MAP_ARRAY, RowCount(EDTSizePrefs_MAP_ARRAY), false},
+        {MakeTag('p', 'f', 'S', 'S'), EDTSmartShapePrefs_MAP_ARRAY, RowCount(EDTSmartShapePrefs_MAP_ARRAY), false},
+    };
+    for (const FieldMap& found : maps) {
+        if (found.tag != tag || (found.scoreOnly && cmper != 0)) {
+            continue;
+        }
+        if (map != nullptr) {
+            *map = found.rows;
+        }
+        if (rows != nullptr) {
+            *rows = found.count;
+        }
+        return true;
     }
-    if (found == nullptr) {
-        return false;
-    }
-    if (map != nullptr) {
-        *map = found;
-    }
-    if (rows != nullptr) {
-        *rows = count;
-    }
-    return true;
+    return false;
 }
 
 bool mapPrefTag(EXTAG tag, int16_t cmper, EXTAG* otherTag, int16_t* count, int16_t* firstInci)

@@ -91,12 +91,238 @@ struct EDTPageFormatPrefs {
 };
 static_assert(sizeof(EDTPageFormatPrefs) == 48, "EDTPageFormatPrefs is 48 bytes");
 
+// 'pfDP', 72 bytes: distances between notation items, in EVPU (288 to the inch).
+struct EDTDistancePrefs {
+    int16_t spaceBeforeKey;
+    int16_t spaceAfterKey;
+    int16_t keyAccidentalSpace;   // between the accidentals of a key
+    int16_t spaceAfterKeyCancel;
+    int16_t spaceBeforeClef;
+    int16_t spaceAfterClef;
+    int16_t spaceBeforeTime;
+    int16_t spaceAfterTime;
+    int16_t timeVerticalOffset;
+    int16_t spaceBeforeBarline;
+    int16_t spaceAfterBarline;
+    int16_t clefChangeOffset;
+    int16_t accidentalToNote;
+    int16_t accidentalToAccidental;
+    int16_t accidentalVerticalOverlap;
+    int16_t dotToNote;
+    int16_t dotToDot;
+    int16_t dotVerticalOffset;
+    int16_t graceNoteSpacing;
+    int16_t graceToMainNote;
+    int16_t primaryBeamSeparation;
+    int16_t secondaryBeamSeparation;
+    int16_t beamMaxSlope;
+    int16_t stemToFlag;
+    int16_t articulationToNote;
+    int16_t articulationToArticulation;
+    int16_t tupletToNote;
+    int16_t tupletNumberOffset;
+    int16_t restToRest;   // between rests of different layers
+    int16_t musicStartFromBarline;
+    int16_t chordSymbolBaseline;
+    int16_t expressionAboveStaff;
+    int16_t expressionBelowStaff;
+    int16_t groupBracketToStaff;
+    int16_t pianoBraceToStaff;
+    int16_t lyricBaseline;
+};
+static_assert(sizeof(EDTDistancePrefs) == 72, "EDTDistancePrefs is 72 bytes");
+
+// 'pfEX', 52 bytes: how parts are extracted from the score.
+struct EDTExtractPrefs {
+    int16_t firstPageNumber;
+    int16_t measuresPerSystem;   // 0: as many as fit (0 to 255)
+    int16_t multimeasureRests;   // 1: runs of empty measures become one rest
+    int16_t removeEmptyStaves;
+    int16_t spaceSystemsEvenly;
+    int16_t systemsPerPage;   // 0: as many as fit (0 to 255)
+    int16_t partNameFont;
+    int16_t partNameSize;
+    int16_t partNameStyle;
+    int16_t partNameX;
+    int16_t partNameY;
+    int16_t showPartName;   // kept as "hide the part name"
+    int16_t pageNumberFont;
+    int16_t pageNumberSize;
+    int16_t pageNumberStyle;
+    int16_t pageNumberX;
+    int16_t pageNumberY;
+    int16_t showPageNumbers;   // kept as "hide page numbers"
+    int16_t pagePercent;
+    int16_t systemPercent;
+    int16_t multimeasureRestMinimum;   // fewest empty measures that make a rest
+    int16_t multimeasureRestWidth;
+    int32_t multimeasureRestNumberOffset;
+    int16_t fileNumbering;   // how the parts' files are numbered
+    int16_t openEachPart;    // kept as "do not open the parts"
+};
+static_assert(sizeof(EDTExtractPrefs) == 52, "EDTExtractPrefs is 52 bytes");
+
+// 'pfMS', 102 bytes: miscellaneous document settings.
+struct EDTMiscDocPrefs {
+    int16_t curveResolution;
+    int16_t showAllLayers;      // kept as "show the active layer only"
+    int16_t consolidateRests;   // rests common to all layers shown once
+    int16_t adjustDotsForVoices;
+    int16_t itemsFollowStaffPosition;
+    int16_t defaultUnits;   // unit of measurement in the low byte
+    int16_t beamStyle;
+    int16_t extendBeamsOverRests;
+    int16_t flattenBeams;
+    int16_t beamFourEighthsInCommon;
+    int16_t beamSixteenthsInPairs;
+    int16_t primaryBeamWithinSpace;
+    int16_t doubleBarlineAtKeyChange;
+    int16_t showKeyCancels;
+    int16_t cancelOnlyToNoKey;
+    int16_t courtesyKey;
+    int16_t courtesyTime;
+    int16_t courtesyClef;
+    int16_t clefOnFirstSystemOnly;
+    int16_t changeClefPercent;   // size of a mid-measure clef, % (0 to 255)
+    int16_t defaultClef;         // clef number (0 to 255)
+    int16_t abbreviateCommonTime;
+    int16_t abbreviateCutTime;
+    int16_t timeSignatureSize;
+    int16_t keepAccidentalsInMeasure;
+    int16_t accidentalsAfterTies;
+    int16_t accidentalsAcrossOctaves;
+    int32_t playbackTempoScale;   // 1/65536 of the written tempo, low half first
+    int16_t autoUpdateLayout;     // kept as "update the layout by hand"
+    int32_t scrollViewStart;
+    int16_t showDefaultStaffNames;
+    int16_t showDefaultGroupNames;
+    int16_t abbreviateNamesAfterFirst;
+    int16_t nameJustification;
+    int16_t pickupMeasureCount;
+    int16_t measureNumberInterval;
+    int16_t measureNumberStart;
+    int16_t measureNumberOffsetX;
+    int16_t measureNumberOffsetY;
+    int16_t showMeasureNumbers;   // kept as "hide measure numbers"
+    int16_t layer1StemUp;         // layer offsets: stems of layer 1 up
+    int16_t layer2StemDown;
+    int16_t layer3StemUp;
+    int16_t layer4StemDown;
+    int16_t layerRestOffset;
+    int16_t layerNoteOffset;
+    int16_t keepMeasureWidths;
+    int16_t respaceAfterEdits;
+    int16_t spacingReferenceDuration;   // the note value that gets the reference width, in EDU
+};
+static_assert(sizeof(EDTMiscDocPrefs) == 102, "EDTMiscDocPrefs is 102 bytes");
+
+// 'pfRP', 40 bytes: repeat barlines, endings and jumps.
+struct EDTRepeatPrefs {
+    int16_t endingBracketHeight;
+    int16_t endingFrontHook;
+    int16_t endingBackHook;
+    int16_t endingLineWidth;
+    int16_t endingTextX;
+    int16_t endingTextY;
+    int16_t dotSpace;   // repeat dots from the thin line
+    int16_t dotVertical;
+    int16_t thickLineWidth;
+    int16_t thinLineWidth;
+    int16_t lineSpace;
+    int16_t backToBackStyle;
+    int16_t wingStyle;   // 0 to 255
+    int16_t endingsOnTopStaffOnly;
+    int16_t jumpTextX;
+    int16_t jumpTextY;
+    int16_t maximumPasses;
+    int16_t playRepeats;   // kept as "ignore repeats in playback"
+    int16_t endingInsetStart;
+    int16_t endingInsetEnd;
+};
+static_assert(sizeof(EDTRepeatPrefs) == 40, "EDTRepeatPrefs is 40 bytes");
+
+// 'pfSI', 60 bytes: sizes and thicknesses; thicknesses in 1/65536 of an EVPU.
+struct EDTSizePrefs {
+    int16_t graceNotePercent;
+    int16_t cueNotePercent;
+    int16_t tabNotePercent;
+    int16_t smallNotePercent;
+    int16_t chordSymbolPercent;
+    int16_t tupletNumberPercent;
+    int32_t stemWidth;
+    int32_t staffLineWidth;
+    int32_t barlineWidth;
+    int32_t ledgerLineWidth;
+    int16_t ledgerLeftHalf;
+    int16_t ledgerRightHalf;
+    int16_t ledgerLeftRestHalf;
+    int16_t ledgerRightRestHalf;
+    int32_t beamWidth;
+    int16_t brokenBeamLength;
+    int16_t stemLength;
+    int16_t shortStemLength;
+    int16_t halfStemLength;
+    int32_t enclosureWidth;
+    int32_t graceSlashWidth;
+    int16_t slashGraceNotes;   // kept as "grace notes without slash"
+    int16_t graceSlashAngle;   // degrees (0 to 255)
+};
+static_assert(sizeof(EDTSizePrefs) == 60, "EDTSizePrefs is 60 bytes");
+
+// 'pfSS', 100 bytes: slurs, ties, hairpins and lines.
+struct EDTSmartShapePrefs {
+    int16_t slurStartThicknessX;
+    int16_t slurStartThicknessY;
+    int16_t slurMiddleThicknessX;
+    int16_t slurMiddleThicknessY;
+    int16_t slurEndThicknessX;
+    int16_t slurEndThicknessY;
+    int16_t tieStartThicknessX;
+    int16_t tieStartThicknessY;
+    int16_t tieMiddleThicknessX;
+    int16_t tieMiddleThicknessY;
+    int16_t tieEndThicknessX;
+    int16_t tieEndThicknessY;
+    int16_t slurSpaceAround;
+    int16_t slurAvoidAccidentals;   // kept as "slurs cross accidentals"
+    int16_t slurInset;
+    int32_t slurMaximumStretch;
+    int16_t slurSystemBreakOffset;
+    int32_t hairpinOpening;
+    int32_t hairpinShortOpening;
+    int32_t hairpinLineWidth;
+    int32_t lineWidth;
+    int16_t dashLength;
+    int16_t dashSpace;
+    int16_t hookLength;
+    int16_t showOctaveNumbers;   // kept as "hide the ottava's number"
+    int32_t glissandoLineWidth;
+    int16_t trillCharacter;   // character code (0 to 255)
+    int16_t trillFont;
+    int16_t bendArrowStyle;
+    int16_t articulationsAvoidSlurs;   // kept as "articulations under slurs"
+    int16_t bendHeight;
+    int16_t bendWidth;
+    int16_t bendReleaseWidth;
+    int32_t tabSlideWidth;
+    int16_t tabSlideStyle;   // 0 to 255
+    int16_t engraverSlurs;   // kept as "plain slurs"
+    int16_t engraverSlurMaxAngle;
+    int16_t engraverSlurSymmetry;
+    int16_t engraverSlurMaxLift;
+    int16_t engraverSlurMinHeight;
+    int16_t engraverSlurAccidentalSpace;
+    int16_t hairpinBreakInset;   // where a hairpin crosses a system break
+    int16_t hairpinShortSpan;    // spans shorter than this open less
+};
+static_assert(sizeof(EDTSmartShapePrefs) == 100, "EDTSmartShapePrefs is 100 bytes");
+
 #pragma pack(pop)
 
 // ---- Lookups --------------------------------------------------------------------------------------
 
-// The field map of a preference record: 'pfPL', 'pfPB', and 'pfPF' number 0. False for every
-// other tag, among them the preferences this host does not keep in pieces.
+// The field map of a preference record: 'pfDP', 'pfEX', 'pfMS', 'pfPB', 'pfPL', 'pfRP', 'pfSI',
+// 'pfSS', and 'pfPF' number 0. False for every other tag and number.
 bool mapPrefStruct(EXTAG tag, int16_t cmper, PREFERENCE_LOCATION_MAPRECORD** map, int16_t* rows);
 
 // The array form of a preference record: `count` 12-byte records of `otherTag` from incidence

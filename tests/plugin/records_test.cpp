@@ -9,6 +9,9 @@
 
 #include <array>
 #include <cstring>
+#include <set>
+#include <tuple>
+#include <vector>
 
 using namespace plugin_test;
 
@@ -203,9 +206,66 @@ TEST(PluginPreferenceMaps, ArrayRowsAndTheirRanges)
         EXPECT_FALSE(mapPrefTag(tag, static_cast<int16_t>(cmper), &other, &count, &first)) << cmper;
         EXPECT_EQ(other, 0u);
     }
-    for (const char* tag : {"pfDP", "pfEX", "pfMS", "pfRP", "pfSI", "pfSS"}) {   // not kept in pieces
-        EXPECT_FALSE(mapPrefStruct(MakeTag(tag[0], tag[1], tag[2], tag[3]), 0, nullptr, nullptr)) << tag;
+}
+
+// Every field map covers its record exactly once, gives each field words of its own, and a record
+// saved through it into the host's "other" records loads back unchanged.
+TEST(PluginPreferenceMaps, EveryFieldMapRoundTripsThroughTheHostsOtherRecords)
+{
+    struct Case {
+        EXTAG tag;
+        int16_t rows;
+        int32_t size;
+    };
+    for (const Case& c : {Case{Tag("pfDP"), 36, 72}, Case{Tag("pfEX"), 25, 52}, Case{Tag("pfMS"), 49, 102},
+                          Case{Tag("pfPB"), 11, 44}, Case{Tag("pfPF"), 22, 48}, Case{Tag("pfPL"), 7, 14},
+                          Case{Tag("pfRP"), 20, 40}, Case{Tag("pfSI"), 23, 60}, Case{Tag("pfSS"), 43, 100}}) {
+        const std::string label = stavio::TagText(c.tag);
+        PREFERENCE_LOCATION_MAPRECORD* map = nullptr;
+        int16_t rows = 0;
+        ASSERT_TRUE(mapPrefStruct(c.tag, 0, &map, &rows)) << label;
+        ASSERT_EQ(rows, c.rows) << label;
+        std::vector<int> byteUse(static_cast<size_t>(c.size));
+        std::set<std::tuple<char, char, int, int, int>> words;
+        for (int i = 0; i < rows; ++i) {
+            const PREFERENCE_LOCATION_MAPRECORD& row = map[i];
+            for (int b = 0; b < row.bytesize; ++b) ++byteUse.at(static_cast<size_t>(row.structOffset + b));
+            for (int w = 0; w < row.bytesize / 2; ++w) {
+                EXPECT_TRUE(
+                    words.emplace(row.firstChar, row.secondChar, row.cmper, row.inci, row.offsetInInci + w).second)
+                    << label << " row " << i;
+                EXPECT_LT(row.offsetInInci + w, 6) << label << " row " << i;
+            }
+        }
+        EXPECT_EQ(byteUse, std::vector<int>(byteUse.size(), 1)) << label << ": each byte in exactly one field";
+
+        HostSession session;
+        EDataID key = Key(0);
+        int32_t size = 0;
+        EXPECT_EQ(SX_LoadEData(c.tag, &key, nullptr, &size, kPluginApiVersion), 1);
+        EXPECT_EQ(size, c.size) << label;
+        // A value for each field that its conversion can carry: flags 0/1, bytes 0-255, words and
+        // 32-bit values with their high bits set.
+        std::vector<char> record(static_cast<size_t>(c.size));
+        for (int i = 0; i < rows; ++i) {
+            const PREFERENCE_LOCATION_MAPRECORD& row = map[i];
+            char* field = record.data() + row.structOffset;
+            if (row.bytesize == 4) {
+                const auto value = static_cast<int32_t>(0x80010000u + static_cast<uint32_t>(i) * 0x00030005u);
+                std::memcpy(field, &value, sizeof(value));
+                continue;
+            }
+            int16_t value = static_cast<int16_t>(-1000 + 37 * i);
+            if (row.conversion == MC_INVERTBOOL) value = static_cast<int16_t>(i % 2);
+            if (row.conversion == MC_SIGNEDBYTE) value = static_cast<int16_t>(200 + i);
+            std::memcpy(field, &value, sizeof(value));
+        }
+        ASSERT_EQ(SX_SaveEData(c.tag, &key, record.data(), c.size, kPluginApiVersion), 1) << label;
+        std::vector<char> loaded(static_cast<size_t>(c.size), '\x5a');
+        ASSERT_EQ(SX_LoadEData(c.tag, &key, loaded.data(), &size, kPluginApiVersion), 1) << label;
+        EXPECT_EQ(loaded, record) << label;
     }
+    EXPECT_FALSE(mapPrefStruct(Tag("pfPF"), 1, nullptr, nullptr));
 }
 
 TEST(PluginPreferenceSave, OnlyNewCallersMapAndOnlyChangedRecordsAreWritten)
@@ -229,6 +289,14 @@ TEST(PluginPreferenceSave, OnlyNewCallersMapAndOnlyChangedRecordsAreWritten)
     ASSERT_EQ(Save(Tag("pfPF"), page), 1);
     EXPECT_EQ(tap.Saves(), 0u);
 
+    // A kept flag word other than 0 and 1 is rewritten when it is not the word the field gives.
+    PutOther(doc, Tag("ot71"), 0, Words(96, 144, 150, 160, 170, 2));
+    ASSERT_EQ(Load(Tag("pfPF"), 0, page), 1);
+    ASSERT_EQ(page.facingPages, 0);
+    ASSERT_EQ(Save(Tag("pfPF"), page), 1);
+    EXPECT_EQ(Ints(tap.Saves(), GetOther(doc, Tag("ot71")).words[5]), Ints(1, 1));
+
+    tap.calls.clear();
     page.rightPageTopMargin = 50;
     page.facingPages = 1;
     page.firstPageSystemCount = 0x1ff;
