@@ -32,12 +32,11 @@ void LoadRememberedOptions()
     if (GetSettings(kSettingsId, buffer, kSettingsBufferSize, kPrefsFileName) > 0 && buffer[0] != '\0') {
         buffer[kSettingsBufferSize - 1] = '\0';
         long value = 0;
+        // Only 0 and 1 are options; anything else, judged on the whole number read and not on its
+        // low 32 bits (4294967296 is no 0), falls back to 1.
         if (std::sscanf(buffer, "%ld", &value) == 1) {
-            initFlag = static_cast<uint32_t>(value);
+            initFlag = value == 0 ? 0u : 1u;
         }
-    }
-    if (initFlag > 1) {
-        initFlag = 1;
     }
 }
 

@@ -76,10 +76,22 @@ TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 
 TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
 {
+    // Any number but 0 and 1 is 1, judged on the whole number and not on its low 32 bits.
+    using namespace std::string_literals;
     const std::vector<std::pair<std::string, uint32_t>> cases = {
-        {std::string("0\0", 2), 0u},  {std::string("1\0", 2), 1u}, {std::string("7\0", 2), 1u},
-        {std::string("-1\0", 3), 1u}, {std::string(), 1u},         {std::string("zero\0", 5), 1u},
-        {std::string("0"), 0u},
+        {"0\0"s, 0u},
+        {"1\0"s, 1u},
+        {"2\0"s, 1u},
+        {"4294967295\0"s, 1u},
+        {"4294967296\0"s, 1u},
+        {"4294967297\0"s, 1u},
+        {"-4294967296\0"s, 1u},
+        {"99999999999999999999\0"s, 1u},
+        {"-1\0"s, 1u},
+        {""s, 1u},
+        {"zero\0"s, 1u},
+        {" 0 and more\0"s, 0u},
+        {"0"s, 0u},   // no terminator
     };
     for (const auto& [text, expected] : cases) {
         CoreHost session(Score(kPianoAndDrums));
