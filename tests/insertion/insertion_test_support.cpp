@@ -128,9 +128,10 @@ std::vector<int32_t> InsertionTest::AlertIds(bool styles) const
     return ids;
 }
 
-bool InsertionTest::HostImports() const
+bool InsertionTest::EveryImportAnswered() const
 {
-    return std::any_of(gCalls.begin(), gCalls.end(), [](const ImportCall& c) { return c.answer == 1; });
+    return !gCalls.empty() &&
+           std::all_of(gCalls.begin(), gCalls.end(), [](const ImportCall& c) { return c.answer == 1; });
 }
 
 }   // namespace insertion_test

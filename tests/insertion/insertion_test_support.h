@@ -43,7 +43,7 @@ protected:
     // Runs the driver; every run must hand back its frames and take its temporary file away.
     bool Run(int style = 0, uint32_t options = 0, int staff = 0);
     std::vector<int32_t> AlertIds(bool styles = false) const;
-    bool HostImports() const;
+    bool EveryImportAnswered() const;   // the host's import was asked and answered 1 each time
 
     support::TempFolder temp;
     const std::string folder = temp.Path();

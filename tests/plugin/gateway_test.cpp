@@ -136,6 +136,11 @@ int32_t RecordShowHide(EDLG, int32_t, int32_t, EVERSION)
 {
     return ++gShowHideCalls;
 }
+int gHostControl = 0;   // stands for the host's answer to SX_GetDlgCntl
+ECONTROL HostControl(EDLG, int32_t, EVERSION)
+{
+    return static_cast<ECONTROL>(&gHostControl);
+}
 }   // namespace
 
 // The older pose is a host of version 0x08ffffff: slots 77-105 are empty.
@@ -170,7 +175,9 @@ TEST(PluginVersionGated, DialogItemCallsUseTheHostOnlyAboveTheirVersion)
     EXPECT_EQ(SX_ShowHideDlgItem(nullptr, 3, 1, 0x0b020000), 1);
     gStavioFuncs.SX_ShowHideDlgItem = nullptr;   // not seen: the slot was taken on the first call
     EXPECT_EQ(SX_ShowHideDlgItem(nullptr, 3, 1, kPluginApiVersion), 2);
-    EXPECT_EQ(SX_GetDlgCntl(nullptr, 3, 0x0b01ffff), nullptr);
+    gStavioFuncs.SX_GetDlgCntl = &HostControl;
+    EXPECT_EQ(SX_GetDlgCntl(nullptr, 3, 0x0b01ffff), nullptr);   // the toolbox finds no dialog
+    EXPECT_EQ(SX_GetDlgCntl(nullptr, 3, 0x0b020000), static_cast<ECONTROL>(&gHostControl));
 }
 
 TEST(PluginCallbacks, OlderHostGetsATransitionVectorNewerTheHandlerItself)

@@ -1,4 +1,5 @@
 // Slash notation added and removed over regions of a host document.
+#include "tamberlyne/host/gateway.h"
 #include "tamberlyne/score/remove_slash_notation.h"
 #include "tamberlyne/score/slash_notation.h"
 #include "tests/score/score_test_support.h"
@@ -13,6 +14,16 @@ using score_test::Region;
 namespace {
 
 constexpr int32_t kEnd = kEndOfMeasure;
+
+SXInsertEXENTRYProc gHostInsert = nullptr;
+
+// A host that leaves the entries it inserts at position 0: the plug-in places its rests itself.
+int32_t InsertUnplaced(EXQVF2005a* frame, int32_t index, int32_t count, EVERSION version)
+{
+    const int32_t done = gHostInsert(frame, index, count, version);
+    for (int32_t i = index; done != 0 && i < index + count; ++i) frame->pent[i].elldur = 0;
+    return done;
+}
 
 struct Meter {
     int16_t beats;
@@ -48,6 +59,8 @@ TEST_P(SlashNotation, FillsEmptyMeasuresWithBeatRestsAndAssignsTheStyle)
 {
     const Meter meter = GetParam();
     Start(stavio::DocumentBuilder().Measures(3, meter.beats, meter.divbeat).Staff("Drums").Staff("Bass").Build());
+    gHostInsert = gStavioFuncs.SX_InsertEXENTRY;
+    gStavioFuncs.SX_InsertEXENTRY = &InsertUnplaced;
     Add(Region(1, 2, 1, 2));
     for (int inst : {1, 2}) {
         ExpectBeatRests(inst, 1, meter.rests, meter.length);
