@@ -146,6 +146,17 @@ TEST_F(Driver, ATemporaryFileThatCannotBeWrittenLeavesTheScoreYetSucceeds)
               score_test::Ints(1, 0, 0, 0));
 }
 
+TEST_F(Driver, ARegionEndingAtTheLastMeasureTurnsHumanPlaybackOffOnly)
+{
+    StartOn(DocumentBuilder().Measures(4).Staff("Drums").Build(), 3, 4);
+    UseLibraryGroove("Rock 8ths");
+    EXPECT_TRUE(Run());
+    EXPECT_EQ((std::vector<std::vector<int>>{Labels(1, 2), Labels(1, 3), Labels(1, 4), Labels(1, 5)}),
+              (std::vector<std::vector<int>>{{}, {17}, {}, {}}));
+    for (int16_t expression = 1; stavio::ReadTextExpression(doc(), expression); ++expression)
+        EXPECT_NE(stavio::ReadTextExpression(doc(), expression)->text, "<HP on>");
+}
+
 TEST_F(Driver, ANewStaffGoesBelowTheOthersWithItsOwnLook)
 {
     StartOn(DocumentBuilder().Measures(4).Staff("Piano").Staff("Bass").Build(), 2, 3);

@@ -62,13 +62,16 @@ TEST_F(StaffPreparation, PutClefSetsTheRegionsMeasuresAndAsksOnlyAboutAPercussio
 
 TEST_F(StaffPreparation, MakeDrumStyleSetsClefsFromMeasureOneOrOnANewStaffOnly)
 {
-    // (first measure, options word) -> clefs, instflag
+    // (first measure, options word) -> clefs, instflag; the staff's own clefs are 0x0303
     for (const auto& [firstMeas, options, clefs, instflag] :
-         std::vector<std::array<int, 4>>{{1, 0, 0x0C0C, 0x0020}, {5, 0, 0, 0x0020}, {5, 1, 0x0C0C, 0x0420}}) {
+         std::vector<std::array<int, 4>>{{1, 0, 0x0C0C, 0x0020}, {5, 0, 0x0303, 0x0020}, {5, 1, 0x0C0C, 0x0420}}) {
         Start(stavio::DocumentBuilder().Measures(8).Staff("Drums").Build(), Region(1, 1, uint16_t(firstMeas), 8),
               uint32_t(options));
-        MakeDrumStyle(1);
         EDTStaffSpec2003 s;
+        ASSERT_TRUE(score_test::ReadOther(doc(), kTagStaffSpec, 1, 0, s));
+        s.clefs = 0x0303;
+        ASSERT_TRUE(doc().Write(kTagStaffSpec, stavio::RecordKey::Other(1, 0), s));
+        MakeDrumStyle(1);
         EDTDrumStaff drum;
         ASSERT_TRUE(score_test::ReadOther(doc(), kTagStaffSpec, 1, 0, s));
         ASSERT_TRUE(score_test::ReadOther(doc(), kTagDrumStaff, 1, 0, drum));

@@ -86,6 +86,25 @@ TEST_P(GrooveDialog, CancelSetsTheCancelBitAndChangesNothing)
     EXPECT_TRUE(session.AllNotes().empty()) << session.AllNotes();
 }
 
+// OK fills the measures inside one edit bracket: one undo step, named for the plug-in, that
+// takes the whole fill back.
+TEST_P(GrooveDialog, OKFillsAsOneUndoStepNamedForThePlugIn)
+{
+    BundleHost session(Session({"Rock.mid"}));
+    std::filesystem::copy_file(BuildDir() + "/bin/Tamberlyne/Rock 8ths.mid",
+                               session.application / "Tamberlyne/Rock.mid",
+                               std::filesystem::copy_options::overwrite_existing);
+    stavio::Document& doc = session.host.document();
+    const stavio::RecordStore before = doc.Records();
+    EXPECT_EQ(session.Fill({DialogAction::ClickListRowNamed(4, "Rock"), DialogAction::PressItem(1)}, &kWholeScore), 1);
+    EXPECT_TRUE(session.frontEnd.Alerts().empty());
+    EXPECT_EQ(Ints(doc.EditDepth(), doc.UndoCount()), Ints(0, 1));
+    EXPECT_EQ(doc.UndoName(), "Tamberlyne Plug-In");
+    EXPECT_FALSE(doc.Records() == before);
+    ASSERT_TRUE(doc.Undo());
+    EXPECT_TRUE(doc.Records() == before);
+}
+
 TEST_P(GrooveDialog, OKWithoutAGrooveAlertsAndStaysOpen)
 {
     BundleHost session(Session({"Rock.mid", "Funk.mid"}));
