@@ -7,13 +7,6 @@
 
 using stavio::HostPose;
 
-namespace stavio {
-void PrintTo(HostPose pose, std::ostream* out)
-{
-    *out << (pose == HostPose::Older ? "older host" : "newer host");
-}
-}   // namespace stavio
-
 namespace {
 
 std::string MenuText(size_t entry)

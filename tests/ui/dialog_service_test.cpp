@@ -202,10 +202,8 @@ TEST_F(DialogService, SendsEachActionAsTheProgramsMessageAndClosesLast)
                             table_.SX_EndDialog(gProbe.dialog, 1, kPluginApiVersion),
                             table_.SX_SetTimer(gProbe.dialog, 1, 10, kPluginApiVersion)),
               support::Ints(0, 0, 0));
-}
 
-TEST_F(DialogService, TheOlderPoseCallsThroughTheTransitionVector)
-{
+    ResetProbe();   // the older pose calls through the transition vector
     EXPECT_EQ(RunScript({DialogAction::PressItem(1)}, HostPose::Older), 7);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "paint", "command 1", "close"}));
 }
@@ -289,6 +287,15 @@ TEST_F(DialogService, AHiddenDialogWithATimerEndsOnItsTick)
     EXPECT_EQ(RunScript({DialogAction::PressItem(1)}), 2);
     EXPECT_EQ(gProbe.messages, (Messages{"init", "close request", "command 2", "close"}));
     support::ExpectHas(Notes(), {"did not show the dialog"});
+
+    // At the terminal the same dialog waits for its timer, showing nothing.
+    ResetProbe();
+    gProbe.show = false;
+    gProbe.timerPeriod = 20;
+    Terminal person("");
+    EXPECT_EQ(Run(person.frontEnd), 0);
+    EXPECT_EQ(gProbe.messages, (Messages{"init", "timer 1", "close"}));
+    EXPECT_TRUE(person.out.str().empty()) << person.out.str();
 }
 
 TEST_F(DialogService, TheCloseBoxFallsBackOnCancelAndThenEndsTheDialogItself)
@@ -381,14 +388,4 @@ TEST(TerminalFrontEnd, AsksQuestionsUntilAnsweredAndShowsNotices)
     EXPECT_EQ(person.out.str(),
               "\nQuestion: Fill everything?\nYes or No? [y/n] Yes or No? [y/n] \nStop: Choose a groove.\n"
               "\nQuestion: Replace?\nYes or No? [y/n] ");
-}
-
-TEST_F(DialogService, AHiddenDialogAtTheTerminalWaitsForItsTimer)
-{
-    gProbe.show = false;
-    gProbe.timerPeriod = 20;
-    Terminal person("");
-    EXPECT_EQ(Run(person.frontEnd), 0);
-    EXPECT_EQ(gProbe.messages, (Messages{"init", "timer 1", "close"}));
-    EXPECT_TRUE(person.out.str().empty()) << person.out.str();
 }
