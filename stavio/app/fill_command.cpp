@@ -263,7 +263,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     if (plugin == host.Plugins().size()) {
         err << "tamberlyne: the Tamberlyne plug-in is not in " << host.PluginFolder() << "\n";
         for (const PluginFailure& failure : host.Failures()) {
-            err << "tamberlyne: cannot load plug-in " << failure.path << ": " << failure.reason << "\n";
+            err << "tamberlyne: cannot load plug-in " << failure.message << "\n";
         }
         return kExitFailure;
     }
