@@ -161,12 +161,12 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
 
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
-    FillOptions options;
-    std::string error;
-    if (!ParseFillOptions(line.arguments, options, error)) {
-        err << "tamberlyne: " << error << "\n\n" << FillUsageText();
+    const toolbox::Result<FillOptions> parsed = ParseFillOptions(line.arguments);
+    if (!parsed) {
+        err << "tamberlyne: " << parsed.Message() << "\n\n" << FillUsageText();
         return kExitUsage;
     }
+    const FillOptions& options = *parsed;
     if (options.measures && options.measures->last > kDemoMeasures) {
         err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
             << "-" << options.measures->last << " goes past its end\n";
@@ -175,10 +175,12 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
 
     FillReport report;
     report.selection = options.measures;
-    if (!ResolveGrooveLibrary(options.library, BundledLibraryFolder(), report.library, error)) {
-        err << "tamberlyne: " << error << "\n";
+    toolbox::Result<GrooveLibrary> library = ResolveGrooveLibrary(options.library, BundledLibraryFolder());
+    if (!library) {
+        err << "tamberlyne: " << library.Message() << "\n";
         return kExitFailure;
     }
+    report.library = std::move(*library);
     if (toolbox::IsFolder(report.library.folder) && !IsWritableFolder(report.library.folder)) {
         err << "tamberlyne: the groove folder " << report.library.folder
             << " is read-only; the plug-in writes its temporary MIDI file there. Make it writable or use "
