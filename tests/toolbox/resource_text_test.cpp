@@ -182,13 +182,19 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
     for (const auto& [text, expected] : cases) EXPECT_EQ(ParseError(text), expected);
 }
 
-TEST(ResourceText, AFailedParseKeepsWhatWasThere)
+TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
 {
     ResourceFile file;
     ASSERT_TRUE(file.Parse("resource 'STR ' 1 {\n    text = \"kept\"\n}\n", "good"));
     EXPECT_FALSE(file.Parse("resource 'STR ' 2 {\n", "bad"));
     ASSERT_EQ(file.All().size(), 1u);
     EXPECT_EQ(file.All()[0].data, Bytes("kept"));
+
+    const Status saved = SaveResourceFile("/nonexistent-folder/saved.rsrc", file);
+    EXPECT_EQ(saved.Code(), kDirNotFound);
+    EXPECT_EQ(saved.Message(), "/nonexistent-folder/saved.rsrc: folder not found");
+    const Result<ResourceFile> loaded = LoadResourceFile("/nonexistent-folder/saved.rsrc");
+    EXPECT_EQ(loaded.Message(), saved.Message());
 }
 
 TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
