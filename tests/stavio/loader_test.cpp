@@ -10,6 +10,7 @@
 
 #include <filesystem>
 #include <fstream>
+#include <memory>
 #include <optional>
 
 namespace stavio {
@@ -64,7 +65,8 @@ const PluginFailure* FailureFor(const Host& host, const std::string& bundleName)
     return nullptr;
 }
 
-// Each broken bundle is told with a message that names it, and leaves nothing open behind.
+// Each broken bundle is told with a message that names it, and leaves nothing open behind; a
+// plug-in that started before its load failed is terminated first.
 TEST(StavioPluginLoader, ReportsEachBrokenBundleByNameAndReleasesWhatItOpened)
 {
     test::TempFolder folder;
@@ -77,15 +79,23 @@ TEST(StavioPluginLoader, ReportsEachBrokenBundleByNameAndReleasesWhatItOpened)
         test::MakeBundle(folder.Path(), "Unreadable", test::TestModulePath("probe_plugin"), false);
     std::ofstream(broken + "/Resources/Unreadable.rsrc") << "resource 'STR#' 20000 {\n    1 = oops\n}\n";
     test::MakeBundle(folder.Path(), "Unresourced", test::TestModulePath("probe_plugin"), false);
+    const std::string menuless =
+        test::MakeBundle(folder.Path(), "Menuless", test::TestModulePath("probe_plugin"), false);
+    test::WriteStringList(menuless + "/Resources/Menuless.rsrc", 20001, {"no menu texts here"});
     test::MakeBundle(folder.Path(), "Probe", test::TestModulePath("probe_plugin"));
     std::filesystem::create_directory(folder.Path() + "/NotABundle");
     std::ofstream(folder.Path() + "/Loose.bundle") << "a file, not a folder\n";
 
     Host host(HostSettings{HostPose::Newer, folder.Path(), ""});
+    // Held here so that its count of terminations can be read once the host lets go. "Menuless"
+    // loads before "Probe" (name order), so that no file in the chain lends it menu texts.
+    auto startedProbe = std::make_unique<ProbeView>(menuless + "/libMenuless.so", true);
     EXPECT_EQ(host.LoadPlugins(), 1u);
     ASSERT_EQ(host.Plugins().size(), 1u);
     EXPECT_EQ(host.Plugins()[0].MenuItem(), "Probe Command");
-    EXPECT_EQ(host.Failures().size(), 6u);
+    EXPECT_EQ(host.Failures().size(), 7u);
+    EXPECT_EQ(startedProbe->Ask<int>("ProbeTerminateCalls"), 1);
+    startedProbe.reset();
 
     struct Expected {
         const char* bundle;
@@ -98,7 +108,8 @@ TEST(StavioPluginLoader, ReportsEachBrokenBundleByNameAndReleasesWhatItOpened)
           Expected{"Refuses", "its main entry refused to start (returned 0)"},
           Expected{"Unreadable", "cannot open the resource file " + broken +
                                      "/Resources/Unreadable.rsrc:2: expected a quoted string, found 'oops'"},
-          Expected{"Unresourced", "the bundle holds no resource file (Resources/*.rsrc)"}}) {
+          Expected{"Unresourced", "the bundle holds no resource file (Resources/*.rsrc)"},
+          Expected{"Menuless", "it offers no menu command (enumerate returned 0)"}}) {
         const std::string bundle = folder.Path() + "/" + expected.bundle + ".bundle";
         const PluginFailure* failure = FailureFor(host, std::string(expected.bundle) + ".bundle");
         ASSERT_NE(failure, nullptr) << expected.bundle;
@@ -110,23 +121,6 @@ TEST(StavioPluginLoader, ReportsEachBrokenBundleByNameAndReleasesWhatItOpened)
     EXPECT_EQ(MenuTextInChain(folder.Path()), "Probe Command") << "only the plug-in that loaded stays";
     host.UnloadPlugins();
     EXPECT_EQ(MenuTextInChain(folder.Path()), std::nullopt);
-}
-
-// A plug-in that starts but offers no command is terminated, and its file and module released.
-TEST(StavioPluginLoader, APlugInThatStartedIsTerminatedWhenItsLoadFails)
-{
-    test::TempFolder folder;
-    const std::string bundle = test::MakeBundle(folder.Path(), "Unlisted", test::TestModulePath("probe_plugin"), false);
-    test::WriteStringList(bundle + "/Resources/Unlisted.rsrc", 20001, {"no menu texts here"});
-    Host host(HostSettings{HostPose::Newer, folder.Path(), ""});
-    const std::string modulePath = bundle + "/libUnlisted.so";
-    {
-        const ProbeView probe(modulePath, true);
-        EXPECT_FALSE(host.LoadBundle(bundle));
-        EXPECT_EQ(host.Failures().at(0).message, bundle + ": it offers no menu command (enumerate returned 0)");
-        EXPECT_EQ(probe.Ask<int>("ProbeTerminateCalls"), 1);
-    }
-    EXPECT_FALSE(IsLoaded(modulePath)) << "the host let go of the module";
 }
 
 // The loaded module has one owner: a move hands it on, and it terminates and closes once.

@@ -31,6 +31,8 @@ protected:
                                                      "resource 'DLOG' 7 {\n"
                                                      "    item 1 = button 10 10 50 30 \"Go\"\n"
                                                      "    item 2 = static 10 40 90 70\n"
+                                                     "    item 3 = popup 10 72 90 90 \"Style:\"\n"
+                                                     "    entries 3 = \"Drums\" \"Clef\" \"Slashes\"\n"
                                                      "}\n");
         ASSERT_GT(OpenResFile(FileSpec{folder_.Path(), "dialogs.rsrc"}, true), 0);
         const Result<Dialog*> made = NewDialog(kGrooveLayout);
@@ -65,10 +67,13 @@ TEST_F(ToolboxDialogs, AreBuiltFromTheLayoutResourceInTheChain)
     EXPECT_EQ(dialog_->Item(7), nullptr);
     EXPECT_EQ(dialog_->Port().VisibleRegion(), dialog_->ContentRect());
 
-    // Without a size the content area is the items' extent.
+    // Without a size the content area is the items' extent; a pop-up's entries come from the layout.
     const Result<Dialog*> small = NewDialog(7);
     ASSERT_TRUE(small);
-    EXPECT_EQ((*small)->ContentRect(), (DialogRect{0, 0, 90, 70}));
+    EXPECT_EQ((*small)->ContentRect(), (DialogRect{0, 0, 90, 90}));
+    const DialogItem* popup = (*small)->Item(3);
+    EXPECT_EQ(Ints(popup->MenuEntryCount(), popup->Maximum(), popup->Value()), Ints(3, 3, 1));
+    EXPECT_EQ(*popup->MenuEntryText(3), "Slashes");
 }
 
 TEST_F(ToolboxDialogs, MissingOrBrokenLayoutsAreRefusedWithAReason)
@@ -203,22 +208,4 @@ TEST(ToolboxMouseDownWords, CarryYAndModifiersBothWays)
         EXPECT_EQ(Ints(MouseDownY(word), MouseDownModifiers(word)), Ints(y, kShiftKey | kCommandKey));
     }
     EXPECT_EQ(MouseDownModifiers(PackMouseDownWord(-1, kNoModifiers)), kNoModifiers);
-}
-
-TEST(ToolboxDialogLayouts, PopUpEntriesComeFromTheLayout)
-{
-    Resource layoutResource;
-    layoutResource.type = kDialogLayoutType;
-    layoutResource.id = 40;
-    layoutResource.strings = {"item 11 = popup 0 0 100 20 \"Style:\"",
-                              "entries 11 = \"Drum staff\" \"Percussion clef\" \"Slash notation\""};
-    const Result<DialogLayout> layout = ReadDialogLayout(layoutResource);
-    ASSERT_TRUE(layout) << layout.Message();
-    Dialog* dialog = NewDialogFromLayout(*layout);
-    ASSERT_NE(dialog, nullptr);
-    const DialogItem* popup = dialog->Item(11);
-    ASSERT_EQ(popup->MenuEntryCount(), 3);
-    EXPECT_EQ(*popup->MenuEntryText(3), "Slash notation");
-    EXPECT_EQ(Ints(popup->Maximum(), popup->Value()), Ints(3, 1));
-    DisposeAllDialogs();
 }
