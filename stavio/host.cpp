@@ -150,7 +150,8 @@ size_t Host::LoadPlugins()
     const std::string folder = PluginFolder();
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error)) {
-        impl_->failures.push_back(PluginFailure{folder, "the plug-in folder does not exist or is not a folder"});
+        impl_->failures.push_back(
+            PluginFailure{folder, folder + ": the plug-in folder does not exist or is not a folder"});
         return 0;
     }
     size_t loaded = 0;
@@ -163,13 +164,13 @@ size_t Host::LoadPlugins()
 bool Host::LoadBundle(const std::string& bundlePath)
 {
     MakeCurrent();
-    std::string reason;
-    auto module = LoadPluginModule(bundlePath, impl_->table, impl_->settings.pose, impl_->Window(), reason);
+    toolbox::Result<PluginModule> module =
+        LoadPluginModule(bundlePath, impl_->table, impl_->settings.pose, impl_->Window());
     if (!module) {
-        impl_->failures.push_back(PluginFailure{bundlePath, reason});
+        impl_->failures.push_back(PluginFailure{bundlePath, module.Message()});
         return false;
     }
-    impl_->plugins.push_back(module->info);
+    impl_->plugins.push_back(module->Info());
     impl_->modules.push_back(std::move(*module));
     return true;
 }
@@ -177,10 +178,10 @@ bool Host::LoadBundle(const std::string& bundlePath)
 void Host::UnloadPlugins()
 {
     MakeCurrent();
-    for (auto module = impl_->modules.rbegin(); module != impl_->modules.rend(); ++module) {
-        UnloadPluginModule(*module);
+    // The newest goes first, as each went into the resource chain after the ones before it.
+    while (!impl_->modules.empty()) {
+        impl_->modules.pop_back();
     }
-    impl_->modules.clear();
     impl_->plugins.clear();
 }
 
@@ -198,15 +199,15 @@ int32_t Host::Invoke(size_t plugin, const EREGION* selection)
     if (plugin >= impl_->modules.size()) {
         return 0;
     }
-    PluginModule& module = impl_->modules[plugin];
+    const PluginModule& module = impl_->modules[plugin];
     MakeCurrent();
     impl_->hasSelection = selection != nullptr;
     impl_->selection = selection != nullptr ? *selection : EREGION{};
     const EREGION documentRegion = impl_->document.WholeRegion();
     int32_t result = 0;
     {
-        ResourceScope scope(module.resFile);
-        result = module.entry.invoke(impl_->Window(), 0, selection, &documentRegion);
+        ResourceScope scope(module.ResFile());
+        result = module.Entry().invoke(impl_->Window(), 0, selection, &documentRegion);
     }
     impl_->hasSelection = false;
     return result;
@@ -217,13 +218,13 @@ int32_t Host::MenuStatus(size_t plugin)
     if (plugin >= impl_->modules.size()) {
         return 0;
     }
-    PluginModule& module = impl_->modules[plugin];
-    if (module.entry.menuStatus == nullptr) {
+    const PluginModule& module = impl_->modules[plugin];
+    if (module.Entry().menuStatus == nullptr) {
         return 1;
     }
     MakeCurrent();
-    ResourceScope scope(module.resFile);
-    return module.entry.menuStatus(nullptr);
+    ResourceScope scope(module.ResFile());
+    return module.Entry().menuStatus(nullptr);
 }
 
 // ---- Requests of the plug-in -----------------------------------------------------------------------------

@@ -48,7 +48,7 @@ struct PluginInfo {
 // A bundle that could not be loaded, and why.
 struct PluginFailure {
     std::string path;
-    std::string reason;
+    std::string message;   // names the bundle and what is wrong with it
 };
 
 // A request to run a dialog, as the host received it.

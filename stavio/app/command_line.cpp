@@ -4,20 +4,19 @@ namespace stavio::app {
 
 namespace {
 
-// "--name=value" or "--name value"; false with an error when the value is missing.
-bool TakeValue(const std::string& option, const std::string& name, int argc, char** argv, int& index,
-               std::string& value, std::string& error)
+using toolbox::Status;
+
+// "--name=value" or "--name value"; a failure when the value is missing.
+toolbox::Result<std::string> TakeValue(const std::string& option, const std::string& name, int argc, char** argv,
+                                       int& index)
 {
     if (option.size() > name.size() && option.compare(0, name.size() + 1, name + "=") == 0) {
-        value = option.substr(name.size() + 1);
-        return true;
+        return option.substr(name.size() + 1);
     }
     if (index + 1 >= argc) {
-        error = "option " + name + " needs a value";
-        return false;
+        return Status::Failure("option " + name + " needs a value");
     }
-    value = argv[++index];
-    return true;
+    return std::string(argv[++index]);
 }
 
 bool IsOption(const std::string& argument, const std::string& name)
@@ -27,43 +26,43 @@ bool IsOption(const std::string& argument, const std::string& name)
 
 }   // namespace
 
-bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& error)
+toolbox::Result<CommandLine> ParseCommandLine(int argc, char** argv)
 {
+    CommandLine line;
     for (int index = 1; index < argc; ++index) {
         const std::string argument = argv[index];
         if (argument == "--help" || argument == "-h") {
             line.help = true;
         } else if (IsOption(argument, "--plugins")) {
-            if (!TakeValue(argument, "--plugins", argc, argv, index, line.settings.pluginFolder, error)) {
-                return false;
+            const toolbox::Result<std::string> folder = TakeValue(argument, "--plugins", argc, argv, index);
+            if (!folder) {
+                return folder.status();
             }
-            if (line.settings.pluginFolder.empty()) {
-                error = "option --plugins needs a folder";
-                return false;
+            if (folder->empty()) {
+                return Status::Failure("option --plugins needs a folder");
             }
+            line.settings.pluginFolder = *folder;
         } else if (IsOption(argument, "--pose")) {
-            std::string pose;
-            if (!TakeValue(argument, "--pose", argc, argv, index, pose, error)) {
-                return false;
+            const toolbox::Result<std::string> pose = TakeValue(argument, "--pose", argc, argv, index);
+            if (!pose) {
+                return pose.status();
             }
-            if (pose == "newer") {
+            if (*pose == "newer") {
                 line.settings.pose = HostPose::Newer;
-            } else if (pose == "older") {
+            } else if (*pose == "older") {
                 line.settings.pose = HostPose::Older;
             } else {
-                error = "option --pose takes \"newer\" or \"older\", not \"" + pose + "\"";
-                return false;
+                return Status::Failure("option --pose takes \"newer\" or \"older\", not \"" + *pose + "\"");
             }
         } else if (argument.size() > 1 && argument[0] == '-' && line.command.empty()) {
-            error = "unknown option \"" + argument + "\"";
-            return false;
+            return Status::Failure("unknown option \"" + argument + "\"");
         } else if (line.command.empty()) {
             line.command = argument;
         } else {
             line.arguments.push_back(argument);
         }
     }
-    return true;
+    return line;
 }
 
 }   // namespace stavio::app

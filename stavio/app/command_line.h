@@ -3,6 +3,7 @@
 #pragma once
 
 #include "stavio/host.h"
+#include "toolbox/status.h"
 
 #include <string>
 #include <vector>
@@ -17,7 +18,7 @@ struct CommandLine {
     bool help = false;
 };
 
-// Parses argv[1..]. On failure returns false and sets `error` to a message for a person.
-bool ParseCommandLine(int argc, char** argv, CommandLine& line, std::string& error);
+// Parses argv[1..]; a failure says what is wrong with the line, for a person.
+toolbox::Result<CommandLine> ParseCommandLine(int argc, char** argv);
 
 }   // namespace stavio::app

@@ -3,6 +3,7 @@
 #include "stavio/app/commands.h"
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
+#include "stavio/app/groove_dialog_script.h"
 #include "stavio/app/groove_library.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
@@ -22,57 +23,7 @@ namespace stavio::app {
 
 namespace {
 
-constexpr int32_t kGrooveDialogId = 20129;
-constexpr int16_t kItemOK = 1;
-constexpr int16_t kItemGrooveList = 4;
-constexpr int16_t kItemNewStaff = 6;
-constexpr int16_t kItemStaffPopup = 8;
-constexpr int16_t kItemStylePopup = 11;
 constexpr char kPluginBundleName[] = "Tamberlyne.bundle";
-
-bool IsNumber(const std::string& text)
-{
-    return !text.empty() && text.size() < 6 &&
-           std::all_of(text.begin(), text.end(), [](unsigned char c) { return std::isdigit(c) != 0; });
-}
-
-// "Rock.mid" names the row "Rock": the list shows names without their extension.
-std::string GrooveRowName(const std::string& groove)
-{
-    if (groove.size() > 4) {
-        std::string extension = groove.substr(groove.size() - 4);
-        std::transform(extension.begin(), extension.end(), extension.begin(),
-                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-        if (extension == ".mid") {
-            return groove.substr(0, groove.size() - 4);
-        }
-    }
-    return groove;
-}
-
-// The dialog as the options fill it in: the groove, the staff, the style, the new-staff radio
-// button, then OK.
-DialogScript ScriptFor(const FillOptions& options)
-{
-    DialogScript script;
-    script.dialogId = kGrooveDialogId;
-    if (options.groove) {
-        script.actions.push_back(DialogAction::ClickListRowNamed(kItemGrooveList, GrooveRowName(*options.groove)));
-    }
-    if (options.staff) {
-        script.actions.push_back(IsNumber(*options.staff)
-                                     ? DialogAction::ChooseEntry(kItemStaffPopup, std::stoi(*options.staff))
-                                     : DialogAction::ChooseEntryNamed(kItemStaffPopup, *options.staff));
-    }
-    if (options.style) {
-        script.actions.push_back(DialogAction::ChooseEntry(kItemStylePopup, static_cast<int>(*options.style) + 1));
-    }
-    if (options.newStaff) {
-        script.actions.push_back(DialogAction::PressItem(kItemNewStaff));
-    }
-    script.actions.push_back(DialogAction::PressItem(kItemOK));
-    return script;
-}
 
 const char* StyleWord(int32_t style)
 {
@@ -210,12 +161,12 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
 
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
-    FillOptions options;
-    std::string error;
-    if (!ParseFillOptions(line.arguments, options, error)) {
-        err << "tamberlyne: " << error << "\n\n" << FillUsageText();
+    const toolbox::Result<FillOptions> parsed = ParseFillOptions(line.arguments);
+    if (!parsed) {
+        err << "tamberlyne: " << parsed.Message() << "\n\n" << FillUsageText();
         return kExitUsage;
     }
+    const FillOptions& options = *parsed;
     if (options.measures && options.measures->last > kDemoMeasures) {
         err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
             << "-" << options.measures->last << " goes past its end\n";
@@ -224,10 +175,12 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
 
     FillReport report;
     report.selection = options.measures;
-    if (!ResolveGrooveLibrary(options.library, BundledLibraryFolder(), report.library, error)) {
-        err << "tamberlyne: " << error << "\n";
+    toolbox::Result<GrooveLibrary> library = ResolveGrooveLibrary(options.library, BundledLibraryFolder());
+    if (!library) {
+        err << "tamberlyne: " << library.Message() << "\n";
         return kExitFailure;
     }
+    report.library = std::move(*library);
     if (toolbox::IsFolder(report.library.folder) && !IsWritableFolder(report.library.folder)) {
         err << "tamberlyne: the groove folder " << report.library.folder
             << " is read-only; the plug-in writes its temporary MIDI file there. Make it writable or use "
@@ -241,7 +194,6 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     const bool interactive = options.interactive || (isatty(STDIN_FILENO) != 0 && !options.groove);
     ScriptedFrontEnd scripted;
     scripted.SetDefaultAnswer(options.answerYes.value_or(false) ? kAlertAnswerYes : kAlertAnswerNo);
-    scripted.SetDialogScript(ScriptFor(options));
     // With --json the dialog is shown on the error stream, so that the output stays one JSON value.
     TerminalFrontEnd terminal(std::cin, options.json ? err : out, STDIN_FILENO);
     FrontEnd& frontEnd = interactive ? static_cast<FrontEnd&>(terminal) : static_cast<FrontEnd&>(scripted);
@@ -263,10 +215,16 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     if (plugin == host.Plugins().size()) {
         err << "tamberlyne: the Tamberlyne plug-in is not in " << host.PluginFolder() << "\n";
         for (const PluginFailure& failure : host.Failures()) {
-            err << "tamberlyne: cannot load plug-in " << failure.path << ": " << failure.reason << "\n";
+            err << "tamberlyne: cannot load plug-in " << failure.message << "\n";
         }
         return kExitFailure;
     }
+    const toolbox::Result<DialogScript> script = GrooveDialogScript(options, host.Plugins()[plugin].resourcePath);
+    if (!script) {
+        err << "tamberlyne: " << script.Message() << "\n";
+        return kExitFailure;
+    }
+    scripted.SetDialogScript(*script);
 
     const Document before = host.document();
     const int32_t staves = before.StaffCount(kMainInstrumentList);

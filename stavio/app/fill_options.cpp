@@ -6,24 +6,23 @@ namespace stavio::app {
 
 namespace {
 
-// "--name=value" or "--name value".
-bool TakeValue(const std::vector<std::string>& arguments, size_t& index, const std::string& name, std::string& value,
-               std::string& error)
+using toolbox::Status;
+
+// "--name=value" or "--name value"; the value may not be empty.
+toolbox::Result<std::string> TakeValue(const std::vector<std::string>& arguments, size_t& index,
+                                       const std::string& name)
 {
     const std::string& argument = arguments[index];
+    std::string value;
     if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
         value = argument.substr(name.size() + 1);
     } else if (index + 1 < arguments.size()) {
         value = arguments[++index];
-    } else {
-        error = "option " + name + " needs a value";
-        return false;
     }
     if (value.empty()) {
-        error = "option " + name + " needs a value";
-        return false;
+        return Status::Failure("option " + name + " needs a value");
     }
-    return true;
+    return value;
 }
 
 bool IsOption(const std::string& argument, const std::string& name)
@@ -46,32 +45,47 @@ bool ReadMeasureNumber(const std::string& text, int& number)
 }
 
 // "5-12" or "7".
-bool ReadMeasureRange(const std::string& text, MeasureRange& range, std::string& error)
+toolbox::Result<MeasureRange> ReadMeasureRange(const std::string& text)
 {
     const size_t dash = text.find('-');
     const std::string first = text.substr(0, dash);
     const std::string last = dash == std::string::npos ? first : text.substr(dash + 1);
+    MeasureRange range;
     if (!ReadMeasureNumber(first, range.first) || !ReadMeasureNumber(last, range.last)) {
-        error = "option --measures takes FIRST-LAST or one measure number, counting from 1 (got \"" + text + "\")";
-        return false;
+        return Status::Failure("option --measures takes FIRST-LAST or one measure number, counting from 1 (got \"" +
+                               text + "\")");
     }
     if (range.last < range.first) {
-        error = "option --measures: the last measure " + last + " comes before the first " + first;
-        return false;
+        return Status::Failure("option --measures: the last measure " + last + " comes before the first " + first);
     }
-    return true;
+    return range;
 }
 
-bool ReadStyle(const std::string& text, GrooveStyle& style, std::string& error)
+toolbox::Result<GrooveStyle> ReadStyle(const std::string& text)
 {
     for (GrooveStyle candidate : {GrooveStyle::DrumStaff, GrooveStyle::PercussionClef, GrooveStyle::Slashes}) {
         if (text == StyleOptionName(candidate)) {
-            style = candidate;
-            return true;
+            return candidate;
         }
     }
-    error = "option --style takes drums, percussion-clef or slashes (got \"" + text + "\")";
-    return false;
+    return Status::Failure("option --style takes drums, percussion-clef or slashes (got \"" + text + "\")");
+}
+
+// The value of option `name` made into what `read` gives, kept in `target`.
+template <typename Target, typename Read>
+Status TakeInto(const std::vector<std::string>& arguments, size_t& index, const std::string& name, Target& target,
+                Read read)
+{
+    const toolbox::Result<std::string> value = TakeValue(arguments, index, name);
+    if (!value) {
+        return value.status();
+    }
+    auto made = read(*value);
+    if (!made) {
+        return made.status();
+    }
+    target = *made;
+    return Status::Ok();
 }
 
 }   // namespace
@@ -86,45 +100,29 @@ const char* StyleOptionName(GrooveStyle style)
     return "drums";
 }
 
-bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& options, std::string& error)
+toolbox::Result<FillOptions> ParseFillOptions(const std::vector<std::string>& arguments)
 {
+    const auto text = [](const std::string& value) { return toolbox::Result<std::string>(value); };
+    FillOptions options;
     for (size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
-        std::string value;
+        Status taken;
         if (IsOption(argument, "--measures")) {
-            MeasureRange range;
-            if (!TakeValue(arguments, index, "--measures", value, error) || !ReadMeasureRange(value, range, error)) {
-                return false;
-            }
-            options.measures = range;
+            taken = TakeInto(arguments, index, "--measures", options.measures, ReadMeasureRange);
         } else if (IsOption(argument, "--groove")) {
-            if (!TakeValue(arguments, index, "--groove", value, error)) {
-                return false;
-            }
-            options.groove = value;
+            taken = TakeInto(arguments, index, "--groove", options.groove, text);
         } else if (IsOption(argument, "--staff")) {
-            if (!TakeValue(arguments, index, "--staff", value, error)) {
-                return false;
-            }
-            options.staff = value;
+            taken = TakeInto(arguments, index, "--staff", options.staff, text);
         } else if (IsOption(argument, "--style")) {
-            GrooveStyle style = GrooveStyle::DrumStaff;
-            if (!TakeValue(arguments, index, "--style", value, error) || !ReadStyle(value, style, error)) {
-                return false;
-            }
-            options.style = style;
+            taken = TakeInto(arguments, index, "--style", options.style, ReadStyle);
         } else if (IsOption(argument, "--library")) {
-            if (!TakeValue(arguments, index, "--library", value, error)) {
-                return false;
-            }
-            options.library = value;
+            taken = TakeInto(arguments, index, "--library", options.library, text);
         } else if (argument == "--new-staff") {
             options.newStaff = true;
         } else if (argument == "--yes" || argument == "--no") {
             const bool yes = argument == "--yes";
             if (options.answerYes && *options.answerYes != yes) {
-                error = "options --yes and --no contradict each other";
-                return false;
+                return Status::Failure("options --yes and --no contradict each other");
             }
             options.answerYes = yes;
         } else if (argument == "--interactive") {
@@ -132,14 +130,16 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
         } else if (argument == "--json") {
             options.json = true;
         } else if (!argument.empty() && argument[0] == '-') {
-            error = "unknown option \"" + argument + "\" for the fill command";
-            return false;
+            return Status::Failure("unknown option \"" + argument + "\" for the fill command");
         } else {
-            error = "the fill command takes no arguments besides its options (got \"" + argument + "\")";
-            return false;
+            return Status::Failure("the fill command takes no arguments besides its options (got \"" + argument +
+                                   "\")");
+        }
+        if (!taken) {
+            return taken;
         }
     }
-    return true;
+    return options;
 }
 
 std::string FillUsageText()

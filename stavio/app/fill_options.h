@@ -1,6 +1,8 @@
 // The options of `tamberlyne fill`.
 #pragma once
 
+#include "toolbox/status.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -30,9 +32,8 @@ struct FillOptions {
     bool json = false;
 };
 
-// Parses the arguments that follow the command. On failure returns false and sets `error` to a
-// message for a person.
-bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& options, std::string& error);
+// Parses the arguments that follow the command; a failure says what is wrong, for a person.
+toolbox::Result<FillOptions> ParseFillOptions(const std::vector<std::string>& arguments);
 
 // "drums", "percussion-clef", "slashes".
 const char* StyleOptionName(GrooveStyle style);

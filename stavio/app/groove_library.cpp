@@ -13,19 +13,19 @@ namespace stavio::app {
 namespace {
 
 namespace fs = std::filesystem;
+using toolbox::Status;
 
 // Copies the files (not the folders) of `from` into a new folder `to`, made whole under a
 // temporary name and renamed into place, so that a library is never left half-filled.
-bool CopyLibrary(const std::string& from, const std::string& to, int& copied, std::string& error)
+toolbox::Result<int> CopyLibrary(const std::string& from, const std::string& to)
 {
     const std::string staging = to + ".partial-" + std::to_string(getpid());
     std::error_code failure;
     fs::remove_all(staging, failure);
     if (!toolbox::EnsureFolder(staging)) {
-        error = "cannot create the folder " + staging;
-        return false;
+        return Status::Failure("cannot create the folder " + staging);
     }
-    copied = 0;
+    int copied = 0;
     for (int index = 1;; ++index) {
         const std::optional<toolbox::FolderItem> item = toolbox::FolderItemAt(from, index);
         if (!item) {
@@ -38,9 +38,8 @@ bool CopyLibrary(const std::string& from, const std::string& to, int& copied, st
         if (toolbox::ReadWholeFile(toolbox::FileSpec{from, item->name}, bytes) != toolbox::kNoErr ||
             toolbox::WriteWholeFile(toolbox::FileSpec{staging, item->name}, bytes.data(), bytes.size()) !=
                 toolbox::kNoErr) {
-            error = "cannot copy " + toolbox::FileSpec{from, item->name}.Path() + " into " + staging;
             fs::remove_all(staging, failure);
-            return false;
+            return Status::Failure("cannot copy " + toolbox::FileSpec{from, item->name}.Path() + " into " + staging);
         }
         ++copied;
     }
@@ -48,11 +47,10 @@ bool CopyLibrary(const std::string& from, const std::string& to, int& copied, st
     if (failure) {
         fs::remove_all(staging, failure);
         if (!toolbox::IsFolder(to)) {
-            error = "cannot put the groove library in place at " + to;
-            return false;
+            return Status::Failure("cannot put the groove library in place at " + to);
         }
     }
-    return true;
+    return copied;
 }
 
 std::string WithoutTrailingSlashes(std::string path)
@@ -63,17 +61,15 @@ std::string WithoutTrailingSlashes(std::string path)
     return path;
 }
 
-bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std::string& error)
+toolbox::Result<GrooveLibrary> ResolveGivenLibrary(const std::string& option)
 {
     std::error_code failure;
     const fs::path given = fs::absolute(WithoutTrailingSlashes(option), failure);
     if (failure || !fs::exists(given, failure)) {
-        error = "the groove library " + option + " does not exist";
-        return false;
+        return Status::Failure("the groove library " + option + " does not exist");
     }
     if (!fs::is_directory(given, failure)) {
-        error = "the groove library " + option + " is not a folder";
-        return false;
+        return Status::Failure("the groove library " + option + " is not a folder");
     }
     // The folder keeps the name it was given (a link named "Tamberlyne" works); only "." and
     // ".." are looked up.
@@ -82,14 +78,14 @@ bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std:
         folder = fs::canonical(given, failure);
     }
     if (folder.filename() != kGrooveFolderName) {
-        error = "the groove library must be a folder named \"" + std::string(kGrooveFolderName) +
-                "\" (the plug-in looks for that name), but " + option + " is named \"" + folder.filename().string() +
-                "\"";
-        return false;
+        return Status::Failure("the groove library must be a folder named \"" + std::string(kGrooveFolderName) +
+                               "\" (the plug-in looks for that name), but " + option + " is named \"" +
+                               folder.filename().string() + "\"");
     }
+    GrooveLibrary library;
     library.folder = folder.string();
     library.applicationFolder = folder.parent_path().string();
-    return true;
+    return library;
 }
 
 }   // namespace
@@ -99,36 +95,37 @@ std::string BundledLibraryFolder()
     return toolbox::FileSpec{toolbox::ApplicationFolder(), kGrooveFolderName}.Path();
 }
 
-bool ResolveGrooveLibrary(const std::optional<std::string>& libraryOption, const std::string& bundled,
-                          GrooveLibrary& library, std::string& error)
+toolbox::Result<GrooveLibrary> ResolveGrooveLibrary(const std::optional<std::string>& libraryOption,
+                                                    const std::string& bundled)
 {
-    library = GrooveLibrary{};
     if (libraryOption) {
-        return ResolveGivenLibrary(*libraryOption, library, error);
+        return ResolveGivenLibrary(*libraryOption);
     }
     const std::string dataFolder = toolbox::UserDataFolder(true);
     if (dataFolder.empty()) {
-        error = "cannot find a folder for the groove library: set XDG_DATA_HOME or HOME, or use --library DIR";
-        return false;
+        return Status::Failure(
+            "cannot find a folder for the groove library: set XDG_DATA_HOME or HOME, or use --library DIR");
     }
+    GrooveLibrary library;
     library.applicationFolder = toolbox::FileSpec{dataFolder, "tamberlyne"}.Path();
     library.folder = toolbox::FileSpec{library.applicationFolder, kGrooveFolderName}.Path();
     if (toolbox::IsFolder(library.folder)) {
-        return true;
+        return library;
     }
     if (!toolbox::IsFolder(bundled)) {
         library.note = "there is no bundled groove library at " + bundled + " to fill " + library.folder + " from";
-        return true;
+        return library;
     }
-    if (!toolbox::EnsureFolder(library.applicationFolder) ||
-        !CopyLibrary(bundled, library.folder, library.filledCount, error)) {
-        if (error.empty()) {
-            error = "cannot create the folder " + library.applicationFolder;
-        }
-        return false;
+    if (!toolbox::EnsureFolder(library.applicationFolder)) {
+        return Status::Failure("cannot create the folder " + library.applicationFolder);
     }
+    const toolbox::Result<int> copied = CopyLibrary(bundled, library.folder);
+    if (!copied) {
+        return copied.status();
+    }
+    library.filledCount = *copied;
     library.filledFrom = bundled;
-    return true;
+    return library;
 }
 
 bool IsWritableFolder(const std::string& folder)

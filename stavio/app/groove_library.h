@@ -4,6 +4,8 @@
 // file there.
 #pragma once
 
+#include "toolbox/status.h"
+
 #include <optional>
 #include <string>
 
@@ -24,10 +26,10 @@ std::string BundledLibraryFolder();
 
 // With `libraryOption`: that folder, which must exist, be a folder and be named "Tamberlyne".
 // Without: the per-user library ($XDG_DATA_HOME, else ~/.local/share, then
-// tamberlyne/Tamberlyne), filled from `bundled` when it does not exist yet. False with a message
-// for a person when the library cannot be used.
-bool ResolveGrooveLibrary(const std::optional<std::string>& libraryOption, const std::string& bundled,
-                          GrooveLibrary& library, std::string& error);
+// tamberlyne/Tamberlyne), filled from `bundled` when it does not exist yet. A failure names the
+// folder and what is wrong with it, for a person.
+toolbox::Result<GrooveLibrary> ResolveGrooveLibrary(const std::optional<std::string>& libraryOption,
+                                                    const std::string& bundled);
 
 // Whether files can be created in the folder.
 bool IsWritableFolder(const std::string& folder);

@@ -9,12 +9,12 @@ int main(int argc, char** argv)
 {
     using namespace stavio::app;
     try {
-        CommandLine line;
-        std::string error;
-        if (!ParseCommandLine(argc, argv, line, error)) {
-            std::cerr << "tamberlyne: " << error << "\n\n" << UsageText();
+        const toolbox::Result<CommandLine> parsed = ParseCommandLine(argc, argv);
+        if (!parsed) {
+            std::cerr << "tamberlyne: " << parsed.Message() << "\n\n" << UsageText();
             return kExitUsage;
         }
+        const CommandLine& line = *parsed;
         if (line.help || line.command == "help") {
             for (const Command& command : Commands()) {
                 if (line.command == command.name && command.usage != nullptr) {

@@ -30,7 +30,7 @@ int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& 
             << "  undo:      " << plugin.UndoText() << "\n";
     }
     for (const PluginFailure& failure : host.Failures()) {
-        err << "tamberlyne: cannot load plug-in " << failure.path << ": " << failure.reason << "\n";
+        err << "tamberlyne: cannot load plug-in " << failure.message << "\n";
     }
     if (host.Plugins().empty()) {
         err << "tamberlyne: no plug-in loaded from " << folder << "\n";

@@ -56,18 +56,10 @@ std::optional<StaffSummary> Summarise(const Document& doc, int32_t inst, const E
     }
     summary.drumStaffRecord = doc.Records().Find(kTagDrumStaff, staffKey) != nullptr;
     summary.styleAssignments = doc.Records().IncidenceCount(kTagStaffStyleAssign, staffKey);
-    for (int meas = region.start.meas; meas <= region.end.meas; ++meas) {
-        for (int layer = 0; layer < kMaxLayers; ++layer) {
-            const std::optional<FrameContent> frame = doc.Frame(inst, meas, layer);
-            if (!frame) {
-                continue;
-            }
-            for (const EXENTRY& entry : frame->entries) {
-                ++summary.entries;
-                summary.notes += (entry.ef & kEntryIsNote) != 0 ? 1 : 0;
-            }
-        }
-    }
+    doc.ForEachEntry(inst, region.start.meas, region.end.meas, [&summary](int32_t, int, const EXENTRY& entry) {
+        ++summary.entries;
+        summary.notes += (entry.ef & kEntryIsNote) != 0 ? 1 : 0;
+    });
     return summary;
 }
 

@@ -40,17 +40,18 @@ int32_t RunDialogRequest(const DialogRequest& request, FrontEnd& frontEnd)
         frontEnd.NoteDialog(std::move(outcome));
         return 0;
     }
-    toolbox::Dialog* dialog = nullptr;
-    std::string problem;
-    if (toolbox::NewDialog(static_cast<int16_t>(request.dialogId), dialog, &problem) != toolbox::kNoErr) {
-        outcome.problem = problem.empty() ? "the dialog could not be made" : problem;
+    const toolbox::Result<toolbox::Dialog*> made = toolbox::NewDialog(static_cast<int16_t>(request.dialogId));
+    if (!made) {
+        outcome.problem = made.Message();
         frontEnd.NoteDialog(std::move(outcome));
         return 0;
     }
+    toolbox::Dialog* dialog = *made;
     const DialogOwner owner(dialog);
     dialog->SetUserData(request.userData);
     outcome.opened = true;
 
+    // The session goes before the dialog does: its last message reaches a dialog that is there.
     DialogSession session(*dialog, request.handler, request.flags);
     session.Initialise();
     try {

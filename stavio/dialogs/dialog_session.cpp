@@ -1,13 +1,13 @@
 #include "stavio/dialogs/dialog_session.h"
 
+#include "stavio/dialogs/dialog_text.h"
+
 #include <algorithm>
-#include <cctype>
 
 namespace stavio {
 
 namespace {
 
-constexpr int16_t kCancelItem = 2;
 // Where a press on a scroll bar's arrow lands: the middle of its 15-pixel square.
 constexpr int kArrowMiddle = toolbox::kScrollBarWidth / 2;
 
@@ -15,13 +15,6 @@ bool IsPressable(toolbox::DialogItemKind kind)
 {
     return kind == toolbox::DialogItemKind::kButton || kind == toolbox::DialogItemKind::kRadio ||
            kind == toolbox::DialogItemKind::kCheckbox;
-}
-
-std::string Lowered(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
 }
 
 std::string ItemName(const toolbox::DialogItem& item)
@@ -39,13 +32,36 @@ std::string RowText(const toolbox::ListControl& list, int row)
     return text != nullptr ? *text : std::string();
 }
 
+std::vector<std::string> RowTexts(const toolbox::ListControl& list)
+{
+    std::vector<std::string> rows;
+    for (int row = 0; row < list.Rows(); ++row) {
+        rows.push_back(RowText(list, row));
+    }
+    return rows;
+}
+
+std::vector<std::string> EntryTexts(const toolbox::DialogItem& popup)
+{
+    std::vector<std::string> entries;
+    for (int entry = 1; entry <= popup.MenuEntryCount(); ++entry) {
+        entries.push_back(*popup.MenuEntryText(entry));
+    }
+    return entries;
+}
+
 std::string DescribeRows(const toolbox::ListControl& list)
 {
     std::string rows;
-    for (int row = 0; row < list.Rows(); ++row) {
-        rows += (row > 0 ? ", " : "") + RowText(list, row);
+    for (const std::string& row : RowTexts(list)) {
+        rows += (rows.empty() ? "" : ", ") + row;
     }
     return rows.empty() ? "none" : rows;
+}
+
+toolbox::Status Failure(std::string why)
+{
+    return toolbox::Status::Failure(std::move(why));
 }
 
 }   // namespace
@@ -96,116 +112,108 @@ void DialogSession::Paint()
     Send(kDlgMsgPaint, 0, 0);
 }
 
-bool DialogSession::CanAct(std::string& why) const
+toolbox::Status DialogSession::Sent(uint32_t message, intptr_t wParam, intptr_t lParam)
 {
-    if (finished_ || Ended()) {
-        why = "the dialog has ended";
-    } else if (Busy()) {
-        why = "the dialog's program is busy";
-    } else if (!Shown()) {
-        why = "the dialog is not shown";
-    } else {
-        return true;
+    if (Send(message, wParam, lParam)) {
+        return toolbox::Status::Ok();
     }
-    return false;
+    return CanAct() ? Failure("the dialog has no program to handle it") : CanAct();
 }
 
-const toolbox::DialogItem* DialogSession::UsableItem(int16_t number, std::string& why) const
+toolbox::Status DialogSession::CanAct() const
 {
-    if (!CanAct(why)) {
-        return nullptr;
+    if (finished_ || Ended()) {
+        return Failure("the dialog has ended");
+    }
+    if (Busy()) {
+        return Failure("the dialog's program is busy");
+    }
+    if (!Shown()) {
+        return Failure("the dialog is not shown");
+    }
+    return toolbox::Status::Ok();
+}
+
+toolbox::Result<const toolbox::DialogItem*> DialogSession::UsableItem(int16_t number) const
+{
+    toolbox::Status can = CanAct();
+    if (!can) {
+        return can;
     }
     const toolbox::DialogItem* item = dialog_.Item(number);
     if (item == nullptr) {
-        why = "the dialog has no item " + std::to_string(number);
-    } else if (!item->IsVisible()) {
-        why = ItemName(*item) + " is hidden";
-    } else if (!item->IsEnabled()) {
-        why = ItemName(*item) + " is disabled";
-    } else {
-        return item;
+        return Failure("the dialog has no item " + std::to_string(number));
     }
-    return nullptr;
+    if (!item->IsVisible()) {
+        return Failure(ItemName(*item) + " is hidden");
+    }
+    if (!item->IsEnabled()) {
+        return Failure(ItemName(*item) + " is disabled");
+    }
+    return item;
 }
 
-bool DialogSession::Press(int16_t number, std::string& why)
+toolbox::Status DialogSession::Press(int16_t number)
 {
-    const toolbox::DialogItem* item = UsableItem(number, why);
-    if (item == nullptr) {
-        return false;
+    const toolbox::Result<const toolbox::DialogItem*> item = UsableItem(number);
+    if (!item) {
+        return item.status();
     }
-    if (!IsPressable(item->Kind())) {
-        why = ItemName(*item) + " is not a button, radio button or checkbox";
-        return false;
+    if (!IsPressable((*item)->Kind())) {
+        return Failure(ItemName(**item) + " is not a button, radio button or checkbox");
     }
-    return Send(kDlgMsgCommand, number, 0);
+    return Sent(kDlgMsgCommand, number, 0);
 }
 
-bool DialogSession::Choose(int16_t number, int entry, std::string& why)
+toolbox::Status DialogSession::Choose(int16_t number, int entry)
 {
-    const toolbox::DialogItem* item = UsableItem(number, why);
-    if (item == nullptr) {
-        return false;
+    const toolbox::Result<const toolbox::DialogItem*> item = UsableItem(number);
+    if (!item) {
+        return item.status();
     }
-    if (item->Kind() != toolbox::DialogItemKind::kPopup) {
-        why = ItemName(*item) + " is not a pop-up menu";
-        return false;
+    const toolbox::DialogItem& popup = **item;
+    if (popup.Kind() != toolbox::DialogItemKind::kPopup) {
+        return Failure(ItemName(popup) + " is not a pop-up menu");
     }
-    if (entry < 1 || entry > item->MenuEntryCount() || entry < item->Minimum() || entry > item->Maximum()) {
-        why = ItemName(*item) + " has no entry " + std::to_string(entry) + " (entries: " + DescribeEntries(*item) + ")";
-        return false;
+    if (entry < 1 || entry > popup.MenuEntryCount() || entry < popup.Minimum() || entry > popup.Maximum()) {
+        return Failure(ItemName(popup) + " has no entry " + std::to_string(entry) +
+                       " (entries: " + DescribeEntries(popup) + ")");
     }
     dialog_.SetItemValue(number, entry);
-    return Send(kDlgMsgCommand, number, 0);
+    return Sent(kDlgMsgCommand, number, 0);
 }
 
-bool DialogSession::ChooseNamed(int16_t number, const std::string& text, std::string& why)
+toolbox::Status DialogSession::ChooseNamed(int16_t number, const std::string& text)
 {
-    const toolbox::DialogItem* item = UsableItem(number, why);
-    if (item == nullptr) {
-        return false;
+    const toolbox::Result<const toolbox::DialogItem*> item = UsableItem(number);
+    if (!item) {
+        return item.status();
     }
-    int found = 0;
-    int foundIgnoringCase = 0;
-    int ignoringCaseCount = 0;
-    for (int entry = 1; entry <= item->MenuEntryCount(); ++entry) {
-        const std::string& entryText = *item->MenuEntryText(entry);
-        if (entryText == text && found == 0) {
-            found = entry;
-        }
-        if (Lowered(entryText) == Lowered(text)) {
-            foundIgnoringCase = entry;
-            ++ignoringCaseCount;
-        }
+    const int found = FindNamed(EntryTexts(**item), text);
+    if (found < 0) {
+        return Failure(ItemName(**item) + " has no entry \"" + text + "\" (entries: " + DescribeEntries(**item) + ")");
     }
-    if (found == 0 && ignoringCaseCount == 1) {
-        found = foundIgnoringCase;
-    }
-    if (found == 0) {
-        why = ItemName(*item) + " has no entry \"" + text + "\" (entries: " + DescribeEntries(*item) + ")";
-        return false;
-    }
-    return Choose(number, found, why);
+    return Choose(number, found + 1);
 }
 
-bool DialogSession::Click(toolbox::Point point, toolbox::Modifiers modifiers, std::string& why)
+toolbox::Status DialogSession::Click(toolbox::Point point, toolbox::Modifiers modifiers)
 {
-    if (!CanAct(why)) {
-        return false;
+    toolbox::Status can = CanAct();
+    if (!can) {
+        return can;
     }
     if (!toolbox::PointInRect(point, dialog_.ContentRect())) {
-        why = "the point (" + std::to_string(point.x) + ", " + std::to_string(point.y) + ") lies outside the dialog";
-        return false;
+        return Failure("the point (" + std::to_string(point.x) + ", " + std::to_string(point.y) +
+                       ") lies outside the dialog");
     }
-    return Send(kDlgMsgMouseDown, point.x, toolbox::PackMouseDownWord(point.y, modifiers));
+    return Sent(kDlgMsgMouseDown, point.x, toolbox::PackMouseDownWord(point.y, modifiers));
 }
 
-bool DialogSession::ClickListRow(const toolbox::ListControl& list, int row, toolbox::Modifiers modifiers,
-                                 std::string& why)
+toolbox::Status DialogSession::ClickListRow(const toolbox::ListControl& list, int row, toolbox::Modifiers modifiers)
 {
     if (row < 0 || row >= list.Rows()) {
-        why = "the list has no row " + std::to_string(row + 1) + " (it has " + std::to_string(list.Rows()) + ")";
-        return false;
+        return Failure("the list has no row " + std::to_string(row + 1) + " (it has " + std::to_string(list.Rows()) +
+                       ")");
     }
     const toolbox::DialogRect view = list.View();
     // A person scrolls with the arrows until the row shows; each press goes through the program.
@@ -214,52 +222,34 @@ bool DialogSession::ClickListRow(const toolbox::ListControl& list, int row, tool
         const int middle = cell.top + list.CellHeight() / 2;
         if (middle >= view.top && middle < view.bottom) {
             const int x = view.left + std::min(4, std::max(0, toolbox::RectWidth(view) / 2));
-            return Click(toolbox::Point{x, middle}, modifiers, why);
+            return Click(toolbox::Point{x, middle}, modifiers);
         }
         const std::optional<toolbox::DialogRect> bar = list.VerticalScrollBar();
         if (!bar) {
-            why = "row " + std::to_string(row + 1) + " is out of view and the list has no scroll bar";
-            return false;
+            return Failure("row " + std::to_string(row + 1) + " is out of view and the list has no scroll bar");
         }
         const bool up = middle < view.top;
         const toolbox::Point arrow{bar->left + kArrowMiddle,
                                    up ? bar->top + kArrowMiddle : bar->bottom - 1 - kArrowMiddle};
         const int topBefore = list.TopRow();
-        if (!Click(arrow, toolbox::kNoModifiers, why)) {
-            return false;
+        toolbox::Status clicked = Click(arrow, toolbox::kNoModifiers);
+        if (!clicked) {
+            return clicked;
         }
         if (list.TopRow() == topBefore) {
-            why = "the list did not scroll to row " + std::to_string(row + 1);
-            return false;
+            break;
         }
     }
-    why = "the list did not scroll to row " + std::to_string(row + 1);
-    return false;
+    return Failure("the list did not scroll to row " + std::to_string(row + 1));
 }
 
-bool DialogSession::ClickListRowNamed(const toolbox::ListControl& list, const std::string& text, std::string& why)
+toolbox::Status DialogSession::ClickListRowNamed(const toolbox::ListControl& list, const std::string& text)
 {
-    int found = -1;
-    int foundIgnoringCase = -1;
-    int ignoringCaseCount = 0;
-    for (int row = 0; row < list.Rows(); ++row) {
-        const std::string rowText = RowText(list, row);
-        if (rowText == text && found < 0) {
-            found = row;
-        }
-        if (Lowered(rowText) == Lowered(text)) {
-            foundIgnoringCase = row;
-            ++ignoringCaseCount;
-        }
-    }
-    if (found < 0 && ignoringCaseCount == 1) {
-        found = foundIgnoringCase;
-    }
+    const int found = FindNamed(RowTexts(list), text);
     if (found < 0) {
-        why = "no row reads \"" + text + "\" (rows: " + DescribeRows(list) + ")";
-        return false;
+        return Failure("no row reads \"" + text + "\" (rows: " + DescribeRows(list) + ")");
     }
-    return ClickListRow(list, found, toolbox::kNoModifiers, why);
+    return ClickListRow(list, found, toolbox::kNoModifiers);
 }
 
 void DialogSession::CloseBox()

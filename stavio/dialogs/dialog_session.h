@@ -10,15 +10,23 @@
 #include "sdk/funcs.h"
 #include "stavio/front_end.h"
 #include "toolbox/dialogs.h"
+#include "toolbox/status.h"
 
 #include <string>
 #include <vector>
 
 namespace stavio {
 
+// The items every dialog keeps in the same place: OK is item 1, Cancel item 2.
+constexpr int16_t kOKItem = 1;
+constexpr int16_t kCancelItem = 2;
+
+// Sends the dialog's first message when made and its last when it goes, however the run ends:
+// the plug-in's handler always sees the pair.
 class DialogSession {
 public:
     DialogSession(toolbox::Dialog& dialog, SXDialogHandler handler, uint32_t* flags);
+    ~DialogSession() { Finish(); }
     DialogSession(const DialogSession&) = delete;
     DialogSession& operator=(const DialogSession&) = delete;
 
@@ -35,19 +43,19 @@ public:
     // Redraw: the program repaints its lists and frames.
     void Paint();
 
-    // ---- A person's actions. Each answers false (and says why) when it cannot be done: the
+    // ---- A person's actions. Each answers a failure saying why when it cannot be done: the
     // dialog is not shown or has ended, the item is missing, hidden, disabled or of another kind.
     // A press on a button, radio button or checkbox.
-    bool Press(int16_t item, std::string& why);
+    toolbox::Status Press(int16_t item);
     // Choosing entry `entry` (from 1) of a pop-up menu: its value changes, then the command.
-    bool Choose(int16_t item, int entry, std::string& why);
-    bool ChooseNamed(int16_t item, const std::string& text, std::string& why);
+    toolbox::Status Choose(int16_t item, int entry);
+    toolbox::Status ChooseNamed(int16_t item, const std::string& text);
     // A mouse press anywhere in the dialog (not on a control: those are Press and Choose).
-    bool Click(toolbox::Point point, toolbox::Modifiers modifiers, std::string& why);
+    toolbox::Status Click(toolbox::Point point, toolbox::Modifiers modifiers);
     // A press on row `row` (from 0) of `list`, scrolling it into view first with its scroll bar.
-    bool ClickListRow(const toolbox::ListControl& list, int row, toolbox::Modifiers modifiers, std::string& why);
+    toolbox::Status ClickListRow(const toolbox::ListControl& list, int row, toolbox::Modifiers modifiers);
     // The row that reads `text` exactly, else the only row that does ignoring case.
-    bool ClickListRowNamed(const toolbox::ListControl& list, const std::string& text, std::string& why);
+    toolbox::Status ClickListRowNamed(const toolbox::ListControl& list, const std::string& text);
     // The window's close box: a close request; if the program does not end the dialog, Cancel
     // (item 2) when it is an enabled, visible button; if that does not end it either, the dialog
     // is ended with result 0.
@@ -74,8 +82,9 @@ public:
 
 private:
     bool Send(uint32_t message, intptr_t wParam, intptr_t lParam);
-    bool CanAct(std::string& why) const;
-    const toolbox::DialogItem* UsableItem(int16_t item, std::string& why) const;
+    toolbox::Status Sent(uint32_t message, intptr_t wParam, intptr_t lParam);
+    toolbox::Status CanAct() const;
+    toolbox::Result<const toolbox::DialogItem*> UsableItem(int16_t item) const;
 
     toolbox::Dialog& dialog_;
     SXDialogHandler handler_;

@@ -2,6 +2,8 @@
 
 #include "stavio/dialogs/dialog_session.h"
 
+#include <algorithm>
+#include <cctype>
 #include <sstream>
 
 namespace stavio {
@@ -69,6 +71,32 @@ std::string DescribeDialog(const toolbox::Dialog& dialog)
         }
     }
     return out.str();
+}
+
+std::string Lowered(std::string text)
+{
+    std::transform(text.begin(), text.end(), text.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return text;
+}
+
+int FindNamed(const std::vector<std::string>& texts, const std::string& wanted)
+{
+    const auto exact = std::find(texts.begin(), texts.end(), wanted);
+    if (exact != texts.end()) {
+        return static_cast<int>(exact - texts.begin());
+    }
+    const std::string lowered = Lowered(wanted);
+    int found = -1;
+    for (size_t i = 0; i < texts.size(); ++i) {
+        if (Lowered(texts[i]) == lowered) {
+            if (found >= 0) {
+                return -1;
+            }
+            found = static_cast<int>(i);
+        }
+    }
+    return found;
 }
 
 }   // namespace stavio

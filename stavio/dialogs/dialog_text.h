@@ -6,9 +6,18 @@
 #include "toolbox/dialogs.h"
 
 #include <string>
+#include <vector>
 
 namespace stavio {
 
 std::string DescribeDialog(const toolbox::Dialog& dialog);
+
+// The text with its ASCII letters in lower case, to compare what a person typed with what a
+// dialog shows.
+std::string Lowered(std::string text);
+
+// Which of `texts` a person means by `wanted`: the first that reads it exactly, else the only
+// one that reads it ignoring case; -1 when none does (or several do, ignoring case only).
+int FindNamed(const std::vector<std::string>& texts, const std::string& wanted);
 
 }   // namespace stavio

@@ -6,7 +6,6 @@ namespace stavio {
 
 namespace {
 
-constexpr int16_t kCancelItem = 2;
 // A dialog that closes itself with a timer does so within a few ticks; one that keeps ticking
 // without ending is given up on.
 constexpr int kMostTicksWhileHidden = 100;
@@ -23,34 +22,29 @@ void Settle(DialogSession& session)
     }
 }
 
-bool Perform(DialogSession& session, const DialogAction& action, std::string& why)
+toolbox::Status Perform(DialogSession& session, const DialogAction& action)
 {
     switch (action.kind) {
-        case DialogAction::Kind::Press: return session.Press(action.item, why);
-        case DialogAction::Kind::Choose: return session.Choose(action.item, action.number, why);
-        case DialogAction::Kind::ChooseNamed: return session.ChooseNamed(action.item, action.text, why);
+        case DialogAction::Kind::Press: return session.Press(action.item);
+        case DialogAction::Kind::Choose: return session.Choose(action.item, action.number);
+        case DialogAction::Kind::ChooseNamed: return session.ChooseNamed(action.item, action.text);
         case DialogAction::Kind::ClickRow:
         case DialogAction::Kind::ClickRowNamed: {
             const toolbox::ListControl* list = session.ListInItem(action.item);
             if (list == nullptr) {
-                why = "there is no list in item " + std::to_string(action.item);
-                return false;
+                return toolbox::Status::Failure("there is no list in item " + std::to_string(action.item));
             }
             if (action.kind == DialogAction::Kind::ClickRow) {
-                return session.ClickListRow(*list, action.number - 1, action.modifiers, why);
+                return session.ClickListRow(*list, action.number - 1, action.modifiers);
             }
-            return session.ClickListRowNamed(*list, action.text, why);
+            return session.ClickListRowNamed(*list, action.text);
         }
-        case DialogAction::Kind::Click: return session.Click(action.point, action.modifiers, why);
-        case DialogAction::Kind::CloseBox: session.CloseBox(); return true;
+        case DialogAction::Kind::Click: return session.Click(action.point, action.modifiers);
+        case DialogAction::Kind::CloseBox: session.CloseBox(); return toolbox::Status::Ok();
         case DialogAction::Kind::WaitForTimers:
-            if (!session.LetTimePass()) {
-                why = "no timer runs";
-                return false;
-            }
-            return true;
+            return session.LetTimePass() ? toolbox::Status::Ok() : toolbox::Status::Failure("no timer runs");
     }
-    return false;
+    return toolbox::Status::Failure("the action is unknown");
 }
 
 // The action with the label of the item it presses, when it has one: press "OK" (item 1).
@@ -66,8 +60,7 @@ std::string Describe(const DialogAction& action, const toolbox::Dialog& dialog)
 // Cancel, as a person would: the Cancel button when it can be pressed, else the close box.
 void GiveUp(DialogSession& session)
 {
-    std::string why;
-    if (!session.Ended() && !session.Press(kCancelItem, why)) {
+    if (!session.Ended() && !session.Press(kCancelItem)) {
         session.CloseBox();
     }
     Settle(session);
@@ -97,9 +90,10 @@ void ScriptedFrontEnd::RunDialog(DialogSession& session)
             session.Note("the dialog ended before the script could " + Describe(action, session.Dialog()));
             return;
         }
-        std::string why;
-        if (!Perform(session, action, why)) {
-            session.Note("could not " + Describe(action, session.Dialog()) + ": " + why + "; the dialog was cancelled");
+        const toolbox::Status done = Perform(session, action);
+        if (!done) {
+            session.Note("could not " + Describe(action, session.Dialog()) + ": " + done.Message() +
+                         "; the dialog was cancelled");
             GiveUp(session);
             return;
         }

@@ -17,8 +17,6 @@ namespace stavio {
 
 namespace {
 
-constexpr int16_t kOKItem = 1;
-constexpr int16_t kCancelItem = 2;
 // A hidden dialog that keeps ticking without ending is given up on after this long.
 constexpr uint64_t kLongestHiddenWaitMs = 10000;
 
@@ -41,13 +39,6 @@ std::string Trimmed(const std::string& text)
     const auto first = std::find_if_not(text.begin(), text.end(), [](unsigned char c) { return std::isspace(c); });
     const auto last = std::find_if_not(text.rbegin(), text.rend(), [](unsigned char c) { return std::isspace(c); });
     return first < last.base() ? std::string(first, last.base()) : std::string();
-}
-
-std::string Lowered(std::string text)
-{
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    return text;
 }
 
 bool ReadNumber(const std::string& text, int& number)
@@ -183,9 +174,8 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
     std::string command;
     words >> command;
     command = Lowered(command);
-    std::string why;
     bool acted = false;
-    bool done = true;
+    toolbox::Status done;
     int number = 0;
     if (command.empty()) {
         return;
@@ -200,7 +190,7 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
     }
     if (command == "ok" || command == "cancel") {
         acted = true;
-        done = session.Press(command == "ok" ? kOKItem : kCancelItem, why);
+        done = session.Press(command == "ok" ? kOKItem : kCancelItem);
     } else if (command == "close") {
         acted = true;
         session.CloseBox();
@@ -208,7 +198,9 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
         std::string item;
         words >> item;
         acted = ReadNumber(item, number);
-        done = acted && session.Press(static_cast<int16_t>(number), why);
+        if (acted) {
+            done = session.Press(static_cast<int16_t>(number));
+        }
     } else if (command == "set") {
         std::string item;
         words >> item;
@@ -218,25 +210,21 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
         int entryNumber = 0;
         acted = ReadNumber(item, number) && !entry.empty();
         if (acted) {
-            done = ReadNumber(entry, entryNumber) ? session.Choose(static_cast<int16_t>(number), entryNumber, why)
-                                                  : session.ChooseNamed(static_cast<int16_t>(number), entry, why);
+            done = ReadNumber(entry, entryNumber) ? session.Choose(static_cast<int16_t>(number), entryNumber)
+                                                  : session.ChooseNamed(static_cast<int16_t>(number), entry);
         }
     } else if (ReadNumber(command, number)) {
         acted = true;
         const auto& lists = session.Dialog().Lists();
-        if (lists.empty()) {
-            done = false;
-            why = "the dialog has no list";
-        } else {
-            done = session.ClickListRow(*lists.front(), number - 1, toolbox::kNoModifiers, why);
-        }
+        done = lists.empty() ? toolbox::Status::Failure("the dialog has no list")
+                             : session.ClickListRow(*lists.front(), number - 1, toolbox::kNoModifiers);
     }
     if (!acted) {
         out_ << "Unknown command \"" << line << "\". " << kHelp;
         return;
     }
     if (!done) {
-        out_ << "Cannot do that: " << why << "\n";
+        out_ << "Cannot do that: " << done.Message() << "\n";
         return;
     }
     session.FireDueTimers(toolbox::NowMilliseconds());

@@ -14,6 +14,7 @@
 #include "stavio/document/record_store.h"
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -86,6 +87,10 @@ public:
     // The entries of one staff-measure-layer (layer 0..3), empty when it holds nothing; nullopt
     // when the staff or the measure does not exist or the layer is out of range.
     std::optional<FrameContent> Frame(int32_t inst, int32_t meas, int32_t layer) const;
+    // Calls visit(meas, layer, entry) for each entry of the staff in the measures first..last
+    // that the document has, every layer, in measure, layer and entry order.
+    void ForEachEntry(int32_t inst, int32_t first, int32_t last,
+                      const std::function<void(int32_t meas, int layer, const EXENTRY& entry)>& visit) const;
     // Writes one staff-measure-layer. Entries without a number (entnum 0, or one already used
     // earlier in the frame) get the document's next entry numbers, written back into
     // `content`. The frame detail follows: the layer's frame number becomes non-zero (kept if

@@ -55,6 +55,19 @@ std::optional<FrameContent> Document::Frame(int32_t inst, int32_t meas, int32_t 
     return content;
 }
 
+void Document::ForEachEntry(int32_t inst, int32_t first, int32_t last,
+                            const std::function<void(int32_t meas, int layer, const EXENTRY& entry)>& visit) const
+{
+    for (int32_t meas = std::max(first, 1); meas <= std::min(last, MeasureCount()); ++meas) {
+        for (int layer = 0; layer < kMaxLayers; ++layer) {
+            const std::optional<FrameContent> frame = Frame(inst, meas, layer);
+            for (const EXENTRY& entry : frame ? frame->entries : std::vector<EXENTRY>()) {
+                visit(meas, layer, entry);
+            }
+        }
+    }
+}
+
 bool Document::SetFrame(int32_t inst, int32_t meas, int32_t layer, FrameContent& content)
 {
     if (!StaffExists(inst) || !MeasureExists(meas) || !ValidLayer(layer) ||

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 namespace fs = std::filesystem;
 
@@ -54,8 +55,7 @@ Function Symbol(void* handle, const char* name)
     return reinterpret_cast<Function>(dlsym(handle, name));
 }
 
-bool FindEntryPoints(void* handle, HostPose pose, const SXPluginFuncs& reply, PluginEntryPoints& entry,
-                     std::string& reason)
+toolbox::Status FindEntryPoints(void* handle, HostPose pose, const SXPluginFuncs& reply, PluginEntryPoints& entry)
 {
     if (pose == HostPose::Newer) {
         entry.version = Symbol<SXGetVersionEntry>(handle, "StavioExtensionVersion");
@@ -85,22 +85,21 @@ bool FindEntryPoints(void* handle, HostPose pose, const SXPluginFuncs& reply, Pl
         missing = "StavioExtensionTerminate";
     }
     if (missing == nullptr) {
-        return true;
+        return toolbox::Status::Ok();
     }
-    reason = pose == HostPose::Newer ? std::string("the module does not export the entry point ") + missing
-                                     : std::string("main gave no address for the entry point ") + missing;
-    return false;
+    return toolbox::Status::Failure(pose == HostPose::Newer
+                                        ? std::string("the module does not export the entry point ") + missing
+                                        : std::string("main gave no address for the entry point ") + missing);
 }
 
-// Releases what a load opened so far.
-void Release(void* handle, toolbox::ResFileRef resFile)
+// Opens the resource file without leaving it current: the plug-in's file is current only
+// during calls into the plug-in.
+toolbox::Result<toolbox::ResFileRef> OpenAside(const std::string& path)
 {
-    if (resFile >= 0) {
-        toolbox::CloseResFile(resFile);
-    }
-    if (handle != nullptr) {
-        dlclose(handle);
-    }
+    const toolbox::ResFileRef previous = toolbox::CurResFile();
+    toolbox::Result<toolbox::ResFileRef> opened = toolbox::OpenResourceFile(toolbox::FileSpecFromPath(path), true);
+    toolbox::UseResFile(previous);
+    return opened;
 }
 
 }   // namespace
@@ -118,99 +117,139 @@ std::vector<std::string> FindBundles(const std::string& pluginFolder)
     return bundles;
 }
 
-std::optional<PluginModule> LoadPluginModule(const std::string& bundlePath, StavioFuncs& table, HostPose pose,
-                                             EWND window, std::string& reason)
+// ---- Owners -------------------------------------------------------------------------------------------
+
+ModuleHandle::ModuleHandle(ModuleHandle&& other) noexcept : handle_(std::exchange(other.handle_, nullptr))
+{}
+
+ModuleHandle& ModuleHandle::operator=(ModuleHandle&& other) noexcept
 {
+    if (this != &other) {
+        Close();
+        handle_ = std::exchange(other.handle_, nullptr);
+    }
+    return *this;
+}
+
+void ModuleHandle::Close()
+{
+    if (handle_ != nullptr) {
+        dlclose(std::exchange(handle_, nullptr));
+    }
+}
+
+OwnedResFile::OwnedResFile(OwnedResFile&& other) noexcept : ref_(std::exchange(other.ref_, toolbox::ResFileRef{-1}))
+{}
+
+OwnedResFile& OwnedResFile::operator=(OwnedResFile&& other) noexcept
+{
+    if (this != &other) {
+        Close();
+        ref_ = std::exchange(other.ref_, toolbox::ResFileRef{-1});
+    }
+    return *this;
+}
+
+void OwnedResFile::Close()
+{
+    if (ref_ >= 0) {
+        toolbox::CloseResFile(std::exchange(ref_, toolbox::ResFileRef{-1}));
+    }
+}
+
+PluginModule::PluginModule(PluginModule&& other) noexcept
+    : module_(std::move(other.module_)), resFile_(std::move(other.resFile_)),
+      entry_(std::exchange(other.entry_, PluginEntryPoints{})), info_(std::move(other.info_)),
+      started_(std::exchange(other.started_, false))
+{}
+
+PluginModule& PluginModule::operator=(PluginModule&& other) noexcept
+{
+    if (this != &other) {
+        Close();
+        module_ = std::move(other.module_);
+        resFile_ = std::move(other.resFile_);
+        entry_ = std::exchange(other.entry_, PluginEntryPoints{});
+        info_ = std::move(other.info_);
+        started_ = std::exchange(other.started_, false);
+    }
+    return *this;
+}
+
+void PluginModule::Close()
+{
+    if (started_) {
+        started_ = false;
+        ResourceScope scope(resFile_.Get());
+        entry_.terminate();
+    }
+    entry_ = PluginEntryPoints{};
+    resFile_.Close();
+    module_.Close();
+}
+
+// ---- Loading --------------------------------------------------------------------------------------------
+
+toolbox::Result<PluginModule> LoadPluginModule(const std::string& bundlePath, StavioFuncs& table, HostPose pose,
+                                               EWND window)
+{
+    const auto failure = [&bundlePath](const std::string& what) {
+        return toolbox::Status::Failure(bundlePath + ": " + what);
+    };
     std::error_code error;
     if (!fs::is_directory(bundlePath, error)) {
-        reason = "not a bundle folder";
-        return std::nullopt;
+        return failure("not a bundle folder");
     }
+    // Whatever goes wrong below, `module` closes what was opened so far as it goes.
     PluginModule module;
-    module.info.bundlePath = bundlePath;
+    module.info_.bundlePath = bundlePath;
     auto modulePath =
         FirstFile(bundlePath, [](const std::string& name) { return StartsWith(name, "lib") && EndsWith(name, ".so"); });
     if (!modulePath) {
-        reason = "the bundle holds no plug-in module (lib*.so)";
-        return std::nullopt;
+        return failure("the bundle holds no plug-in module (lib*.so)");
     }
-    module.info.modulePath = *modulePath;
+    module.info_.modulePath = *modulePath;
 
     dlerror();
-    module.handle = dlopen(modulePath->c_str(), RTLD_NOW | RTLD_LOCAL);
-    if (module.handle == nullptr) {
-        reason = "cannot load the module: " + DlError();
-        return std::nullopt;
+    module.module_ = ModuleHandle(dlopen(modulePath->c_str(), RTLD_NOW | RTLD_LOCAL));
+    if (!module.module_) {
+        return failure("cannot load the module: " + DlError());
     }
-    auto mainEntry = Symbol<SXMainEntry>(module.handle, "main");
+    auto mainEntry = Symbol<SXMainEntry>(module.module_.Get(), "main");
     if (mainEntry == nullptr) {
-        reason = "the module has no entry point \"main\"";
-        Release(module.handle, -1);
-        return std::nullopt;
+        return failure("the module has no entry point \"main\"");
     }
 
     auto resourcePath =
         FirstFile(fs::path(bundlePath) / "Resources", [](const std::string& name) { return EndsWith(name, ".rsrc"); });
     if (!resourcePath) {
-        reason = "the bundle holds no resource file (Resources/*.rsrc)";
-        Release(module.handle, -1);
-        return std::nullopt;
+        return failure("the bundle holds no resource file (Resources/*.rsrc)");
     }
-    module.info.resourcePath = *resourcePath;
-    {
-        const toolbox::ResFileRef previous = toolbox::CurResFile();
-        toolbox::FileSpec spec;
-        spec.folder = fs::path(*resourcePath).parent_path().string();
-        spec.name = fs::path(*resourcePath).filename().string();
-        module.resFile = toolbox::OpenResFile(spec, true);
-        toolbox::UseResFile(previous);
+    module.info_.resourcePath = *resourcePath;
+    const toolbox::Result<toolbox::ResFileRef> resFile = OpenAside(*resourcePath);
+    if (!resFile) {
+        return failure("cannot open the resource file " + resFile.Message());
     }
-    if (module.resFile < 0) {
-        const std::string detail = toolbox::ResErrorText();
-        reason = "cannot open the resource file " + *resourcePath +
-                 (detail.empty() ? " (error " + std::to_string(toolbox::ResError()) + ")" : ": " + detail);
-        Release(module.handle, -1);
-        return std::nullopt;
-    }
+    module.resFile_ = OwnedResFile(*resFile);
 
-    ResourceScope scope(module.resFile);
+    ResourceScope scope(module.resFile_.Get());
     SXPluginFuncs reply{};
     if (mainEntry(&table, &reply) == 0) {
-        reason = "its main entry refused to start (returned 0)";
-        Release(module.handle, module.resFile);
-        return std::nullopt;
+        return failure("its main entry refused to start (returned 0)");
     }
-    if (!FindEntryPoints(module.handle, pose, reply, module.entry, reason)) {
-        Release(module.handle, module.resFile);
-        return std::nullopt;
+    const toolbox::Status found = FindEntryPoints(module.module_.Get(), pose, reply, module.entry_);
+    if (!found) {
+        return found.Within(bundlePath);
     }
-    module.info.interfaceVersion = module.entry.version(table.version);
-    if (module.entry.init(window, &module.info.initFlags) == 0) {
-        reason = "its init entry point refused to start (returned 0)";
-        Release(module.handle, module.resFile);
-        return std::nullopt;
+    module.info_.interfaceVersion = module.entry_.version(table.version);
+    if (module.entry_.init(window, &module.info_.initFlags) == 0) {
+        return failure("its init entry point refused to start (returned 0)");
     }
-    if (module.entry.enumerate(nullptr, 0, &module.info.menu) == 0) {
-        reason = "it offers no menu command (enumerate returned 0)";
-        module.entry.terminate();
-        Release(module.handle, module.resFile);
-        return std::nullopt;
+    module.started_ = true;
+    if (module.entry_.enumerate(nullptr, 0, &module.info_.menu) == 0) {
+        return failure("it offers no menu command (enumerate returned 0)");
     }
     return module;
-}
-
-void UnloadPluginModule(PluginModule& module)
-{
-    if (module.handle == nullptr) {
-        return;
-    }
-    {
-        ResourceScope scope(module.resFile);
-        module.entry.terminate();
-    }
-    Release(module.handle, module.resFile);
-    module.handle = nullptr;
-    module.resFile = -1;
 }
 
 }   // namespace stavio

@@ -14,36 +14,26 @@ std::vector<ViewEntry> CollectEntries(const Document& doc, int32_t inst, int32_t
     if (!doc.StaffExists(inst)) {
         return entries;
     }
-    const int32_t last = std::min(lastMeasure, doc.MeasureCount());
-    for (int32_t meas = std::max(firstMeasure, 1); meas <= last; ++meas) {
-        for (int layer = 0; layer < kMaxLayers; ++layer) {
-            const std::optional<FrameContent> frame = doc.Frame(inst, meas, layer);
-            if (!frame) {
-                continue;
-            }
-            for (const EXENTRY& entry : frame->entries) {
-                ViewEntry view;
-                view.measure = meas;
-                view.layer = layer;
-                view.position = entry.elldur;
-                view.duration = entry.actdur;
-                view.tuplet = (entry.ef & kEntryInTuplet) != 0;
-                const int notes =
-                    (entry.ef & kEntryIsNote) != 0 ? std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry) : 0;
-                std::vector<std::pair<int, int16_t>> keyed;
-                for (int i = 0; i < notes; ++i) {
-                    const EXNOTE& note = entry.note[i];
-                    keyed.emplace_back(NoteToMidiKey(note.tcd, note.alteration), note.tcd);
-                }
-                std::sort(keyed.begin(), keyed.end());
-                for (const auto& [key, tcd] : keyed) {
-                    view.keys.push_back(key);
-                    view.tcds.push_back(tcd);
-                }
-                entries.push_back(std::move(view));
-            }
+    doc.ForEachEntry(inst, firstMeasure, lastMeasure, [&entries](int32_t meas, int layer, const EXENTRY& entry) {
+        ViewEntry view;
+        view.measure = meas;
+        view.layer = layer;
+        view.position = entry.elldur;
+        view.duration = entry.actdur;
+        view.tuplet = (entry.ef & kEntryInTuplet) != 0;
+        const int notes = (entry.ef & kEntryIsNote) != 0 ? std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry) : 0;
+        std::vector<std::pair<int, int16_t>> keyed;
+        for (int i = 0; i < notes; ++i) {
+            const EXNOTE& note = entry.note[i];
+            keyed.emplace_back(NoteToMidiKey(note.tcd, note.alteration), note.tcd);
         }
-    }
+        std::sort(keyed.begin(), keyed.end());
+        for (const auto& [key, tcd] : keyed) {
+            view.keys.push_back(key);
+            view.tcds.push_back(tcd);
+        }
+        entries.push_back(std::move(view));
+    });
     return entries;
 }
 

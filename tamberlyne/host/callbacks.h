@@ -17,6 +17,21 @@ uint32_t GetGestaltResult(uint32_t selector);
 SXDialogHandlerRef NewDialogHandlerProc(SXDialogHandler proc);
 void DisposeDialogHandlerProc(SXDialogHandlerRef ref);
 
+// The handler in the host's form for as long as it exists: made when it is, released when it
+// goes, so that every path out of a dialog releases it once.
+class DialogHandlerProc {
+public:
+    explicit DialogHandlerProc(SXDialogHandler proc) : ref_(NewDialogHandlerProc(proc)) {}
+    ~DialogHandlerProc() { DisposeDialogHandlerProc(ref_); }
+    DialogHandlerProc(const DialogHandlerProc&) = delete;
+    DialogHandlerProc& operator=(const DialogHandlerProc&) = delete;
+
+    SXDialogHandlerRef Get() const { return ref_; }
+
+private:
+    SXDialogHandlerRef ref_;
+};
+
 // The wrapping primitives: a new transition vector holding `code` (null when out of memory),
 // and its release.
 void* CFMFunctionPointerForMachOFunctionPointer(void* code);

@@ -51,8 +51,7 @@ int32_t InvokeGrooveCommand(EWND window, const EREGION* selection, const EREGION
         return 0;
     }
     // The dialog runs modally; its OK path inserts the groove and sets needRefresh.
-    SXDialogHandlerRef handler = NewDialogHandlerProc(TamberlyneDialogProc);
-    SX_Dialog(kGrooveDialogId, handler, window, 1, &dlgFlags, kPluginApiVersion);
-    DisposeDialogHandlerProc(handler);
+    const DialogHandlerProc handler(TamberlyneDialogProc);
+    SX_Dialog(kGrooveDialogId, handler.Get(), window, 1, &dlgFlags, kPluginApiVersion);
     return needRefresh;
 }

@@ -11,10 +11,9 @@ namespace {
 
 std::string MenuText(size_t entry)
 {
-    toolbox::ResourceFile file;
-    std::string error;
-    EXPECT_TRUE(toolbox::LoadResourceFile(plugin_test::BundleResourcePath(), file, error)) << error;
-    const toolbox::Resource* list = file.Find(toolbox::kStringListType, 20000);
+    const toolbox::Result<toolbox::ResourceFile> file = toolbox::LoadResourceFile(plugin_test::BundleResourcePath());
+    EXPECT_TRUE(file) << file.Message();
+    const toolbox::Resource* list = file ? file->Find(toolbox::kStringListType, 20000) : nullptr;
     return list != nullptr ? list->strings.at(entry - 1).substr(0, 63) : "";
 }
 
@@ -28,7 +27,7 @@ protected:
     void SetUp() override
     {
         host_.SetDocument(stavio::DocumentBuilder().Measures(4).Staff("Drum Set").Staff("Piano").Build());
-        ASSERT_TRUE(host_.LoadBundle(plugin_test::BundlePath())) << host_.Failures().back().reason;
+        ASSERT_TRUE(host_.LoadBundle(plugin_test::BundlePath())) << host_.Failures().back().message;
     }
     void TearDown() override
     {

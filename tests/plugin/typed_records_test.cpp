@@ -114,10 +114,9 @@ TEST(PluginRecordClasses, PlainTextDropsFormattingCommands)
 TEST(PluginStringResources, EntriesOfThePluginsFileCutToTheCallersLength)
 {
     HostSession session;
-    toolbox::ResourceFile file;
-    std::string error;
-    ASSERT_TRUE(toolbox::LoadResourceFile(plugin_test::BundleResourcePath(), file, error)) << error;
-    const std::string item = file.Find(toolbox::kStringListType, 20000)->strings.at(0);
+    const toolbox::Result<toolbox::ResourceFile> file = toolbox::LoadResourceFile(plugin_test::BundleResourcePath());
+    ASSERT_TRUE(file) << file.Message();
+    const std::string item = file->Find(toolbox::kStringListType, 20000)->strings.at(0);
 
     toolbox::UseResFile(-1);   // whatever the host made current, the plug-in's file is used
     char text[64];

@@ -33,8 +33,10 @@ protected:
         const std::string path = folder_.Path() + "/Alerts.rsrc";
         test::WriteStringList(path, 20001, {"Nothing is selected. Use the whole score?", "Second text"});
         before_ = toolbox::CurResFile();
-        file_ = toolbox::OpenResFile(toolbox::FileSpec{folder_.Path(), "Alerts.rsrc"}, true);
-        ASSERT_GE(file_, 0) << toolbox::ResErrorText();
+        const toolbox::Result<toolbox::ResFileRef> opened =
+            toolbox::OpenResourceFile(toolbox::FileSpec{folder_.Path(), "Alerts.rsrc"}, true);
+        ASSERT_TRUE(opened) << opened.Message();
+        file_ = *opened;
     }
     void TearDown() override
     {

@@ -45,23 +45,8 @@ TEST_F(StavioEditBrackets, ABracketIsOneStepThatUndoesAndRedoesWhole)
     EXPECT_FALSE(Doc().Redo());
 }
 
-TEST_F(StavioEditBrackets, NestedBracketsMakeOneStep)
-{
-    Start("Outer");
-    AddStaff();
-    Start("Inner");
-    AddStaff();
-    EXPECT_EQ(End(), 1);
-    EXPECT_EQ(Doc().UndoCount(), 0u) << "the outer bracket is still open";
-    AddStaff();
-    EXPECT_EQ(End(), 1);
-    EXPECT_EQ(Doc().UndoCount(), 1u);
-    EXPECT_EQ(Doc().UndoName(), "Outer");
-    ASSERT_TRUE(Doc().Undo());
-    EXPECT_EQ(Staves(), 1);
-}
-
-TEST_F(StavioEditBrackets, CancelPutsBackTheStateOfItsBracketOnly)
+// A nested bracket is part of the outer one's step; cancelling it puts back its own changes only.
+TEST_F(StavioEditBrackets, NestedBracketsMakeOneStepAndCancelOnlyTheirOwnChanges)
 {
     Start("Cancelled");
     AddStaff();
@@ -70,11 +55,16 @@ TEST_F(StavioEditBrackets, CancelPutsBackTheStateOfItsBracketOnly)
 
     Start("Outer");
     AddStaff();
+    Start("Kept");
+    AddStaff();
+    EXPECT_EQ(End(), 1);
+    EXPECT_EQ(Doc().UndoCount(), 0u) << "the outer bracket is still open";
     Start("Inner");
     AddStaff();
     Cancel();
-    EXPECT_EQ(Staves(), 2) << "the outer bracket's change stays";
+    EXPECT_EQ(Staves(), 3) << "the outer bracket's changes stay";
     EXPECT_EQ(End(), 1);
+    EXPECT_EQ(Ints(Doc().UndoCount(), Doc().UndoName() == "Outer"), Ints(1, true));
     ASSERT_TRUE(Doc().Undo());
     EXPECT_EQ(Staves(), 1);
 }

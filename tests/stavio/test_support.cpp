@@ -22,8 +22,9 @@ toolbox::Resource StringList(int16_t listId, const std::vector<std::string>& ent
 void WriteStringList(const std::string& path, int16_t listId, const std::vector<std::string>& entries)
 {
     toolbox::ResourceFile file;
-    file.Put(StringList(listId, entries));
-    ASSERT_EQ(toolbox::SaveResourceFile(path, file), toolbox::kNoErr) << path;
+    ASSERT_TRUE(file.Put(StringList(listId, entries)));
+    const toolbox::Status saved = toolbox::SaveResourceFile(path, file);
+    ASSERT_TRUE(saved) << saved.Message();
 }
 
 std::string TestModulePath(const std::string& module)
@@ -39,9 +40,9 @@ std::string MakeBundle(const std::string& folder, const std::string& name, const
     if (module) fs::copy_file(*module, bundle / ("lib" + name + ".so"), fs::copy_options::overwrite_existing);
     if (withResources) {
         toolbox::ResourceFile file;
-        file.Put(StringList(20000, {name + " Command", name + " status", "Undo " + name}));
-        file.Put(StringList(20001, {"Nothing is selected. Use the whole score?"}));
-        EXPECT_EQ(toolbox::SaveResourceFile((bundle / "Resources" / (name + ".rsrc")).string(), file), toolbox::kNoErr);
+        EXPECT_TRUE(file.Put(StringList(20000, {name + " Command", name + " status", "Undo " + name})));
+        EXPECT_TRUE(file.Put(StringList(20001, {"Nothing is selected. Use the whole score?"})));
+        EXPECT_TRUE(toolbox::SaveResourceFile((bundle / "Resources" / (name + ".rsrc")).string(), file));
     }
     return bundle.string();
 }

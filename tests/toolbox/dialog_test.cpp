@@ -31,9 +31,13 @@ protected:
                                                      "resource 'DLOG' 7 {\n"
                                                      "    item 1 = button 10 10 50 30 \"Go\"\n"
                                                      "    item 2 = static 10 40 90 70\n"
+                                                     "    item 3 = popup 10 72 90 90 \"Style:\"\n"
+                                                     "    entries 3 = \"Drums\" \"Clef\" \"Slashes\"\n"
                                                      "}\n");
         ASSERT_GT(OpenResFile(FileSpec{folder_.Path(), "dialogs.rsrc"}, true), 0);
-        ASSERT_EQ(NewDialog(kGrooveLayout, dialog_), kNoErr);
+        const Result<Dialog*> made = NewDialog(kGrooveLayout);
+        ASSERT_TRUE(made) << made.Message();
+        dialog_ = *made;
     }
     void TearDown() override
     {
@@ -63,28 +67,33 @@ TEST_F(ToolboxDialogs, AreBuiltFromTheLayoutResourceInTheChain)
     EXPECT_EQ(dialog_->Item(7), nullptr);
     EXPECT_EQ(dialog_->Port().VisibleRegion(), dialog_->ContentRect());
 
-    // Without a size the content area is the items' extent.
-    Dialog* small = nullptr;
-    ASSERT_EQ(NewDialog(7, small), kNoErr);
-    EXPECT_EQ(small->ContentRect(), (DialogRect{0, 0, 90, 70}));
+    // Without a size the content area is the items' extent; a pop-up's entries come from the layout.
+    const Result<Dialog*> small = NewDialog(7);
+    ASSERT_TRUE(small);
+    EXPECT_EQ((*small)->ContentRect(), (DialogRect{0, 0, 90, 90}));
+    const DialogItem* popup = (*small)->Item(3);
+    EXPECT_EQ(Ints(popup->MenuEntryCount(), popup->Maximum(), popup->Value()), Ints(3, 3, 1));
+    EXPECT_EQ(*popup->MenuEntryText(3), "Slashes");
 }
 
 TEST_F(ToolboxDialogs, MissingOrBrokenLayoutsAreRefusedWithAReason)
 {
-    Dialog* dialog = reinterpret_cast<Dialog*>(this);
-    std::string problem;
-    EXPECT_EQ(NewDialog(999, dialog, &problem), kResourceNotFound);
-    EXPECT_EQ(dialog, nullptr);
-    EXPECT_EQ(problem, "dialog layout 'DLOG' 999: not found");
+    const Result<Dialog*> missing = NewDialog(999);
+    EXPECT_FALSE(missing);
+    EXPECT_EQ(missing.Code(), kResourceNotFound);
+    EXPECT_EQ(missing.Message(), "dialog layout 'DLOG' 999: not found");
 
     Resource broken;
     broken.type = kDialogLayoutType;
     broken.id = 30;
     broken.strings = {"title = \"Broken\"", "item 1 = slider 0 0 10 10"};
     ASSERT_EQ(AddResource(broken), kNoErr);
-    EXPECT_EQ(NewDialog(30, dialog, &problem), kBadResourceFile);
-    EXPECT_EQ(dialog, nullptr);
-    EXPECT_NE(problem.find("'DLOG' 30: line 2: unknown item kind 'slider'"), std::string::npos) << problem;
+    const Result<Dialog*> broken30 = NewDialog(30);
+    EXPECT_EQ(broken30.Code(), kBadResourceFile);
+    EXPECT_EQ(
+        broken30.Message(),
+        "dialog layout 'DLOG' 30: line 2: unknown item kind 'slider' (known: button, radio, checkbox, popup, user, "
+        "static)");
     EXPECT_EQ(LiveDialogs().size(), 1u);
 }
 
@@ -199,23 +208,4 @@ TEST(ToolboxMouseDownWords, CarryYAndModifiersBothWays)
         EXPECT_EQ(Ints(MouseDownY(word), MouseDownModifiers(word)), Ints(y, kShiftKey | kCommandKey));
     }
     EXPECT_EQ(MouseDownModifiers(PackMouseDownWord(-1, kNoModifiers)), kNoModifiers);
-}
-
-TEST(ToolboxDialogLayouts, PopUpEntriesComeFromTheLayout)
-{
-    Resource layoutResource;
-    layoutResource.type = kDialogLayoutType;
-    layoutResource.id = 40;
-    layoutResource.strings = {"item 11 = popup 0 0 100 20 \"Style:\"",
-                              "entries 11 = \"Drum staff\" \"Percussion clef\" \"Slash notation\""};
-    DialogLayout layout;
-    std::string error;
-    ASSERT_TRUE(ReadDialogLayout(layoutResource, layout, error)) << error;
-    Dialog* dialog = NewDialogFromLayout(layout);
-    ASSERT_NE(dialog, nullptr);
-    const DialogItem* popup = dialog->Item(11);
-    ASSERT_EQ(popup->MenuEntryCount(), 3);
-    EXPECT_EQ(*popup->MenuEntryText(3), "Slash notation");
-    EXPECT_EQ(Ints(popup->Maximum(), popup->Value()), Ints(3, 1));
-    DisposeAllDialogs();
 }

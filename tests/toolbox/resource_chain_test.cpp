@@ -100,18 +100,27 @@ TEST_F(ResourceChain, ReopeningAndClosing)
     EXPECT_EQ(CurResFile(), -1);
 }
 
-TEST_F(ResourceChain, OpenFailuresSayWhy)
+// Each failure names the file and what is wrong; the classic call answers the same number.
+TEST_F(ResourceChain, OpenFailuresNameTheFileAndWhatIsWrong)
 {
-    for (const auto& [spec, error] : {std::pair{Spec("missing.rsrc"), kFileNotFound},
-                                      std::pair{FileSpec{folder_ / "no-folder", "x.rsrc"}, kDirNotFound}}) {
-        EXPECT_EQ(OpenResFile(spec, true), -1);
-        EXPECT_EQ(ResError(), error) << spec.Path();
-    }
-
     const FileSpec broken = WriteFile("broken.rsrc", "resource 'STR#' 1 {\n    1 = oops\n}\n");
-    EXPECT_EQ(OpenResFile(broken, true), -1);
-    EXPECT_EQ(ResError(), kBadResourceFile);
-    EXPECT_EQ(ResErrorText(), broken.Path() + ":2: expected a quoted string, found 'oops'");
+    const FileSpec missing = Spec("missing.rsrc");
+    const FileSpec noFolder{folder_ / "no-folder", "x.rsrc"};
+    struct Case {
+        FileSpec spec;
+        OSErr code;
+        std::string message;
+    };
+    for (const Case& expected :
+         {Case{missing, kFileNotFound, missing.Path() + ": file not found"},
+          Case{noFolder, kDirNotFound, noFolder.Path() + ": folder not found"},
+          Case{broken, kBadResourceFile, broken.Path() + ":2: expected a quoted string, found 'oops'"}}) {
+        const Result<ResFileRef> opened = OpenResourceFile(expected.spec, true);
+        EXPECT_FALSE(opened);
+        EXPECT_EQ(opened.Message(), expected.message);
+        EXPECT_EQ(support::Ints(opened.Code(), OpenResFile(expected.spec, true), ResError()),
+                  support::Ints(expected.code, -1, expected.code));
+    }
     EXPECT_EQ(CurResFile(), -1);
 }
 
@@ -190,9 +199,9 @@ TEST_F(ResourceChain, AFailedWriteLeavesTheOldFileIntact)
 
 TEST_F(ResourceChain, TheBundleFileHoldsEveryTextThePlugInAsksFor)
 {
-    const ResFileRef ref =
-        OpenResFile(FileSpec{support::SourceDir() + "/tamberlyne/resources", "Tamberlyne.rsrc"}, true);
-    ASSERT_GT(ref, 0) << ResErrorText();
+    const Result<ResFileRef> ref =
+        OpenResourceFile(FileSpec{support::SourceDir() + "/tamberlyne/resources", "Tamberlyne.rsrc"}, true);
+    ASSERT_TRUE(ref) << ref.Message();
     // The plug-in cuts menu texts after 63 bytes and alert texts after 255.
     for (const auto& [list, entries, limit] : {std::array<int16_t, 3>{20000, 3, 64}, {20001, 12, 256}})
         for (int16_t entry = 1; entry <= entries; ++entry) {

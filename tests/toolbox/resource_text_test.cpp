@@ -58,9 +58,9 @@ void ExpectSameResources(const ResourceFile& expected, const ResourceFile& actua
 std::string ParseError(const std::string& text)
 {
     ResourceFile file;
-    std::string error;
-    EXPECT_FALSE(file.Parse(text, "bad.rsrc", error)) << text;
-    return error;
+    const Status parsed = file.Parse(text, "bad.rsrc");
+    EXPECT_EQ(parsed.Code(), kBadResourceFile) << text;
+    return parsed.Message();
 }
 
 }   // namespace
@@ -73,29 +73,29 @@ TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
     for (int i = 0; i < 40; ++i) longText += "Trommel \xC3\xA4\xE2\x82\xAC\xF0\x9F\xA5\x81 ";
 
     ResourceFile original;
-    original.Put(MakeList(20001,
-                          {"say \"hi\" \\ back", "two\nlines\tand tab", std::string("zero\0byte", 9), "",
-                           "Caf\xC3\xA9 \xE2\x80\x93 \xE3\x83\x89\xE3\x83\xA9\xE3\x83\xA0", "stray \xFF\xC3 bytes",
-                           "# not a comment", "\x01\x7F\r"},
-                          "Alerts \"quoted\" # too"));
-    original.Put(MakeList(-32768, {}));
-    original.Put(MakeData(kStringType, 32767, "single string"));
-    original.Put(MakeData(kVrnx, 20000, std::string("1\0", 2), "tamberlyne"));
-    original.Put(MakeData(kData, 0, allBytes));
-    original.Put(MakeData(kData, 1, ""));
-    original.Put(MakeData(kData, 2, "line one\nline two\n\nlast without end"));
-    original.Put(MakeData(kData, 3, longText));
-    original.Put(MakeData(0x61275C01, 4, "odd type code"));   // a ' \ and a control byte in the type
+    ASSERT_TRUE(original.Put(MakeList(20001,
+                                      {"say \"hi\" \\ back", "two\nlines\tand tab", std::string("zero\0byte", 9), "",
+                                       "Caf\xC3\xA9 \xE2\x80\x93 \xE3\x83\x89\xE3\x83\xA9\xE3\x83\xA0",
+                                       "stray \xFF\xC3 bytes", "# not a comment", "\x01\x7F\r"},
+                                      "Alerts \"quoted\" # too")));
+    ASSERT_TRUE(original.Put(MakeList(-32768, {})));
+    ASSERT_TRUE(original.Put(MakeData(kStringType, 32767, "single string")));
+    ASSERT_TRUE(original.Put(MakeData(kVrnx, 20000, std::string("1\0", 2), "tamberlyne")));
+    ASSERT_TRUE(original.Put(MakeData(kData, 0, allBytes)));
+    ASSERT_TRUE(original.Put(MakeData(kData, 1, "")));
+    ASSERT_TRUE(original.Put(MakeData(kData, 2, "line one\nline two\n\nlast without end")));
+    ASSERT_TRUE(original.Put(MakeData(kData, 3, longText)));
+    ASSERT_TRUE(original.Put(MakeData(0x61275C01, 4, "odd type code")));   // a ' \ and a control byte in the type
     Resource dialog;
     dialog.type = kDialogLayoutType;
     dialog.id = 20129;
     dialog.strings = {"title = \"Grooves\"", "size = 400 300", "item 1 = button 320 260 390 280 \"OK\""};
-    original.Put(dialog);
+    ASSERT_TRUE(original.Put(dialog));
 
     const std::string printed = original.Print();
     ResourceFile reread;
-    std::string error;
-    ASSERT_TRUE(reread.Parse(printed, "printed", error)) << error << "\n" << printed;
+    const Status parsed = reread.Parse(printed, "printed");
+    ASSERT_TRUE(parsed) << parsed.Message() << "\n" << printed;
     ExpectSameResources(original, reread);
     EXPECT_EQ(printed, reread.Print());
 
@@ -123,8 +123,8 @@ TEST(ResourceText, ReadsAHandWrittenFile)
                              "resource 'STR ' -5 {\n"
                              "}";
     ResourceFile file;
-    std::string error;
-    ASSERT_TRUE(file.Parse(text, "hand.rsrc", error)) << error;
+    const Status parsed = file.Parse(text, "hand.rsrc");
+    ASSERT_TRUE(parsed) << parsed.Message();
     ASSERT_EQ(file.All().size(), 3u);
 
     const Resource* menu = file.Find(kStringListType, 20000);
@@ -182,14 +182,19 @@ TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
     for (const auto& [text, expected] : cases) EXPECT_EQ(ParseError(text), expected);
 }
 
-TEST(ResourceText, AFailedParseKeepsWhatWasThere)
+TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
 {
     ResourceFile file;
-    std::string error;
-    ASSERT_TRUE(file.Parse("resource 'STR ' 1 {\n    text = \"kept\"\n}\n", "good", error));
-    EXPECT_FALSE(file.Parse("resource 'STR ' 2 {\n", "bad", error));
+    ASSERT_TRUE(file.Parse("resource 'STR ' 1 {\n    text = \"kept\"\n}\n", "good"));
+    EXPECT_FALSE(file.Parse("resource 'STR ' 2 {\n", "bad"));
     ASSERT_EQ(file.All().size(), 1u);
     EXPECT_EQ(file.All()[0].data, Bytes("kept"));
+
+    const Status saved = SaveResourceFile("/nonexistent-folder/saved.rsrc", file);
+    EXPECT_EQ(saved.Code(), kDirNotFound);
+    EXPECT_EQ(saved.Message(), "/nonexistent-folder/saved.rsrc: folder not found");
+    const Result<ResourceFile> loaded = LoadResourceFile("/nonexistent-folder/saved.rsrc");
+    EXPECT_EQ(loaded.Message(), saved.Message());
 }
 
 TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
@@ -202,8 +207,7 @@ TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
                              "    item 8=popup 240 64 400 84 \"Staff:\"\n"
                              "}\n";
     ResourceFile file;
-    std::string error;
-    ASSERT_TRUE(file.Parse(text, "dlog.rsrc", error)) << error;
+    ASSERT_TRUE(file.Parse(text, "dlog.rsrc"));
     const Resource* resource = file.Find(kDialogLayoutType, 20129);
     ASSERT_NE(resource, nullptr);
     EXPECT_EQ(resource->strings,
@@ -211,8 +215,9 @@ TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
                                         "item 1 = button 330 260 400 280 \"OK\"", "item 4 = user 20 40 220 240",
                                         "item 8 = popup 240 64 400 84 \"Staff:\""}));
 
-    DialogLayout layout;
-    ASSERT_TRUE(ReadDialogLayout(*resource, layout, error)) << error;
+    const Result<DialogLayout> read = ReadDialogLayout(*resource);
+    ASSERT_TRUE(read) << read.Message();
+    const DialogLayout& layout = *read;
     ASSERT_EQ(layout.items.size(), 3u);
     const DialogItemSpec& user = layout.items[1];
     const DialogItemSpec& popup = layout.items[2];
@@ -223,6 +228,8 @@ TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
 
     Resource broken = *resource;
     broken.strings.push_back("size = 1 1");
-    EXPECT_FALSE(ReadDialogLayout(broken, layout, error));
-    EXPECT_EQ(error, "line 6: the dialog has a size already");
+    EXPECT_EQ(ReadDialogLayout(broken).Message(), "line 6: the dialog has a size already");
+    EXPECT_EQ(FindDialogItem(layout, DialogItemKind::kPopup, "Staff:"), &popup);
+    EXPECT_EQ(FindDialogItem(layout, DialogItemKind::kUserItem), &user);
+    EXPECT_EQ(FindDialogItem(layout, DialogItemKind::kPopup, "Style:"), nullptr);
 }

@@ -228,18 +228,15 @@ TEST_F(DialogService, ItemServicesWorkOnTheLiveModel)
                        t.SX_KillTimer(dialog, 4, kPluginApiVersion)};
             EXPECT_EQ(t.SX_GetDlgCntl(dialog, 6, kPluginApiVersion), nullptr) << "static text is no control";
             EXPECT_EQ(toolbox::LiveControl(t.SX_GetDlgCntl(dialog, 5, kPluginApiVersion)), session.Dialog().Item(5));
-            std::string why;
             for (const auto& [item, problem] : std::vector<std::pair<int16_t, std::string>>{
                      {3, "item 3 (\"Loud\") is disabled"},
                      {1, "item 1 (\"OK\") is hidden"},
                      {5, "item 5 (\"Kit:\") is not a button, radio button or checkbox"}}) {
-                EXPECT_FALSE(session.Press(item, why));
-                EXPECT_EQ(why, problem);
+                EXPECT_EQ(session.Press(item).Message(), problem);
             }
-            EXPECT_FALSE(session.Click(toolbox::Point{400, 10}, 0, why));
+            EXPECT_FALSE(session.Click(toolbox::Point{400, 10}, 0));
             EXPECT_TRUE(t.SX_EndDialog(dialog, 4, kPluginApiVersion));
-            EXPECT_FALSE(session.Press(2, why));
-            EXPECT_EQ(why, "the dialog has ended");
+            EXPECT_EQ(session.Press(2).Message(), "the dialog has ended");
         }
     } checker;
     stavio::Host host(stavio::HostSettings{}, &checker);

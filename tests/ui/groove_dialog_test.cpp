@@ -138,10 +138,10 @@ TEST_P(GrooveDialog, AFailedInsertionKeepsTheDialogOpen)
     const stavio::RecordStore before = session.host.document().Records();
     bool buttonsBack = false;
     session.frontEnd.inspect = [&](stavio::DialogSession& dialog) {
-        std::string why;
-        ASSERT_TRUE(dialog.ClickListRowNamed(*dialog.ListInItem(4), "Broken", why)) << why;
-        ASSERT_TRUE(dialog.ChooseNamed(11, "Slash notation", why)) << why;
-        ASSERT_TRUE(dialog.Press(1, why)) << why;
+        for (const toolbox::Status& done : {dialog.ClickListRowNamed(*dialog.ListInItem(4), "Broken"),
+                                            dialog.ChooseNamed(11, "Slash notation"), dialog.Press(1)}) {
+            ASSERT_TRUE(done) << done.Message();
+        }
         EXPECT_FALSE(dialog.Ended());
         buttonsBack = dialog.Dialog().Item(1)->IsEnabled() && dialog.Dialog().Item(2)->IsEnabled();
     };
@@ -176,14 +176,12 @@ TEST_P(GrooveDialog, TheRadioButtonsSwitchTheStaffPopUp)
     BundleHost session(Session({"Rock.mid"}));
     std::vector<DialogView> views;
     session.frontEnd.inspect = [&](stavio::DialogSession& dialog) {
-        std::string why;
-        EXPECT_TRUE(dialog.Press(6, why)) << why;
+        EXPECT_TRUE(dialog.Press(6));
         views.push_back(ViewOf(dialog));
-        EXPECT_FALSE(dialog.Choose(8, 1, why));
-        EXPECT_TRUE(Has(why, "disabled")) << why;
-        EXPECT_TRUE(dialog.Press(7, why)) << why;
+        EXPECT_TRUE(Has(dialog.Choose(8, 1).Message(), "disabled"));
+        EXPECT_TRUE(dialog.Press(7));
         views.push_back(ViewOf(dialog));
-        EXPECT_TRUE(dialog.Choose(8, 1, why)) << why;
+        EXPECT_TRUE(dialog.Choose(8, 1));
     };
     session.Fill({DialogAction::PressItem(2)}, &kWholeScore);
     ASSERT_EQ(views.size(), 2u);

@@ -29,17 +29,16 @@ void WritePrefs(const DialogHostBase& session, const std::string& data)
     option.id = 20000;
     option.name = "tamberlyne";
     option.data.assign(data.begin(), data.end());
-    file.Put(option);
-    ASSERT_EQ(toolbox::SaveResourceFile(PrefsPath(session), file), toolbox::kNoErr);
+    ASSERT_TRUE(file.Put(option));
+    ASSERT_TRUE(toolbox::SaveResourceFile(PrefsPath(session), file));
 }
 
 // The option's resource in the file on disk.
 std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
 {
-    toolbox::ResourceFile file;
-    std::string error;
-    if (!toolbox::LoadResourceFile(PrefsPath(session), file, error)) return std::nullopt;
-    const toolbox::Resource* option = file.Find(kPrefsResourceType, 20000);
+    const toolbox::Result<toolbox::ResourceFile> file = toolbox::LoadResourceFile(PrefsPath(session));
+    if (!file) return std::nullopt;
+    const toolbox::Resource* option = file->Find(kPrefsResourceType, 20000);
     return option != nullptr ? std::optional<toolbox::Resource>(*option) : std::nullopt;
 }
 

@@ -109,7 +109,7 @@ std::string AllNotes(const stavio::ScriptedFrontEnd& frontEnd)
 BundleHost::BundleHost(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves)
     : DialogHostBase(std::move(doc), pose, grooves)
 {
-    EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().reason);
+    EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().message);
 }
 
 BundleHost::~BundleHost()

@@ -182,7 +182,7 @@ bool DialogLayoutReader::ReadEntries(text::LineCursor& cursor, std::string& norm
     return true;
 }
 
-bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::string& error)
+Result<DialogLayout> ReadDialogLayout(const Resource& resource)
 {
     try {
         DialogLayoutReader reader;
@@ -190,16 +190,21 @@ bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::strin
             std::string normalized;
             std::string what;
             if (!reader.ReadLine(resource.strings[i], normalized, what)) {
-                error = "line " + std::to_string(i + 1) + ": " + what;
-                return false;
+                return Status::Failure("line " + std::to_string(i + 1) + ": " + what, kBadResourceFile);
             }
         }
-        layout = reader.Layout();
-        return true;
+        return reader.Layout();
     } catch (...) {
-        error = "out of memory";
-        return false;
+        return Status::Failure("out of memory", kMemFull);
     }
+}
+
+const DialogItemSpec* FindDialogItem(const DialogLayout& layout, DialogItemKind kind, const std::string& label)
+{
+    for (const DialogItemSpec& item : layout.items) {
+        if (item.kind == kind && (label.empty() || item.label == label)) return &item;
+    }
+    return nullptr;
 }
 
 }   // namespace toolbox

@@ -33,25 +33,24 @@ std::string DescribeLayout(int16_t layoutId)
 
 }   // namespace
 
-OSErr NewDialog(int16_t layoutId, Dialog*& dialog, std::string* problem) noexcept
+Result<Dialog*> NewDialog(int16_t layoutId)
 {
-    dialog = nullptr;
     try {
         const Resource* resource = GetResource(kDialogLayoutType, layoutId);
         if (resource == nullptr) {
-            if (problem != nullptr) *problem = DescribeLayout(layoutId) + ": not found";
-            return kResourceNotFound;
+            return Status::Failure(DescribeLayout(layoutId) + ": not found", kResourceNotFound);
         }
-        DialogLayout layout;
-        std::string error;
-        if (!ReadDialogLayout(*resource, layout, error)) {
-            if (problem != nullptr) *problem = DescribeLayout(layoutId) + ": " + error;
-            return kBadResourceFile;
+        const Result<DialogLayout> layout = ReadDialogLayout(*resource);
+        if (!layout) {
+            return layout.status().Within(DescribeLayout(layoutId));
         }
-        dialog = Keep(layout, layoutId);
-        return dialog != nullptr ? kNoErr : kMemFull;
+        Dialog* dialog = Keep(*layout, layoutId);
+        if (dialog == nullptr) {
+            return Status::Failure(DescribeLayout(layoutId) + ": out of memory", kMemFull);
+        }
+        return dialog;
     } catch (...) {
-        return kMemFull;
+        return Status::Failure(DescribeLayout(layoutId) + ": out of memory", kMemFull);
     }
 }
 

@@ -5,9 +5,6 @@
 // see the same chain. Everything runs on the user-interface thread.
 #include "toolbox/resources.h"
 
-#include "os_errors.h"
-#include "resource_loading.h"
-
 #include <cerrno>
 #include <climits>
 #include <cstdlib>
@@ -17,7 +14,7 @@ namespace toolbox {
 
 namespace {
 
-struct OpenResourceFile {
+struct ChainedFile {
     ResFileRef ref = -1;
     std::string path;            // as given when opened, for messages
     std::string canonicalPath;   // to recognise the same file opened by another path, and to
@@ -27,11 +24,10 @@ struct OpenResourceFile {
 };
 
 struct Chain {
-    std::vector<std::unique_ptr<OpenResourceFile>> files;   // oldest first
+    std::vector<std::unique_ptr<ChainedFile>> files;   // oldest first
     ResFileRef current = -1;
     ResFileRef lastRef = 0;
     OSErr lastError = kNoErr;
-    std::string lastErrorText;
 };
 
 Chain& TheChain()
@@ -56,7 +52,7 @@ int IndexOf(ResFileRef ref)
     return -1;
 }
 
-OpenResourceFile* FileFor(ResFileRef ref)
+ChainedFile* FileFor(ResFileRef ref)
 {
     const int index = IndexOf(ref);
     return index < 0 ? nullptr : TheChain().files[static_cast<size_t>(index)].get();
@@ -110,16 +106,7 @@ OSErr ResError()
     return TheChain().lastError;
 }
 
-std::string ResErrorText()
-{
-    try {
-        return TheChain().lastErrorText;
-    } catch (...) {
-        return {};
-    }
-}
-
-ResFileRef OpenResFile(const FileSpec& spec, bool readOnly)
+Result<ResFileRef> OpenResourceFile(const FileSpec& spec, bool readOnly)
 {
     Chain& chain = TheChain();
     try {
@@ -129,32 +116,35 @@ ResFileRef OpenResFile(const FileSpec& spec, bool readOnly)
             if (file->canonicalPath == canonical) {
                 file->readOnly = file->readOnly && readOnly;
                 chain.current = file->ref;
-                chain.lastErrorText.clear();
                 SetError(kNoErr);
                 return file->ref;
             }
         }
-        auto file = std::make_unique<OpenResourceFile>();
-        std::string error;
-        const OSErr err = LoadResourceFileStatus(path, file->contents, error);
-        if (err != kNoErr) {
-            chain.lastErrorText = error;
-            SetError(err);
-            return -1;
+        Result<ResourceFile> contents = LoadResourceFile(path);
+        if (!contents) {
+            SetError(contents.Code());
+            return contents.status();
         }
+        auto file = std::make_unique<ChainedFile>();
+        file->contents = std::move(*contents);
         file->path = path;
         file->canonicalPath = canonical;
         file->readOnly = readOnly;
         file->ref = NextFreeRef();
         chain.files.push_back(std::move(file));
         chain.current = chain.files.back()->ref;
-        chain.lastErrorText.clear();
         SetError(kNoErr);
         return chain.current;
     } catch (...) {
         SetError(kMemFull);
-        return -1;
+        return Status::Failure(spec.name + ": out of memory", kMemFull);
     }
+}
+
+ResFileRef OpenResFile(const FileSpec& spec, bool readOnly)
+{
+    const Result<ResFileRef> ref = OpenResourceFile(spec, readOnly);
+    return ref ? *ref : ResFileRef{-1};
 }
 
 OSErr CreateResFile(const FileSpec& spec)
@@ -221,13 +211,11 @@ std::optional<std::string> GetIndString(int16_t listId, int16_t index)
 
 OSErr AddResource(const Resource& resource)
 {
-    OpenResourceFile* file = FileFor(TheChain().current);
+    ChainedFile* file = FileFor(TheChain().current);
     if (file == nullptr) return SetError(kResFileNotOpen);
     if (file->contents.Find(resource.type, resource.id) != nullptr) return SetError(kAddResFailed);
     try {
-        const size_t before = file->contents.All().size();
-        file->contents.Put(resource);
-        return SetError(file->contents.All().size() > before ? kNoErr : kMemFull);
+        return SetError(file->contents.Put(resource).Code());
     } catch (...) {
         return SetError(kMemFull);
     }
@@ -235,7 +223,7 @@ OSErr AddResource(const Resource& resource)
 
 OSErr ChangeResource(ResType type, int16_t id, const std::vector<uint8_t>& data)
 {
-    OpenResourceFile* file = FileFor(TheChain().current);
+    ChainedFile* file = FileFor(TheChain().current);
     if (file == nullptr) return SetError(kResFileNotOpen);
     Resource* existing = file->contents.Find(type, id);
     if (existing == nullptr) return SetError(kResourceNotFound);
@@ -249,17 +237,11 @@ OSErr ChangeResource(ResType type, int16_t id, const std::vector<uint8_t>& data)
 
 OSErr WriteResFile(ResFileRef ref)
 {
-    Chain& chain = TheChain();
-    const OpenResourceFile* file = FileFor(ref);
+    const ChainedFile* file = FileFor(ref);
     if (file == nullptr) return SetError(kResFileNotOpen);
     try {
-        if (file->readOnly) {
-            chain.lastErrorText = file->path + ": opened read-only";
-            return SetError(kPermissionErr);
-        }
-        const OSErr err = SaveResourceFile(file->canonicalPath, file->contents);
-        if (err != kNoErr) chain.lastErrorText = file->path + ": " + DescribeOSErr(err);
-        return SetError(err);
+        if (file->readOnly) return SetError(kPermissionErr);
+        return SetError(SaveResourceFile(file->canonicalPath, file->contents).Code());
     } catch (...) {
         return SetError(kMemFull);
     }
@@ -270,7 +252,6 @@ void CloseAllResFiles()
     Chain& chain = TheChain();
     chain.files.clear();
     chain.current = -1;
-    chain.lastErrorText.clear();
     SetError(kNoErr);
 }
 

@@ -3,7 +3,6 @@
 
 #include "dialog_layout.h"
 #include "os_errors.h"
-#include "resource_loading.h"
 #include "text_syntax.h"
 
 #include <map>
@@ -269,21 +268,19 @@ std::string PrintAll(const std::vector<Resource>& resources)
 
 // ---- ResourceFile --------------------------------------------------------------------------------
 
-bool ResourceFile::Parse(const std::string& text, const std::string& sourceName, std::string& error)
+Status ResourceFile::Parse(const std::string& text, const std::string& sourceName)
 {
     try {
         std::vector<Resource> parsed;
         Parser parser;
         std::string where;
         if (!parser.Run(text, parsed, where)) {
-            error = sourceName + ":" + where;
-            return false;
+            return Status::Failure(sourceName + ":" + where, kBadResourceFile);
         }
         resources_ = std::move(parsed);
-        return true;
+        return Status::Ok();
     } catch (...) {
-        error = sourceName + ": out of memory";
-        return false;
+        return Status::Failure(sourceName + ": out of memory", kMemFull);
     }
 }
 
@@ -309,16 +306,17 @@ Resource* ResourceFile::Find(ResType type, int16_t id)
     return const_cast<Resource*>(static_cast<const ResourceFile&>(*this).Find(type, id));
 }
 
-void ResourceFile::Put(Resource resource)
+Status ResourceFile::Put(Resource resource)
 {
     if (Resource* existing = Find(resource.type, resource.id)) {
         *existing = std::move(resource);
-        return;
+        return Status::Ok();
     }
     try {
         resources_.push_back(std::move(resource));
+        return Status::Ok();
     } catch (...) {
-        // Out of memory: the file stays as it was.
+        return Status::Failure(Describe(resource.type, resource.id) + ": out of memory", kMemFull);
     }
 }
 
@@ -335,35 +333,33 @@ bool ResourceFile::Remove(ResType type, int16_t id)
 
 // ---- Files on disk --------------------------------------------------------------------------------
 
-OSErr LoadResourceFileStatus(const std::string& path, ResourceFile& file, std::string& error)
+Result<ResourceFile> LoadResourceFile(const std::string& path)
 {
     try {
         std::vector<uint8_t> bytes;
         const OSErr err = ReadWholeFile(FileSpecFromPath(path), bytes);
         if (err != kNoErr) {
-            error = path + ": " + DescribeOSErr(err);
-            return err;
+            return Status::Failure(path + ": " + DescribeOSErr(err), err);
         }
-        const std::string text(bytes.begin(), bytes.end());
-        return file.Parse(text, path, error) ? kNoErr : kBadResourceFile;
+        ResourceFile file;
+        const Status parsed = file.Parse(std::string(bytes.begin(), bytes.end()), path);
+        if (!parsed) {
+            return parsed;
+        }
+        return file;
     } catch (...) {
-        error = path + ": out of memory";
-        return kMemFull;
+        return Status::Failure(path + ": out of memory", kMemFull);
     }
 }
 
-bool LoadResourceFile(const std::string& path, ResourceFile& file, std::string& error)
-{
-    return LoadResourceFileStatus(path, file, error) == kNoErr;
-}
-
-OSErr SaveResourceFile(const std::string& path, const ResourceFile& file)
+Status SaveResourceFile(const std::string& path, const ResourceFile& file)
 {
     try {
         const std::string text = PrintAll(file.All());
-        return WriteWholeFile(FileSpecFromPath(path), text.data(), text.size());
+        const OSErr err = WriteWholeFile(FileSpecFromPath(path), text.data(), text.size());
+        return err == kNoErr ? Status::Ok() : Status::Failure(path + ": " + DescribeOSErr(err), err);
     } catch (...) {
-        return kMemFull;
+        return Status::Failure(path + ": out of memory", kMemFull);
     }
 }
 

@@ -13,6 +13,7 @@
 #include "toolbox/geometry.h"
 #include "toolbox/lists.h"
 #include "toolbox/resources.h"
+#include "toolbox/status.h"
 #include "toolbox/timers.h"
 
 #include <memory>
@@ -162,10 +163,10 @@ private:
 };
 
 // Makes a dialog from the 'DLOG' resource `layoutId`, found through the resource chain from the
-// current file. kResourceNotFound when there is none, kBadResourceFile when its lines do not
-// make a layout (`problem`, when given, then says which and why), kMemFull. `dialog` is null on
-// failure.
-OSErr NewDialog(int16_t layoutId, Dialog*& dialog, std::string* problem = nullptr) noexcept;
+// current file; dispose of it with DisposeDialog. A failure names the layout and what is wrong:
+// kResourceNotFound when there is none, kBadResourceFile when its lines do not make a layout,
+// kMemFull.
+Result<Dialog*> NewDialog(int16_t layoutId);
 // Makes a dialog from a layout at hand; null when memory runs out.
 Dialog* NewDialogFromLayout(const DialogLayout& layout) noexcept;
 // Disposes of the dialog, its lists and timers. Null and unknown pointers are ignored.

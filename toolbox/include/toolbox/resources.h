@@ -8,6 +8,7 @@
 
 #include "toolbox/errors.h"
 #include "toolbox/files.h"
+#include "toolbox/status.h"
 
 #include <cstdint>
 #include <optional>
@@ -38,14 +39,16 @@ struct Resource {
 
 class ResourceFile {
 public:
-    // Parses the text form. On failure returns false and sets `error` to "<source>:<line>: <what>".
-    bool Parse(const std::string& text, const std::string& sourceName, std::string& error);
+    // Parses the text form; on failure (kBadResourceFile) the message is "<source>:<line>: <what>"
+    // and the file keeps what it held.
+    Status Parse(const std::string& text, const std::string& sourceName);
     std::string Print() const;
 
     const Resource* Find(ResType type, int16_t id) const;
     Resource* Find(ResType type, int16_t id);
-    // Adds or replaces the resource of that type and id.
-    void Put(Resource resource);
+    // Adds or replaces the resource of that type and id; kMemFull (and the file as it was) when
+    // memory runs out.
+    Status Put(Resource resource);
     bool Remove(ResType type, int16_t id);
     const std::vector<Resource>& All() const { return resources_; }
 
@@ -53,10 +56,11 @@ private:
     std::vector<Resource> resources_;
 };
 
-// Reads and parses a resource file; the error names the file and the line.
-bool LoadResourceFile(const std::string& path, ResourceFile& file, std::string& error);
-// Writes it atomically.
-OSErr SaveResourceFile(const std::string& path, const ResourceFile& file);
+// Reads and parses a resource file. A failure names the file: "<path>: file not found" (the file
+// system's status), "<path>:<line>: <what>" (kBadResourceFile), "<path>: out of memory".
+Result<ResourceFile> LoadResourceFile(const std::string& path);
+// Writes it atomically; a failure names the file and what the file system said.
+Status SaveResourceFile(const std::string& path, const ResourceFile& file);
 
 // ---- Dialog layouts ('DLOG') ----------------------------------------------------------------------
 
@@ -92,9 +96,12 @@ struct DialogLayout {
     std::vector<DialogItemSpec> items;   // in the order of the resource's lines
 };
 
-// Reads the lines of a 'DLOG' resource. On failure returns false and sets `error` to
-// "line <n>: <what>" (n counts the resource's lines from 1).
-bool ReadDialogLayout(const Resource& resource, DialogLayout& layout, std::string& error);
+// Reads the lines of a 'DLOG' resource. A failure (kBadResourceFile) says "line <n>: <what>" (n
+// counts the resource's lines from 1).
+Result<DialogLayout> ReadDialogLayout(const Resource& resource);
+// The first item of that kind whose label reads `label` (any label when `label` is empty); null
+// when the layout has none.
+const DialogItemSpec* FindDialogItem(const DialogLayout& layout, DialogItemKind kind, const std::string& label = "");
 
 // ---- The chain ------------------------------------------------------------------------------------
 
@@ -103,16 +110,17 @@ ResFileRef CurResFile();
 // Makes an open file current (kResFileNotOpen and no change for a reference that is not open);
 // -1 makes no file current, so that what CurResFile returned can always be put back.
 void UseResFile(ResFileRef ref);
-// The status of the last chain call (kNoErr, kFileNotFound, kBadResourceFile, kResourceNotFound ...).
+// The status number of the last chain call (kNoErr, kFileNotFound, kBadResourceFile,
+// kResourceNotFound ...), for callers of the classic calls below.
 OSErr ResError();
-// The text of the last failed open or write: "<file>:<line>: <what>" for a file that does not
-// parse, "<file>: <what>" otherwise; empty after a successful open. For messages to people.
-std::string ResErrorText();
 
-// Opens a resource file and makes it current; -1 on failure (ResError tells why). Opening a file
-// that is open already (the same file by any path) returns its reference and makes it current;
-// its place in the chain stays, and asking for write access then grants it. `readOnly` files are
-// never written (kPermissionErr); they can be changed in memory.
+// Opens a resource file and makes it current. Opening a file that is open already (the same
+// file by any path) gives its reference and makes it current; its place in the chain stays, and
+// asking for write access then grants it. `readOnly` files are never written (kPermissionErr);
+// they can be changed in memory. A failure names the file and what is wrong, as
+// LoadResourceFile's do; ResError gives its number too.
+Result<ResFileRef> OpenResourceFile(const FileSpec& spec, bool readOnly);
+// The classic form of OpenResourceFile: -1 on failure (ResError tells why).
 ResFileRef OpenResFile(const FileSpec& spec, bool readOnly);
 // Creates an empty resource file; kDuplicateFile when the file exists.
 OSErr CreateResFile(const FileSpec& spec);
