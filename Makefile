@@ -5,7 +5,7 @@
 # Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-                   libbenchmark-dev
+                   libbenchmark-dev libpugixml-dev libzip-dev pkg-config
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz

@@ -40,11 +40,11 @@ Container ContainerForPath(const std::string& path);
 
 // One staff of the host document, as it came from the file.
 struct StaffInfo {
-    int32_t inst = 0;          // host instrument number (== slot in list 0)
-    size_t part = 0;           // index into ScoreFile::Parts()
-    int staffInPart = 1;       // 1.. (<staff> number within the part)
-    std::string name;          // the part's name (with " (n)" added for staff n > 1 of a part)
-    bool drum = false;         // plays on channel 10 or is a percussion staff with unpitched notes
+    int32_t inst = 0;      // host instrument number (== slot in list 0)
+    size_t part = 0;       // index into ScoreFile::Parts()
+    int staffInPart = 1;   // 1.. (<staff> number within the part)
+    std::string name;      // the part's name (with " (n)" added for staff n > 1 of a part)
+    bool drum = false;     // plays on channel 10 or is a percussion staff with unpitched notes
 };
 
 struct PartInfo {
@@ -52,18 +52,18 @@ struct PartInfo {
     std::string name;           // <part-name>
     std::string abbreviation;   // <part-abbreviation>
     int staves = 1;
-    int32_t firstInst = 0;      // host instrument of its first staff
-    int midiChannel = 0;        // 1..16, 0 when the file gives none
-    int midiProgram = 0;        // 1..128, 0 when the file gives none
+    int32_t firstInst = 0;   // host instrument of its first staff
+    int midiChannel = 0;     // 1..16, 0 when the file gives none
+    int midiProgram = 0;     // 1..128, 0 when the file gives none
     bool drum = false;
 };
 
 struct MeasureInfo {
     std::string number;   // the score's own number attribute ("0", "12a", "X1")
     bool implicit = false;
-    int beats = 4;        // the time signature in force
+    int beats = 4;   // the time signature in force
     int beatType = 4;
-    int fifths = 0;       // the key signature in force
+    int fifths = 0;   // the key signature in force
 };
 
 class ScoreFile {
