@@ -14,8 +14,8 @@ const std::vector<Command>& Commands()
          FillUsageText},
         {"info", "SCORE [--json]", "the parts, staves, measures and meters of a MusicXML score", RunInfoCommand,
          InfoUsageText},
-        {"convert", "IN -o OUT", "a MusicXML score between .musicxml and .mxl, nothing else changed",
-         RunConvertCommand, ConvertUsageText},
+        {"convert", "IN -o OUT", "a MusicXML score between .musicxml and .mxl, nothing else changed", RunConvertCommand,
+         ConvertUsageText},
     };
     return commands;
 }

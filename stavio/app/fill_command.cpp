@@ -4,6 +4,7 @@
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/score_fill.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/host.h"
@@ -216,7 +217,12 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         err << "tamberlyne: " << error << "\n\n" << FillUsageText();
         return kExitUsage;
     }
-    if (options.measures && options.measures->last > kDemoMeasures) {
+    std::optional<ScoreFill> scoreFill;   // a MusicXML score instead of the demo score
+    if (options.score) {
+        if (const int status = PrepareScoreFill(options, scoreFill, err); status != kExitOk) {
+            return status;
+        }
+    } else if (options.measures && options.measures->last > kDemoMeasures) {
         err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
             << "-" << options.measures->last << " goes past its end\n";
         return kExitUsage;
@@ -252,7 +258,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         settings.pluginFolder = toolbox::FileSpec{toolbox::ApplicationFolder(), "PlugIns"}.Path();
     }
     Host host(settings, &frontEnd);
-    host.SetDocument(BuildDemoDocument());
+    host.SetDocument(scoreFill ? scoreFill->score.document() : BuildDemoDocument());
     host.LoadPlugins();
     size_t plugin = host.Plugins().size();
     for (size_t index = 0; index < host.Plugins().size(); ++index) {
@@ -279,17 +285,19 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     }
 
     const EREGION measures = options.measures ? selection : before.WholeRegion();
+    // With the score going to standard output, the report goes to the error stream.
+    std::ostream& reportOut = scoreFill && scoreFill->output == "-" ? err : out;
     if (options.json) {
-        WriteJsonReport(out, report, before, host.document(), measures);
+        WriteJsonReport(reportOut, report, before, host.document(), measures);
     } else {
-        WriteTextReport(out, report);
-        PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
+        WriteTextReport(reportOut, report);
+        PrintStaffChanges(reportOut, before, host.document(), measures, ReportFormat::Text);
     }
     if (report.result != 1) {
         err << "tamberlyne: nothing was filled: " << report.message << "\n";
         return kExitFailure;
     }
-    return kExitOk;
+    return scoreFill ? FinishScoreFill(*scoreFill, host.document(), reportOut, err) : kExitOk;
 }
 
 }   // namespace stavio::app

@@ -92,11 +92,21 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
         const std::string& argument = arguments[index];
         std::string value;
         if (IsOption(argument, "--measures")) {
-            MeasureRange range;
-            if (!TakeValue(arguments, index, "--measures", value, error) || !ReadMeasureRange(value, range, error)) {
+            if (!TakeValue(arguments, index, "--measures", value, error)) {
                 return false;
             }
-            options.measures = range;
+            options.measuresText = value;
+        } else if (argument == "-o" || IsOption(argument, "--output")) {
+            if (!TakeValue(arguments, index, argument == "-o" ? "-o" : "--output", value, error)) {
+                return false;
+            }
+            options.output = value;
+        } else if (argument == "--in-place" || argument == "--force" || argument == "--dry-run") {
+            (argument == "--in-place" ? options.inPlace
+             : argument == "--force"  ? options.force
+                                      : options.dryRun) = true;
+        } else if (argument == "-" && !options.score) {
+            options.score = argument;
         } else if (IsOption(argument, "--groove")) {
             if (!TakeValue(arguments, index, "--groove", value, error)) {
                 return false;
@@ -134,25 +144,41 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
         } else if (!argument.empty() && argument[0] == '-') {
             error = "unknown option \"" + argument + "\" for the fill command";
             return false;
+        } else if (!options.score) {
+            options.score = argument;
         } else {
-            error = "the fill command takes no arguments besides its options (got \"" + argument + "\")";
+            error = "the fill command takes one score (got \"" + *options.score + "\" and \"" + argument + "\")";
             return false;
         }
+    }
+    // A score's measures are its own numbers, resolved against the score (score_fill.h).
+    if (options.measuresText && !options.score) {
+        MeasureRange range;
+        if (!ReadMeasureRange(*options.measuresText, range, error)) {
+            return false;
+        }
+        options.measures = range;
     }
     return true;
 }
 
 std::string FillUsageText()
 {
-    return "Usage: tamberlyne [options] fill [fill options]\n"
+    return "Usage: tamberlyne [options] fill [SCORE] [fill options]\n"
            "\n"
            "Runs the Tamberlyne plug-in on a demo score (16 measures of 4/4, a piano staff \"Piano\"\n"
            "and a drum staff \"Drums\") through the host's whole interface, and prints what changed.\n"
            "The plug-in's dialog is answered from the options below; in a terminal without --groove\n"
            "it is shown and you choose yourself.\n"
            "\n"
+           "With SCORE (a .musicxml, .xml or .mxl file, or - for standard input) the plug-in fills\n"
+           "that score instead, and the result is written beside it as NAME.drums.musicxml (or\n"
+           "NAME.drums.mxl): only the filled measures of the target staff and what the plug-in\n"
+           "changed on it are rewritten, every other byte is the input's.\n"
+           "\n"
            "Fill options:\n"
-           "  --measures FIRST-LAST  select these measures on every staff (default: nothing is\n"
+           "  --measures FIRST-LAST  select these measures on every staff; with SCORE, the measure\n"
+           "                         numbers the score shows (a pickup is often 0; default: nothing is\n"
            "                         selected, and the plug-in asks whether to fill the whole score)\n"
            "  --groove NAME          the groove to choose in the dialog's list (\"Rock\" or \"Rock.mid\")\n"
            "  --staff NAME|NUMBER    the staff to choose in the staff pop-up (by name or from 1);\n"
@@ -165,6 +191,11 @@ std::string FillUsageText()
            "                         \"Tamberlyne\" (default: the per-user library, filled from the\n"
            "                         bundled one on first use)\n"
            "  --interactive          show the dialog in the terminal and let you choose\n"
+           "  -o, --output OUT       write the filled score to OUT (- for standard output; the\n"
+           "                         report then goes to standard error)\n"
+           "  --in-place             write the filled score over SCORE itself\n"
+           "  --force                replace an existing OUT\n"
+           "  --dry-run              show what would change (the drum grid) and write nothing\n"
            "  --json                 print the result as JSON (an interactive dialog is then shown\n"
            "                         on the error stream)\n"
            "\n"

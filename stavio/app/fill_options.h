@@ -28,6 +28,13 @@ struct FillOptions {
     std::optional<std::string> library;   // the folder holding the .mid files
     bool interactive = false;
     bool json = false;
+    // A MusicXML score to fill instead of the demo score (score_fill.h).
+    std::optional<std::string> score;
+    std::optional<std::string> measuresText;   // --measures as given: the score's own numbers
+    std::optional<std::string> output;         // -o OUT ("-": standard output)
+    bool inPlace = false;
+    bool force = false;
+    bool dryRun = false;
 };
 
 // Parses the arguments that follow the command. On failure returns false and sets `error` to a
