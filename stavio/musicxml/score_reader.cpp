@@ -387,6 +387,9 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
                 const int newDivisions = IntOf(child.child("divisions"));
                 if (newDivisions > 0 && newDivisions <= kMaxDivisions) {
                     divisions = newDivisions;
+                    if (leading) {
+                        measureIndex.divisionsAtStart = divisions;   // the kept leading attributes set it
+                    }
                 }
                 if (pugi::xml_node key = child.child("key")) {
                     fifths = IntOf(key.child("fifths"));

@@ -226,7 +226,8 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
     const PartInfo& info = score_.Parts()[staff.part];
     const int32_t measures = static_cast<int32_t>(std::min(part.measures.size(), score_.Measures().size()));
     const bool drumAfter = DrumChannel(after_, inst) || staff.drum;
-    const bool becameDrum = drumAfter && !staff.drum;
+    // A written drum staff plays on the drum channel: its part's MIDI instruments move there.
+    const bool becameDrum = DrumChannel(after_, inst) && info.midiChannel != kMidiDrumChannel;
 
     std::vector<bool> rewrite(static_cast<size_t>(measures) + 1, false);
     std::set<int> keys;
@@ -241,7 +242,7 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
             }
         }
     }
-    bool otherChange = becameDrum;
+    bool otherChange = DrumChannel(after_, inst) != DrumChannel(before_, inst);
     for (int32_t meas = 1; meas <= measures && !otherChange; ++meas) {
         otherChange = MeasureClef(before_, inst, meas) != MeasureClef(after_, inst, meas) ||
                       SlashAt(before_, inst, meas) != SlashAt(after_, inst, meas) ||
