@@ -209,14 +209,14 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas)
 }
 
 MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, bool drum, int divisions,
-                               const std::map<int, std::string>& instrumentOf)
+                               const std::map<int, std::string>& instrumentOf, int32_t restLength)
 {
     MeasureMusic music;
     const PercussionMap* kitInDocument = doc.PercussionMapOf(kDefaultPercussionMap);
     const PercussionMap kit = kitInDocument != nullptr ? *kitInDocument : GeneralMidiKit();
     EDTMeasureSpec2005 spec{};
     doc.Read(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0), spec, kMeasureSpecVersion);
-    const int32_t measureLength = std::max<int32_t>(spec.beats * spec.divbeat, 1);
+    const int32_t measureLength = restLength > 0 ? restLength : std::max<int32_t>(spec.beats * spec.divbeat, 1);
 
     // Layer 0 is split into hands (voice 1) and feet (voice 2) on a drum staff; the other
     // layers hold the rests slash notation keeps there and are not written.
@@ -268,6 +268,9 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
         } else {
             units = Lcm(units, exactUnits(entry.actual, kEduPerQuarter));
         }
+    }
+    if (hands.entries.empty()) {
+        units = Lcm(units, exactUnits(measureLength, kEduPerQuarter));
     }
     music.divisions = static_cast<int>(std::min<int64_t>(units, 1 << 20));
     for (Voice* voice : {&hands, &feet}) {

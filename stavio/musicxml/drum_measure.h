@@ -23,8 +23,9 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas);
 
 // The notes of staff `inst` in measure `meas`. `divisions` is the part's divisions there; the
 // result uses a multiple of it when the notes need finer units. `instrumentOf` names the
-// score-instrument of each key (left out of the notes when it holds fewer than two).
+// score-instrument of each key (left out of the notes when it holds fewer than two). A measure
+// without entries is a whole-measure rest of `restLength` EDU (0: the measure's meter).
 MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, bool drum, int divisions,
-                               const std::map<int, std::string>& instrumentOf);
+                               const std::map<int, std::string>& instrumentOf, int32_t restLength = 0);
 
 }   // namespace stavio::musicxml

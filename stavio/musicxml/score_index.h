@@ -23,6 +23,7 @@ struct MeasureIndex {
                                 // attributes and barline elements (insertions go here)
     int divisionsAtStart = 1;   // the part's <divisions> in force where the measure starts
     int divisionsAtEnd = 1;
+    int32_t length = 0;              // EDU the measure's music lasts (a pickup is shorter than its meter)
     std::vector<int> clefsWritten;   // staves (1..) that have a <clef> in this measure
 };
 

@@ -371,6 +371,7 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
 
         int64_t position = 0;
         int64_t lastStart = 0;
+        int64_t furthest = 0;
         bool leading = true;
         std::vector<LayerBuild*> lastLayer;
         for (pugi::xml_node child : measure.children()) {
@@ -427,6 +428,7 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
                 position += IntOf(child.child("duration"));
                 lastLayer.clear();
             }
+            furthest = std::max(furthest, position);
             if (position == 0 || build.clefs[meas].empty()) {
                 build.clefs[meas].resize(build.staves.size());
                 for (size_t staff = 0; staff < build.staves.size(); ++staff) {
@@ -443,6 +445,8 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
             }
         }
         measureIndex.divisionsAtEnd = divisions;
+        measureIndex.length =
+            static_cast<int32_t>(std::min<int64_t>(furthest * kEduPerQuarter / std::max(divisions, 1), INT32_MAX));
         index.measures.push_back(measureIndex);
         if (first) {
             MeasureInfo info;

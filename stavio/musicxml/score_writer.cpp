@@ -3,6 +3,7 @@
 #include "sdk/tags.h"
 #include "stavio/document/staff_playback.h"
 #include "stavio/document/text_expressions.h"
+#include "stavio/document_builder.h"
 #include "stavio/musicxml/drum_measure.h"
 #include "stavio/musicxml/mxl_archive.h"
 #include "stavio/musicxml/score_file.h"
@@ -125,6 +126,9 @@ public:
 
 private:
     bool WriteStaff(const StaffInfo& staff, std::string& error);
+    void WriteNewPart(int32_t inst, int number);
+    std::string InstrumentsText(const std::string& partId, const std::set<int>& keys,
+                                std::map<int, std::string>& instrumentOf, const std::string& indent, std::string& midi);
     void WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
                           bool becameDrum);
     // A new line inside the measure at `measureStart`, indented one step deeper than it.
@@ -141,25 +145,19 @@ private:
     std::set<std::string> ids_;
 };
 
-void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
-                              bool becameDrum)
+std::string Writer::InstrumentsText(const std::string& partId, const std::set<int>& keys,
+                                    std::map<int, std::string>& instrumentOf, const std::string& indent,
+                                    std::string& midi)
 {
-    const PartIndex& index = impl_.parts[part];
-    for (const auto& [id, key] : index.keyOfInstrument) {
-        instrumentOf.emplace(key, id);
-    }
     const PercussionMap kit = GeneralMidiKit();
     std::string newInstruments;
-    std::string newMidi;
-    const std::string& text = impl_.text;
-    const std::string childIndent = IndentBefore(text, index.scorePart.begin) + impl_.indentUnit;
     for (int key : keys) {
         if (instrumentOf.count(key) != 0) {
             continue;
         }
-        std::string id = index.id + "-I" + std::to_string(key + 1);
+        std::string id = partId + "-I" + std::to_string(key + 1);
         for (int suffix = 2; ids_.count(id) != 0; ++suffix) {
-            id = index.id + "-I" + std::to_string(key + 1) + "-" + std::to_string(suffix);
+            id = partId + "-I" + std::to_string(key + 1) + "-" + std::to_string(suffix);
         }
         ids_.insert(id);
         instrumentOf[key] = id;
@@ -172,19 +170,32 @@ void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<i
                             : key == 51 || key == 53 || key == 59                                ? "metal.cymbal.ride"
                             : (key >= 41 && key <= 50 && key % 2 == 1) || key == 48 || key == 50 ? "drum.tom-tom"
                                                                                                  : nullptr;
-        newInstruments += impl_.lineEnd + childIndent + "<score-instrument id=\"" + EscapeXml(id) + "\">" +
-                          impl_.lineEnd + childIndent + impl_.indentUnit + "<instrument-name>" + EscapeXml(name) +
-                          "</instrument-name>";
+        newInstruments += impl_.lineEnd + indent + "<score-instrument id=\"" + EscapeXml(id) + "\">" + impl_.lineEnd +
+                          indent + impl_.indentUnit + "<instrument-name>" + EscapeXml(name) + "</instrument-name>";
         if (sound != nullptr) {
             newInstruments +=
-                impl_.lineEnd + childIndent + impl_.indentUnit + "<instrument-sound>" + sound + "</instrument-sound>";
+                impl_.lineEnd + indent + impl_.indentUnit + "<instrument-sound>" + sound + "</instrument-sound>";
         }
-        newInstruments += impl_.lineEnd + childIndent + "</score-instrument>";
-        newMidi += impl_.lineEnd + childIndent + "<midi-instrument id=\"" + EscapeXml(id) + "\">" + impl_.lineEnd +
-                   childIndent + impl_.indentUnit + "<midi-channel>10</midi-channel>" + impl_.lineEnd + childIndent +
-                   impl_.indentUnit + "<midi-unpitched>" + std::to_string(key + 1) + "</midi-unpitched>" +
-                   impl_.lineEnd + childIndent + "</midi-instrument>";
+        newInstruments += impl_.lineEnd + indent + "</score-instrument>";
+        midi += impl_.lineEnd + indent + "<midi-instrument id=\"" + EscapeXml(id) + "\">" + impl_.lineEnd + indent +
+                impl_.indentUnit + "<midi-channel>10</midi-channel>" + impl_.lineEnd + indent + impl_.indentUnit +
+                "<midi-unpitched>" + std::to_string(key + 1) + "</midi-unpitched>" + impl_.lineEnd + indent +
+                "</midi-instrument>";
     }
+    return newInstruments;
+}
+
+void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
+                              bool becameDrum)
+{
+    const PartIndex& index = impl_.parts[part];
+    for (const auto& [id, key] : index.keyOfInstrument) {
+        instrumentOf.emplace(key, id);
+    }
+    const std::string childIndent = IndentBefore(impl_.text, index.scorePart.begin) + impl_.indentUnit;
+    std::string newMidi;
+    const std::string newInstruments = InstrumentsText(index.id, keys, instrumentOf, childIndent, newMidi);
+    const std::string& text = impl_.text;
     if (index.scorePart.end <= index.scorePart.begin) {
         return;
     }
@@ -360,6 +371,97 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
     return true;
 }
 
+void Writer::WriteNewPart(int32_t inst, int number)
+{
+    const std::string& text = impl_.text;
+    const std::string& unit = impl_.indentUnit;
+    const std::string& lineEnd = impl_.lineEnd;
+    std::string id = "P" + std::to_string(number);
+    for (int suffix = 2; ids_.count(id) != 0; ++suffix) {
+        id = "P" + std::to_string(number) + "-" + std::to_string(suffix);
+    }
+    ids_.insert(id);
+    EDTStaffSpec2003 spec{};
+    after_.Read(kTagStaffSpec, RecordKey::Other(static_cast<uint16_t>(inst), 0), spec, 0x08000000);
+    std::string name = TextBlockText(after_, spec.fullName);
+    if (name.empty()) {
+        name = "Drums";
+    }
+
+    const auto measures = static_cast<int32_t>(score_.Measures().size());
+    std::set<int> keys;
+    for (int32_t meas = 1; meas <= measures; ++meas) {
+        const std::set<int> used = KeysInMeasure(after_, inst, meas);
+        keys.insert(used.begin(), used.end());
+    }
+    std::map<int, std::string> instrumentOf;
+
+    // The part list entry, after the last one.
+    const PartIndex& lastPart = impl_.parts.back();
+    const ByteRange lastEntry = lastPart.scorePart.end > lastPart.scorePart.begin ? lastPart.scorePart : impl_.partList;
+    const std::string entryIndent =
+        lastPart.scorePart.end > lastPart.scorePart.begin ? IndentBefore(text, lastEntry.begin) : unit;
+    std::string midi;
+    const std::string instruments = InstrumentsText(id, keys, instrumentOf, entryIndent + unit, midi);
+    std::string entry = lineEnd + entryIndent + "<score-part id=\"" + id + "\">" + lineEnd + entryIndent + unit +
+                        "<part-name>" + EscapeXml(name) + "</part-name>" + instruments + midi + lineEnd + entryIndent +
+                        "</score-part>";
+    const size_t entryAt = lastEntry.end;
+    splices_.push_back(Splice{entryAt, entryAt, entry});
+
+    // The part, after the last one: every measure of the score, rests outside the fill.
+    const std::string partIndent = IndentBefore(text, lastPart.range.begin);
+    const std::string measureIndent = partIndent + unit;
+    const std::string childIndent = measureIndent + unit;
+    std::string part = lineEnd + partIndent + "<part id=\"" + id + "\">";
+    int divisions = 0;
+    bool slash = false;
+    for (int32_t meas = 1; meas <= measures; ++meas) {
+        const MeasureInfo& info = score_.Measures()[static_cast<size_t>(meas - 1)];
+        const MeasureIndex* index = impl_.parts.front().measures.size() >= static_cast<size_t>(meas)
+                                        ? &impl_.parts.front().measures[static_cast<size_t>(meas - 1)]
+                                        : nullptr;
+        const MeasureMusic music = WriteMeasureMusic(after_, inst, meas, true, std::max(divisions, 1), instrumentOf,
+                                                     info.implicit && index != nullptr ? index->length : 0);
+        part += lineEnd + measureIndent + "<measure number=\"" + EscapeXml(info.number) + "\"" +
+                (info.implicit ? " implicit=\"yes\"" : "") + ">";
+        std::string attributes;
+        if (music.divisions != divisions) {
+            attributes += "<divisions>" + std::to_string(music.divisions) + "</divisions>";
+            divisions = music.divisions;
+        }
+        const MeasureInfo* previous = meas > 1 ? &score_.Measures()[static_cast<size_t>(meas - 2)] : nullptr;
+        if (previous == nullptr || previous->fifths != info.fifths) {
+            attributes += "<key><fifths>" + std::to_string(info.fifths) + "</fifths></key>";
+        }
+        if (previous == nullptr || previous->beats != info.beats || previous->beatType != info.beatType) {
+            attributes += "<time><beats>" + std::to_string(info.beats) + "</beats><beat-type>" +
+                          std::to_string(info.beatType) + "</beat-type></time>";
+        }
+        if (previous == nullptr) {
+            attributes += "<clef><sign>percussion</sign></clef>";
+        }
+        if (SlashAt(after_, inst, meas) != slash) {
+            slash = !slash;
+            attributes += slash ? "<measure-style><slash type=\"start\" use-stems=\"no\"/></measure-style>"
+                                : "<measure-style><slash type=\"stop\"/></measure-style>";
+        }
+        if (!attributes.empty()) {
+            part += lineEnd + childIndent + "<attributes>" + attributes + "</attributes>";
+        }
+        for (const std::string& label : LabelsAt(after_, inst, meas)) {
+            part += lineEnd + childIndent + "<direction><direction-type><other-direction print-object=\"no\">" +
+                    EscapeXml(label) + "</other-direction></direction-type></direction>";
+        }
+        for (const std::string& line : music.lines) {
+            part += lineEnd + childIndent + line;
+        }
+        part += lineEnd + measureIndent + "</measure>";
+    }
+    part += lineEnd + partIndent + "</part>";
+    splices_.push_back(Splice{lastPart.range.end, lastPart.range.end, part});
+}
+
 bool Writer::Collect(std::string& error)
 {
     ids_ = impl_.ids;
@@ -368,9 +470,11 @@ bool Writer::Collect(std::string& error)
             return false;
         }
     }
-    if (after_.StaffCount(kMainInstrumentList) > static_cast<int32_t>(score_.Staves().size())) {
-        error = score_.Name() + ": the fill made a new staff; the host does not write new parts yet";
-        return false;
+    // Staves the edit added become new parts after the last one, numbered on from the score's.
+    const auto known = static_cast<int32_t>(score_.Staves().size());
+    int number = static_cast<int>(score_.Parts().size());
+    for (int32_t inst = known + 1; after_.StaffExists(inst); ++inst) {
+        WriteNewPart(inst, ++number);
     }
     return true;
 }

@@ -265,6 +265,20 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
     EXPECT_EQ(KeysOf(filled->document(), 2, 2), (std::set<int>{36, 38, 42}));   // measure "1"
     EXPECT_TRUE(KeysOf(filled->document(), 2, 4) == std::set<int>{36});         // measure "3" as it was
 
+    // A new staff is a new part after the others, which keep their bytes.
+    run = support::RunTamberlyne(fill + "--measures 1-2 --new-staff -o " + (folder / "new.musicxml"), environment);
+    ASSERT_EQ(run.status, 0) << run.err;
+    filled = ScoreFile::Read(folder / "new.musicxml", error);
+    ASSERT_TRUE(filled.has_value()) << error;
+    ASSERT_EQ(filled->Staves().size(), 3U);
+    EXPECT_TRUE(filled->Staves()[2].drum);
+    EXPECT_EQ(KeysOf(filled->document(), 3, 3), (std::set<int>{36, 38, 42}));
+    EXPECT_TRUE(KeysOf(filled->document(), 3, 4).empty());
+    const std::string newText = ReadFile(folder / "new.musicxml");
+    for (const char* id : {"P1", "P2"}) {
+        EXPECT_EQ(PartText(newText, id), PartText(ReadFile(score), id)) << id;
+    }
+
     // Refusals change nothing and create nothing.
     for (const auto& [options, status, complaint] : std::vector<std::tuple<std::string, int, std::string>>{
              {"--measures 1-2", 1, "song.drums.musicxml exists; use --force"},
