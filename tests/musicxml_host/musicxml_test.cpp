@@ -21,7 +21,7 @@ namespace {
 
 std::string ScorePath(const std::string& name)
 {
-    return support::SourceDir() + "/tests/musicxml/files/" + name;
+    return support::SourceDir() + "/tests/musicxml_host/files/" + name;
 }
 
 ScoreFile Open(const std::string& name)
