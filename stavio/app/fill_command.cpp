@@ -209,7 +209,7 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
 
 }   // namespace
 
-int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
+int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostream& err)
 {
     FillOptions options;
     std::string error;
@@ -222,7 +222,10 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         if (const int status = PrepareScoreFill(options, scoreFill, err); status != kExitOk) {
             return status;
         }
-    } else if (options.measures && options.measures->last > kDemoMeasures) {
+    }
+    // The report; it goes to the error stream when the filled score goes to standard output.
+    std::ostream& out = scoreFill && scoreFill->output == "-" ? err : standardOut;
+    if (!scoreFill && options.measures && options.measures->last > kDemoMeasures) {
         err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
             << "-" << options.measures->last << " goes past its end\n";
         return kExitUsage;
@@ -285,19 +288,17 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     }
 
     const EREGION measures = options.measures ? selection : before.WholeRegion();
-    // With the score going to standard output, the report goes to the error stream.
-    std::ostream& reportOut = scoreFill && scoreFill->output == "-" ? err : out;
     if (options.json) {
-        WriteJsonReport(reportOut, report, before, host.document(), measures);
+        WriteJsonReport(out, report, before, host.document(), measures);
     } else {
-        WriteTextReport(reportOut, report);
-        PrintStaffChanges(reportOut, before, host.document(), measures, ReportFormat::Text);
+        WriteTextReport(out, report);
+        PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
     }
     if (report.result != 1) {
         err << "tamberlyne: nothing was filled: " << report.message << "\n";
         return kExitFailure;
     }
-    return scoreFill ? FinishScoreFill(*scoreFill, host.document(), reportOut, err) : kExitOk;
+    return scoreFill ? FinishScoreFill(*scoreFill, host.document(), out, err) : kExitOk;
 }
 
 }   // namespace stavio::app

@@ -672,6 +672,10 @@ std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::stri
     const pugi::xml_parse_result parsed =
         xml.load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset, pugi::parse_default,
                         pugi::encoding_utf8);
+    if (!parsed && score.container_ == Container::Plain && ContainerForPath(name) == Container::Compressed) {
+        error = name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text";
+        return std::nullopt;
+    }
     if (!parsed) {
         error = name + ": not well-formed XML at line " +
                 LineColumn(impl.text, impl.textOffset + static_cast<size_t>(parsed.offset)) + ": " +
