@@ -128,6 +128,21 @@ EREGION SelectionRegion(const MeasureRange& range, int32_t staves)
     return region;
 }
 
+// Each --fill after the first runs the plug-in again on the same document (its own undo step),
+// with the dialog answered for that fill's groove; `invoke` answers the plug-in's result.
+template <typename Invoke>
+void RunMoreFills(const FillOptions& options, int32_t staves, Invoke invoke)
+{
+    for (const FillStep& step : options.moreFills) {
+        FillOptions stepOptions = options;
+        stepOptions.groove = step.groove;
+        stepOptions.measures = step.measures;
+        if (invoke(stepOptions, SelectionRegion(step.measures, staves)) != 1) {
+            return;
+        }
+    }
+}
+
 struct FillReport {
     GrooveLibrary library;
     std::optional<MeasureRange> selection;
@@ -279,8 +294,20 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
 
     const Document before = host.document();
     const int32_t staves = before.StaffCount(kMainInstrumentList);
-    const EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
+    EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);
+    RunMoreFills(options, staves, [&](const FillOptions& step, const EREGION& region) {
+        scripted.SetDialogScript(ScriptFor(step));
+        return report.result = report.result == 1 ? host.Invoke(plugin, &region) : report.result;
+    });
+    if (!options.moreFills.empty()) {
+        // The report covers every filled measure.
+        for (const FillStep& step : options.moreFills) {
+            selection.start.meas = std::min<uint16_t>(selection.start.meas, static_cast<uint16_t>(step.measures.first));
+            selection.end.meas = std::max<uint16_t>(selection.end.meas, static_cast<uint16_t>(step.measures.last));
+        }
+        report.selection = MeasureRange{selection.start.meas, selection.end.meas};
+    }
     report.alerts = interactive ? terminal.Alerts() : scripted.Alerts();
     report.dialogs = frontEnd.DialogLog();
     if (report.result != 1) {

@@ -88,6 +88,7 @@ const char* StyleOptionName(GrooveStyle style)
 
 bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& options, std::string& error)
 {
+    std::vector<FillStep> fills;
     for (size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
         std::string value;
@@ -96,6 +97,16 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
                 return false;
             }
             options.measuresText = value;
+        } else if (IsOption(argument, "--fill")) {
+            if (!TakeValue(arguments, index, "--fill", value, error)) {
+                return false;
+            }
+            const size_t equals = value.find('=');
+            if (equals == std::string::npos || equals == 0 || equals + 1 == value.size()) {
+                error = "option --fill takes MEASURES=GROOVE, such as 1-8=\"Rock 8ths\" (got \"" + value + "\")";
+                return false;
+            }
+            fills.push_back(FillStep{value.substr(0, equals), MeasureRange{}, value.substr(equals + 1)});
         } else if (argument == "-o" || IsOption(argument, "--output")) {
             if (!TakeValue(arguments, index, argument == "-o" ? "-o" : "--output", value, error)) {
                 return false;
@@ -151,6 +162,15 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
             return false;
         }
     }
+    if (!fills.empty()) {
+        if (options.measuresText || options.groove) {
+            error = "--fill names its measures and groove itself; leave out --measures and --groove";
+            return false;
+        }
+        options.measuresText = fills.front().measuresText;
+        options.groove = fills.front().groove;
+        options.moreFills.assign(fills.begin() + 1, fills.end());
+    }
     // A score's measures are its own numbers, resolved against the score (score_fill.h).
     if (options.measuresText && !options.score) {
         MeasureRange range;
@@ -158,6 +178,11 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
             return false;
         }
         options.measures = range;
+        for (FillStep& step : options.moreFills) {
+            if (!ReadMeasureRange(step.measuresText, step.measures, error)) {
+                return false;
+            }
+        }
     }
     return true;
 }
@@ -181,6 +206,10 @@ std::string FillUsageText()
            "                         numbers the score shows (a pickup is often 0; default: nothing is\n"
            "                         selected, and the plug-in asks whether to fill the whole score)\n"
            "  --groove NAME          the groove to choose in the dialog's list (\"Rock\" or \"Rock.mid\")\n"
+           "  --fill MEASURES=GROOVE instead of --measures and --groove: fill these measures with this\n"
+           "                         groove; give it again for more (--fill 1-8=\"Rock 8ths\" --fill\n"
+           "                         9-16=\"Half-Time Groove\"): the plug-in runs once per fill on the\n"
+           "                         same score, one undo step each, and one result is written\n"
            "  --staff NAME|NUMBER    the staff to choose in the staff pop-up (by name or from 1);\n"
            "                         default: the dialog's choice, the last drum staff\n"
            "  --style drums|percussion-clef|slashes\n"

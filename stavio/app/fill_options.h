@@ -18,6 +18,13 @@ struct MeasureRange {
     int last = 0;
 };
 
+// One more fill of the same run (--fill RANGE=GROOVE after the first).
+struct FillStep {
+    std::string measuresText;   // as given
+    MeasureRange measures;      // resolved (the demo's numbers, or the score's through score_fill.h)
+    std::string groove;
+};
+
 struct FillOptions {
     std::optional<MeasureRange> measures;   // none: nothing selected (the plug-in asks)
     std::optional<std::string> groove;      // the groove's name (its file name, with or without ".mid")
@@ -35,6 +42,8 @@ struct FillOptions {
     bool inPlace = false;
     bool force = false;
     bool dryRun = false;
+    // --fill RANGE=GROOVE given more than once: the first sets measures and groove, these follow.
+    std::vector<FillStep> moreFills;
 };
 
 // Parses the arguments that follow the command. On failure returns false and sets `error` to a

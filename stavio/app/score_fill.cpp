@@ -168,6 +168,12 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
             return kExitUsage;
         }
         options.measures = range;
+        for (FillStep& step : options.moreFills) {
+            if (!ResolveMeasures(*score, step.measuresText, step.measures, error)) {
+                err << "tamberlyne: " << error << "\n";
+                return kExitUsage;
+            }
+        }
     }
     if (options.staff && !CheckStaff(*score, *options.staff, error)) {
         err << "tamberlyne: " << error << "\n";

@@ -218,40 +218,75 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
     doc.Read(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(meas), 0), spec, kMeasureSpecVersion);
     const int32_t measureLength = restLength > 0 ? restLength : std::max<int32_t>(spec.beats * spec.divbeat, 1);
 
-    // Layer 0 is split into hands (voice 1) and feet (voice 2) on a drum staff; the other
-    // layers hold the rests slash notation keeps there and are not written.
-    const FrameContent frame = doc.Frame(inst, meas, 0).value_or(FrameContent{});
-    Voice hands{1, true, {}};
-    Voice feet{2, false, {}};
-    bool anyFeet = false;
-    for (size_t i = 0; i < frame.entries.size(); ++i) {
-        const EXENTRY& source = frame.entries[i];
-        VoiceEntry entry;
-        entry.position = source.elldur;
-        entry.actual = source.actdur;
-        entry.notated = source.dura;
-        for (size_t t = 0; t < frame.tuplets.size(); ++t) {
-            const TupletInfo& tuplet = frame.tuplets[t];
-            if (static_cast<int>(i) >= tuplet.stoff && static_cast<int>(i) <= tuplet.enoff) {
-                entry.tuplet = static_cast<int>(t);
-                entry.tupletStart = static_cast<int>(i) == tuplet.stoff;
-                entry.tupletStop = static_cast<int>(i) == tuplet.enoff;
-            }
+    // Layer 0 is split into hands (voice 1) and feet (voice 2) on a drum staff. Each other layer
+    // that holds notes is a voice of its own after them; layers of rests only (slash notation
+    // keeps such rests) are not written.
+    struct WrittenVoice {
+        Voice voice;
+        FrameContent frame;
+    };
+    std::vector<WrittenVoice> voices;
+    int nextVoice = 1;
+    for (int layer = 0; layer < kMaxLayers; ++layer) {
+        const FrameContent frame = doc.Frame(inst, meas, layer).value_or(FrameContent{});
+        const bool hasNotes = std::any_of(frame.entries.begin(), frame.entries.end(),
+                                          [](const EXENTRY& entry) { return (entry.ef & kEntryIsNote) != 0; });
+        if (layer > 0 && !hasNotes) {
+            continue;
         }
-        entry.wholeMeasureRest =
-            (source.ef & kEntryIsNote) == 0 && frame.entries.size() == 1 && source.actdur == measureLength;
-        VoiceEntry footEntry = entry;
-        for (int key : KeysOf(source)) {
-            const PercussionNote* piece = kit.ForKey(key);
-            if (drum && piece != nullptr && piece->foot) {
-                footEntry.keys.push_back(key);
-                anyFeet = true;
-            } else {
-                entry.keys.push_back(key);
+        Voice upper{nextVoice++, true, {}};
+        Voice lower{layer == 0 && drum ? nextVoice++ : 0, false, {}};
+        bool anyLower = false;
+        for (size_t i = 0; i < frame.entries.size(); ++i) {
+            const EXENTRY& source = frame.entries[i];
+            VoiceEntry entry;
+            entry.position = source.elldur;
+            entry.actual = source.actdur;
+            entry.notated = source.dura;
+            for (size_t t = 0; t < frame.tuplets.size(); ++t) {
+                const TupletInfo& tuplet = frame.tuplets[t];
+                if (static_cast<int>(i) >= tuplet.stoff && static_cast<int>(i) <= tuplet.enoff) {
+                    entry.tuplet = static_cast<int>(t);
+                    entry.tupletStart = static_cast<int>(i) == tuplet.stoff;
+                    entry.tupletStop = static_cast<int>(i) == tuplet.enoff;
+                }
             }
+            entry.wholeMeasureRest =
+                (source.ef & kEntryIsNote) == 0 && frame.entries.size() == 1 && source.actdur == measureLength;
+            VoiceEntry lowerEntry = entry;
+            for (int key : KeysOf(source)) {
+                const PercussionNote* piece = kit.ForKey(key);
+                if (lower.number != 0 && piece != nullptr && piece->foot) {
+                    lowerEntry.keys.push_back(key);
+                    anyLower = true;
+                } else {
+                    entry.keys.push_back(key);
+                }
+            }
+            upper.entries.push_back(entry);
+            lowerEntry.wholeMeasureRest = entry.wholeMeasureRest;
+            lower.entries.push_back(lowerEntry);
         }
-        hands.entries.push_back(entry);
-        feet.entries.push_back(footEntry);
+        if (layer > 0) {
+            // A voice of its own: stems down when only feet play in it.
+            upper.stemsUp = std::any_of(upper.entries.begin(), upper.entries.end(), [&](const VoiceEntry& entry) {
+                return std::any_of(entry.keys.begin(), entry.keys.end(), [&](int key) {
+                    const PercussionNote* piece = kit.ForKey(key);
+                    return !drum || piece == nullptr || !piece->foot;
+                });
+            });
+        }
+        if (layer == 0 && upper.entries.empty()) {
+            VoiceEntry rest;
+            rest.actual = measureLength;
+            rest.notated = measureLength;
+            rest.wholeMeasureRest = true;
+            upper.entries.push_back(rest);
+        }
+        voices.push_back(WrittenVoice{upper, frame});
+        if (anyLower) {
+            voices.push_back(WrittenVoice{lower, frame});
+        }
     }
 
     // Durations in divisions: the part's own where they are exact, else a multiple of them.
@@ -260,47 +295,55 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
         const int64_t g = std::gcd(numerator, denominator);
         return denominator / (g == 0 ? 1 : g);
     };
-    for (const VoiceEntry& entry : hands.entries) {
-        if (entry.tuplet >= 0) {
-            const TupletInfo& tuplet = frame.tuplets[static_cast<size_t>(entry.tuplet)];
-            units = Lcm(units, exactUnits(static_cast<int64_t>(entry.notated) * tuplet.tpDef.refNum,
-                                          static_cast<int64_t>(tuplet.tpDef.symbolicNum) * kEduPerQuarter));
-        } else {
-            units = Lcm(units, exactUnits(entry.actual, kEduPerQuarter));
+    auto tupletOf = [](const WrittenVoice& written, const VoiceEntry& entry) -> const TupletInfo* {
+        return entry.tuplet >= 0 ? &written.frame.tuplets[static_cast<size_t>(entry.tuplet)] : nullptr;
+    };
+    for (const WrittenVoice& written : voices) {
+        for (const VoiceEntry& entry : written.voice.entries) {
+            if (const TupletInfo* tuplet = tupletOf(written, entry)) {
+                units = Lcm(units, exactUnits(static_cast<int64_t>(entry.notated) * tuplet->tpDef.refNum,
+                                              static_cast<int64_t>(tuplet->tpDef.symbolicNum) * kEduPerQuarter));
+            } else {
+                units = Lcm(units, exactUnits(entry.actual, kEduPerQuarter));
+                units = Lcm(units, exactUnits(entry.position, kEduPerQuarter));
+            }
         }
     }
-    if (hands.entries.empty()) {
-        units = Lcm(units, exactUnits(measureLength, kEduPerQuarter));
-    }
     music.divisions = static_cast<int>(std::min<int64_t>(units, 1 << 20));
-    for (Voice* voice : {&hands, &feet}) {
-        for (VoiceEntry& entry : voice->entries) {
-            if (entry.tuplet >= 0) {
-                const TupletInfo& tuplet = frame.tuplets[static_cast<size_t>(entry.tuplet)];
-                entry.duration = static_cast<int64_t>(entry.notated) * tuplet.tpDef.refNum * music.divisions /
-                                 (static_cast<int64_t>(tuplet.tpDef.symbolicNum) * kEduPerQuarter);
+    const int32_t beat = spec.divbeat > 0 ? spec.divbeat : kEduPerQuarter;
+    int64_t position = 0;   // where the writing stands, in divisions
+    for (WrittenVoice& written : voices) {
+        int64_t start = 0;
+        for (VoiceEntry& entry : written.voice.entries) {
+            if (const TupletInfo* tuplet = tupletOf(written, entry)) {
+                entry.duration = static_cast<int64_t>(entry.notated) * tuplet->tpDef.refNum * music.divisions /
+                                 (static_cast<int64_t>(tuplet->tpDef.symbolicNum) * kEduPerQuarter);
             } else {
                 entry.duration = static_cast<int64_t>(entry.actual) * music.divisions / kEduPerQuarter;
             }
         }
-    }
-    const int32_t beat = spec.divbeat > 0 ? spec.divbeat : kEduPerQuarter;
-    if (hands.entries.empty()) {
-        VoiceEntry rest;
-        rest.actual = measureLength;
-        rest.notated = measureLength;
-        rest.wholeMeasureRest = true;
-        rest.duration = static_cast<int64_t>(measureLength) * music.divisions / kEduPerQuarter;
-        hands.entries.push_back(rest);
-    }
-    WriteVoice(hands, frame, drum, beat, instrumentOf, kit, music.lines);
-    if (anyFeet) {
-        int64_t total = 0;
-        for (const VoiceEntry& entry : hands.entries) {
-            total += entry.duration;
+        if (position > 0) {
+            music.lines.push_back("<backup><duration>" + std::to_string(position) + "</duration></backup>");
+            position = 0;
         }
-        music.lines.push_back("<backup><duration>" + std::to_string(total) + "</duration></backup>");
-        WriteVoice(feet, frame, drum, beat, instrumentOf, kit, music.lines);
+        // A voice that starts late or leaves a gap moves on with <forward>.
+        std::vector<VoiceEntry> entries = std::move(written.voice.entries);
+        written.voice.entries.clear();
+        for (VoiceEntry& entry : entries) {
+            const int64_t at =
+                entry.tuplet >= 0 ? start : static_cast<int64_t>(entry.position) * music.divisions / kEduPerQuarter;
+            if (at > start) {
+                Voice gapBefore = written.voice;
+                WriteVoice(gapBefore, written.frame, drum, beat, instrumentOf, kit, music.lines);
+                music.lines.push_back("<forward><duration>" + std::to_string(at - start) + "</duration></forward>");
+                written.voice.entries.clear();
+                start = at;
+            }
+            start += entry.duration;
+            written.voice.entries.push_back(entry);
+        }
+        WriteVoice(written.voice, written.frame, drum, beat, instrumentOf, kit, music.lines);
+        position = start;
     }
     return music;
 }
