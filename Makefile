@@ -30,9 +30,11 @@ build: deps
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Fills measures 5-12 of the demo score's drum staff with the bundled "Rock 8ths" groove
-# (the per-user groove folder is filled from the bundled library on first use).
+# (the per-user groove folder is filled from the bundled library on first use) and writes the
+# result as MusicXML, to open in a notation program.
 demo: build
-	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes
+	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes \
+	  -o $(BUILD)/demo.drums.musicxml --force
 
 unit-tests: deps
 	cmake -S . -B $(TEST_BUILD) -G Ninja -DTAMBERLYNE_SANITIZE=ON -DTAMBERLYNE_BENCH=ON

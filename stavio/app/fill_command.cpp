@@ -233,7 +233,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         return kExitUsage;
     }
     std::optional<ScoreFill> scoreFill;   // a MusicXML score instead of the demo score
-    if (options.score) {
+    if (options.score || options.output) {
         if (const int status = PrepareScoreFill(options, scoreFill, err); status != kExitOk) {
             return status;
         }

@@ -1,6 +1,7 @@
 #include "stavio/app/score_fill.h"
 
 #include "stavio/app/commands.h"
+#include "stavio/app/demo_score.h"
 
 #include <filesystem>
 #include <ostream>
@@ -131,13 +132,13 @@ std::string DefaultOutput(const std::string& input)
 
 int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::ostream& err)
 {
-    const std::string& input = *options.score;
+    const std::string input = options.score.value_or("");   // none: the demo score
     if (options.inPlace && options.output) {
         err << "tamberlyne: --in-place and -o contradict each other: the filled score goes to one place\n";
         return kExitUsage;
     }
-    if (options.inPlace && input == "-") {
-        err << "tamberlyne: --in-place needs a score file, not standard input\n";
+    if (options.inPlace && (input == "-" || input.empty())) {
+        err << "tamberlyne: --in-place needs a score file" << (input.empty() ? "" : ", not standard input") << "\n";
         return kExitUsage;
     }
     std::string output = options.inPlace ? input : options.output.value_or(input == "-" ? "-" : DefaultOutput(input));
@@ -156,7 +157,9 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
     }
 
     std::string error;
-    std::optional<musicxml::ScoreFile> score = musicxml::ScoreFile::Read(input, error);
+    std::optional<musicxml::ScoreFile> score =
+        input.empty() ? musicxml::ScoreFile::FromBytes(DemoScoreText(), "the demo score", error)
+                      : musicxml::ScoreFile::Read(input, error);
     if (!score) {
         err << "tamberlyne: " << error << "\n";
         return kExitFailure;

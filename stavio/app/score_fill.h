@@ -17,7 +17,7 @@ struct ScoreFill {
     std::string output;   // the path written, "-" for standard output, "" for a dry run
 };
 
-// Reads options.score, turns --measures (the score's own numbers) into the document's measures
+// Reads options.score (without one, the demo score as MusicXML, for -o), turns --measures (the score's own numbers) into the document's measures
 // (options.measures), checks --staff against the score's staves and settles the output path.
 // On a problem tells `err` (naming the file) and returns the exit status; kExitOk otherwise.
 int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::ostream& err);

@@ -562,10 +562,28 @@ void Reader::BuildDocument(std::vector<PartBuild>& builds)
     for (size_t meas = 0; meas < measures.size(); ++meas) {
         const RecordKey key = RecordKey::Other(static_cast<uint16_t>(meas + 1), 0);
         EDTMeasureSpec2005 spec{};
-        if (measures[meas].fifths != 0 && document.Read(kTagMeasureSpec, key, spec, kMeasureSpecVersion)) {
-            spec.key = static_cast<int16_t>(measures[meas].fifths);
-            document.Write(kTagMeasureSpec, key, spec, kMeasureSpecVersion);
+        if (!document.Read(kTagMeasureSpec, key, spec, kMeasureSpecVersion)) {
+            continue;
         }
+        spec.key = static_cast<int16_t>(measures[meas].fifths);
+        // A pickup (an implicit measure shorter than its meter) is as long as its music: the
+        // host sees its own meter there, so no groove bar is forced into it.
+        int32_t length = 0;
+        for (const PartIndex& part : impl_.parts) {
+            if (meas < part.measures.size()) {
+                length = std::max(length, part.measures[meas].length);
+            }
+        }
+        if (measures[meas].implicit && length > 0 && length < spec.beats * spec.divbeat) {
+            for (int32_t unit : {static_cast<int32_t>(spec.divbeat), kEduPerQuarter, 512, 256, 128, 64}) {
+                if (unit > 0 && length % unit == 0 && length / unit <= INT16_MAX) {
+                    spec.beats = static_cast<int16_t>(length / unit);
+                    spec.divbeat = static_cast<int16_t>(unit);
+                    break;
+                }
+            }
+        }
+        document.Write(kTagMeasureSpec, key, spec, kMeasureSpecVersion);
     }
     for (const StaffInfo& staff : staves) {
         PartBuild& build = builds[staff.part];

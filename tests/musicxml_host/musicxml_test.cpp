@@ -84,7 +84,7 @@ TEST(MusicXmlRead, PartsStavesMeasuresAndNotesComeFromTheFile)
 
     const stavio::Document& doc = score.document();
     EXPECT_EQ(doc.MeasureCount(), 4);
-    EXPECT_EQ(doc.MeasureDuration(1), 4096);
+    EXPECT_EQ(support::Ints(doc.MeasureDuration(1), doc.MeasureDuration(2)), support::Ints(1024, 4096));   // pickup
     // Measure "1": a half-note chord D4 + F#4, two eighths, a quarter rest.
     const stavio::FrameContent guitar = doc.Frame(1, 2, 0).value();
     ASSERT_EQ(guitar.entries.size(), 4U);
@@ -279,6 +279,21 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
         EXPECT_EQ(PartText(newText, id), PartText(ReadFile(score), id)) << id;
     }
 
+    // Two fills in one run, one output; a dry run writes nothing.
+    const std::string twoFills = "fill " + score + " --library " + (folder / "app/Tamberlyne") +
+                                 " --fill 1=\"Rock 8ths\" --fill 3=\"Rock 8ths\" --staff Drums --style drums --yes ";
+    run = support::RunTamberlyne(twoFills + "-o " + (folder / "two.musicxml"), environment);
+    ASSERT_EQ(run.status, 0) << run.err;
+    filled = ScoreFile::Read(folder / "two.musicxml", error);
+    ASSERT_TRUE(filled.has_value()) << error;
+    EXPECT_EQ(KeysOf(filled->document(), 2, 2), (std::set<int>{36, 38, 42}));   // measure "1"
+    EXPECT_EQ(KeysOf(filled->document(), 2, 4), (std::set<int>{36, 38, 42}));   // measure "3"
+    EXPECT_TRUE(KeysOf(filled->document(), 2, 3).empty());                      // "2", between the fills
+    run = support::RunTamberlyne(twoFills + "--dry-run -o " + (folder / "dry.musicxml"), environment);
+    EXPECT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"Dry run: nothing was written", "Closed Hi-Hat"});
+    EXPECT_FALSE(std::filesystem::exists(folder / "dry.musicxml"));
+
     // Refusals change nothing and create nothing.
     for (const auto& [options, status, complaint] : std::vector<std::tuple<std::string, int, std::string>>{
              {"--measures 1-2", 1, "song.drums.musicxml exists; use --force"},
@@ -291,6 +306,17 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
         ExpectHas(run.err, {complaint});
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "x.musicxml"));
+
+    // Without a score, -o writes the filled demo score.
+    run = support::RunTamberlyne("fill --library " + (folder / "app/Tamberlyne") +
+                                     " --measures 5-12 --groove \"Rock 8ths\" --staff Drums --yes -o " +
+                                     (folder / "demo.musicxml"),
+                                 environment);
+    ASSERT_EQ(run.status, 0) << run.err;
+    filled = ScoreFile::Read(folder / "demo.musicxml", error);
+    ASSERT_TRUE(filled.has_value()) << error;
+    EXPECT_EQ(filled->Measures().size(), 16U);
+    EXPECT_EQ(KeysOf(filled->document(), 2, 12), (std::set<int>{36, 38, 42}));
 
     run = support::RunTamberlyne("info " + score);
     EXPECT_EQ(run.status, 0);
