@@ -104,23 +104,6 @@ bool CheckStaff(const musicxml::ScoreFile& score, const std::string& staff, std:
     return true;
 }
 
-// The staff --staff names (by number or by its one matching name); null when it names none.
-const musicxml::StaffInfo* FindStaff(const musicxml::ScoreFile& score, const std::string& staff)
-{
-    const auto& staves = score.Staves();
-    if (!staff.empty() && staff.size() < 6 && staff.find_first_not_of("0123456789") == std::string::npos) {
-        const int number = std::stoi(staff);
-        return number >= 1 && number <= static_cast<int>(staves.size()) ? &staves[static_cast<size_t>(number - 1)]
-                                                                        : nullptr;
-    }
-    for (const musicxml::StaffInfo& info : staves) {
-        if (info.name == staff) {
-            return &info;
-        }
-    }
-    return nullptr;
-}
-
 std::string DefaultOutput(const std::string& input)
 {
     const std::filesystem::path path(input);
@@ -181,14 +164,6 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
     if (options.staff && !CheckStaff(*score, *options.staff, error)) {
         err << "tamberlyne: " << error << "\n";
         return kExitUsage;
-    }
-    if (const musicxml::StaffInfo* target =
-            options.staff && !options.newStaff ? FindStaff(*score, *options.staff) : nullptr;
-        target != nullptr && score->Parts()[target->part].staves > 1) {
-        err << "tamberlyne: " << score->Name() << ": the staff \"" << target->name
-            << "\" is one of several staves of its part; the host does not yet write a fill into such a part. "
-               "Choose a one-staff part, or --new-staff. Nothing was written.\n";
-        return kExitFailure;
     }
     fill = ScoreFill{std::move(*score), output};
     return kExitOk;

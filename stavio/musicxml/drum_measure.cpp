@@ -32,6 +32,7 @@ struct Voice {
     int number = 1;
     bool stemsUp = true;
     std::vector<VoiceEntry> entries;
+    int staff = 0;   // the <staff> of a part with several staves; 0 writes none
 };
 
 std::vector<int> KeysOf(const EXENTRY& entry)
@@ -138,6 +139,9 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
             std::string note = entry.wholeMeasureRest ? "<note><rest measure=\"yes\"/>" : "<note><rest/>";
             note += "<duration>" + std::to_string(entry.duration) + "</duration>";
             tail(note);
+            if (voice.staff > 0) {
+                note += "<staff>" + std::to_string(voice.staff) + "</staff>";
+            }
             if (tuplet != nullptr && (entry.tupletStart || entry.tupletStop)) {
                 note += std::string("<notations><tuplet type=\"") + (entry.tupletStart ? "start" : "stop") +
                         "\"/></notations>";
@@ -171,6 +175,9 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
             note += std::string("<stem>") + (voice.stemsUp ? "up" : "down") + "</stem>";
             if (drum && piece != nullptr && piece->notehead != Notehead::Normal) {
                 note += std::string("<notehead>") + NoteheadName(piece->notehead) + "</notehead>";
+            }
+            if (voice.staff > 0) {
+                note += "<staff>" + std::to_string(voice.staff) + "</staff>";
             }
             if (k == 0) {
                 if (!beam1[i].empty()) {
@@ -209,7 +216,8 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas)
 }
 
 MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, bool drum, int divisions,
-                               const std::map<int, std::string>& instrumentOf, int32_t restLength)
+                               const std::map<int, std::string>& instrumentOf, int32_t restLength, int staff,
+                               int firstVoice)
 {
     MeasureMusic music;
     const PercussionMap* kitInDocument = doc.PercussionMapOf(kDefaultPercussionMap);
@@ -226,7 +234,7 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
         FrameContent frame;
     };
     std::vector<WrittenVoice> voices;
-    int nextVoice = 1;
+    int nextVoice = firstVoice;
     for (int layer = 0; layer < kMaxLayers; ++layer) {
         const FrameContent frame = doc.Frame(inst, meas, layer).value_or(FrameContent{});
         const bool hasNotes = std::any_of(frame.entries.begin(), frame.entries.end(),
@@ -234,8 +242,8 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
         if (layer > 0 && !hasNotes) {
             continue;
         }
-        Voice upper{nextVoice++, true, {}};
-        Voice lower{layer == 0 && drum ? nextVoice++ : 0, false, {}};
+        Voice upper{nextVoice++, true, {}, staff};
+        Voice lower{layer == 0 && drum ? nextVoice++ : 0, false, {}, staff};
         bool anyLower = false;
         for (size_t i = 0; i < frame.entries.size(); ++i) {
             const EXENTRY& source = frame.entries[i];

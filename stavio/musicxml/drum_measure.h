@@ -24,8 +24,11 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas);
 // The notes of staff `inst` in measure `meas`. `divisions` is the part's divisions there; the
 // result uses a multiple of it when the notes need finer units. `instrumentOf` names the
 // score-instrument of each key (left out of the notes when it holds fewer than two). A measure
-// without entries is a whole-measure rest of `restLength` EDU (0: the measure's meter).
+// without entries is a whole-measure rest of `restLength` EDU (0: the measure's meter). In a
+// part with several staves, `staff` is the staff's number (each note says it) and the voices
+// are numbered from `firstVoice`.
 MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, bool drum, int divisions,
-                               const std::map<int, std::string>& instrumentOf, int32_t restLength = 0);
+                               const std::map<int, std::string>& instrumentOf, int32_t restLength = 0,
+                               int staff = 0, int firstVoice = 1);
 
 }   // namespace stavio::musicxml

@@ -127,6 +127,8 @@ public:
 private:
     bool WriteStaff(const StaffInfo& staff, std::string& error);
     void WriteNewPart(int32_t inst, int number);
+    Splice SharedMeasure(const MeasureIndex& index, int staff, std::vector<std::string> lines,
+                         const MeasureMusic& music) const;
     std::string InstrumentsText(const std::string& partId, const std::set<int>& keys,
                                 std::map<int, std::string>& instrumentOf, const std::string& indent, std::string& midi);
     void WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
@@ -262,15 +264,14 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
     if (!any && !otherChange) {
         return true;
     }
-    if (info.staves > 1) {
-        error = score_.Name() + ": the part \"" + info.name +
-                "\" has several staves; the host does not yet write a fill into such a part. Choose a one-staff "
-                "part or a new staff.";
-        return false;
-    }
+    // In a part with several staves, what the host writes names its staff.
+    const bool shared = info.staves > 1;
+    const std::string staffNumber = std::to_string(staff.staffInPart);
+    const std::string numbered = shared ? " number=\"" + staffNumber + "\"" : "";
     std::map<int, std::string> instrumentOf;
     if (drumAfter) {
-        WriteInstruments(staff.part, keys, instrumentOf, becameDrum);
+        // The other staves of a shared part keep their own sound; only the kit is on channel 10.
+        WriteInstruments(staff.part, keys, instrumentOf, becameDrum && !shared);
     }
 
     const std::string& text = impl_.text;
@@ -290,8 +291,10 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
         const bool rewritten = rewrite[static_cast<size_t>(meas)];
         MeasureMusic music;
         if (rewritten) {
-            music = WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtStart, instrumentOf);
-            if (music.divisions != index.divisionsAtStart) {
+            music = shared ? WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtEnd, instrumentOf, 0,
+                                               staff.staffInPart, 4 * (staff.staffInPart - 1) + 1)
+                           : WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtStart, instrumentOf);
+            if (music.divisions != (shared ? index.divisionsAtEnd : index.divisionsAtStart)) {
                 attributes.push_back("<divisions>" + std::to_string(music.divisions) + "</divisions>");
             }
         }
@@ -300,15 +303,16 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
             inForce = clefBefore;
         }
         if (clefAfter != inForce) {
-            attributes.push_back("<clef>" + ClefContent(clefAfter) + "</clef>");
+            attributes.push_back("<clef" + numbered + ">" + ClefContent(clefAfter) + "</clef>");
         }
         shownClef = clefAfter;
         if (slashAfter != shownSlash && slashAfter != SlashAt(before_, inst, meas)) {
-            attributes.push_back(slashAfter ? "<measure-style><slash type=\"start\" use-stems=\"no\"/></measure-style>"
-                                            : "<measure-style><slash type=\"stop\"/></measure-style>");
+            attributes.push_back("<measure-style" + numbered + ">" +
+                                 (slashAfter ? "<slash type=\"start\" use-stems=\"no\"/>" : "<slash type=\"stop\"/>") +
+                                 "</measure-style>");
         } else if (slashAfter != shownSlash && meas > 1 && SlashAt(after_, inst, meas - 1) &&
                    !SlashAt(before_, inst, meas - 1)) {
-            attributes.push_back("<measure-style><slash type=\"stop\"/></measure-style>");
+            attributes.push_back("<measure-style" + numbered + "><slash type=\"stop\"/></measure-style>");
         }
         shownSlash = slashAfter;
 
@@ -324,7 +328,8 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
             for (const std::string& label : labelsAfter) {
                 if (std::find(labelsBefore.begin(), labelsBefore.end(), label) == labelsBefore.end()) {
                     lines.push_back("<direction><direction-type><other-direction print-object=\"no\">" +
-                                    EscapeXml(label) + "</other-direction></direction-type></direction>");
+                                    EscapeXml(label) + "</other-direction></direction-type>" +
+                                    (shared ? "<staff>" + staffNumber + "</staff>" : "") + "</direction>");
                 }
             }
         }
@@ -341,6 +346,10 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
                 }
                 splices_.push_back(Splice{index.leadingEnd, index.leadingEnd, insertion});
             }
+            continue;
+        }
+        if (shared) {
+            splices_.push_back(SharedMeasure(index, staff.staffInPart, lines, music));
             continue;
         }
         lines.insert(lines.end(), music.lines.begin(), music.lines.end());
@@ -369,6 +378,97 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
         splices_.push_back(Splice{index.contentBegin, index.contentEnd, content});
     }
     return true;
+}
+
+// A measure of a part with several staves: the other staves' music stays as it was, the
+// staff's own notes give way to <forward>s of the same length, and its new music follows
+// after a <backup> to the measure's start (before a closing barline).
+Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<std::string> lines,
+                             const MeasureMusic& music) const
+{
+    const std::string& text = impl_.text;
+    const std::string line = ChildLine(index.range.begin);
+    std::string content;
+    size_t copied = index.contentBegin;
+    size_t insertAt = index.leadingEnd;
+    int64_t position = 0;
+    int divisions = index.divisionsAtStart;
+    pugi::xml_document fragment;
+    fragment.load_buffer(text.data() + index.range.begin, index.range.end - index.range.begin, pugi::parse_default,
+                         pugi::encoding_utf8);
+    for (pugi::xml_node child : fragment.document_element().children()) {
+        if (child.type() != pugi::node_element) {
+            continue;
+        }
+        size_t begin = index.range.begin + static_cast<size_t>(child.offset_debug());
+        while (begin > index.range.begin && text[begin] != '<') {
+            --begin;
+        }
+        const size_t end = ElementEnd(text, begin);
+        const std::string name = child.name();
+        const int64_t duration = child.child("duration").text().as_llong();
+        if (name == "attributes" && child.child("divisions").text().as_int() > 0) {
+            const int newDivisions = child.child("divisions").text().as_int();
+            position = position * newDivisions / std::max(divisions, 1);
+            divisions = newDivisions;
+        }
+        if (name == "note") {
+            const bool ownStaff = child.child("staff").text().as_int(1) == staff;
+            const bool timed = !child.child("chord") && !child.child("grace");
+            if (ownStaff) {
+                content += text.substr(copied, begin - copied);
+                if (timed && duration > 0) {
+                    content += "<forward><duration>" + std::to_string(duration) + "</duration></forward>";
+                }
+                copied = end;
+            }
+            position += timed ? duration : 0;
+        } else if (name == "backup") {
+            position = std::max<int64_t>(0, position - duration);
+        } else if (name == "forward") {
+            position += duration;
+        }
+        if (name != "barline") {
+            insertAt = end;
+        }
+    }
+    content += text.substr(copied, insertAt - copied);
+    std::vector<std::string> added;
+    const int64_t back = position;
+    if (back > 0) {
+        added.push_back("<backup><duration>" + std::to_string(back) + "</duration></backup>");
+    }
+    // The attributes (divisions, clef, slashes) and labels belong at the measure's start.
+    std::string attributes;
+    if (music.divisions != divisions) {
+        attributes += "<divisions>" + std::to_string(music.divisions) + "</divisions>";
+    }
+    std::vector<std::string> labels;
+    for (const std::string& item : lines) {
+        if (item.rfind("<attributes>", 0) == 0) {
+            std::string inner = item.substr(12, item.size() - 12 - 13);
+            const size_t ownDivisions = inner.find("<divisions>");
+            if (ownDivisions == 0) {
+                inner.erase(0, inner.find("</divisions>") + 12);
+            }
+            attributes += inner;
+        } else {
+            labels.push_back(item);
+        }
+    }
+    if (!attributes.empty()) {
+        added.push_back("<attributes>" + attributes + "</attributes>");
+    }
+    added.insert(added.end(), labels.begin(), labels.end());
+    added.insert(added.end(), music.lines.begin(), music.lines.end());
+    if (music.divisions != divisions) {
+        added.push_back("<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>");
+    }
+    for (const std::string& item : added) {
+        content += line + item;
+    }
+    content += text.substr(insertAt, index.contentEnd - insertAt);
+    return Splice{index.contentBegin, index.contentEnd, content};
 }
 
 void Writer::WriteNewPart(int32_t inst, int number)

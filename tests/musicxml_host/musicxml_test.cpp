@@ -219,6 +219,40 @@ TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
     }
 }
 
+// In a part with two staves the other staff's notes stay as they were, its own give way.
+TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
+{
+    const ScoreFile score = Open("piano_kit_6-8_crlf.musicxml");
+    stavio::Document edited = score.document();
+    stavio::FrameContent frame;
+    for (int32_t position : {0, 1536}) {
+        EXENTRY entry{};
+        entry.ef = kEntryValid | kEntryIsNote;
+        entry.dura = 1536;
+        entry.actdur = 1536;
+        entry.elldur = position;
+        entry.numNotes = 2;
+        entry.note[0].tcd = stavio::PitchOfKey(36).tcd;
+        entry.note[1].tcd = stavio::PitchOfKey(38).tcd;
+        frame.entries.push_back(entry);
+    }
+    ASSERT_TRUE(edited.SetFrame(1, 1, 0, frame));
+    std::string bytes;
+    std::string error;
+    ASSERT_TRUE(score.Write(edited, Container::Same, bytes, error)) << error;
+    const std::string before = ReadFile(ScorePath("piano_kit_6-8_crlf.musicxml"));
+    EXPECT_EQ(PartText(bytes, "P2"), PartText(before, "P2"));
+    const std::string leftHand = "<note><pitch><step>F</step><octave>3</octave></pitch><duration>9</duration>";
+    ExpectHas(MeasuresOfPart(bytes, "P1")[0],
+              {leftHand, "<forward><duration>6</duration></forward>", "<staff>1</staff>", "\r\n"});
+    EXPECT_EQ(MeasuresOfPart(bytes, "P1")[1], MeasuresOfPart(before, "P1")[1]);
+    std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, "piano", error);
+    ASSERT_TRUE(reread.has_value()) << error;
+    EXPECT_EQ(KeysOf(reread->document(), 1, 1), (std::set<int>{36, 38}));
+    EXPECT_EQ(KeysOf(reread->document(), 2, 1), (std::set<int>{48, 53}));
+    EXPECT_NE(bytes.find("<midi-channel>1</midi-channel><midi-program>1</midi-program>"), std::string::npos);
+}
+
 TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
 {
     support::TempFolder folder;
