@@ -79,7 +79,7 @@ bool CheckStaff(const musicxml::ScoreFile& score, const std::string& staff, std:
     size_t matches = 0;
     for (const musicxml::StaffInfo& info : staves) {
         names += (names.empty() ? "" : ", ") + std::string("\"") + info.name + "\"";
-        matches += info.name == staff ? 1 : 0;
+        matches += info.name == staff ? 1U : 0U;
     }
     const bool number =
         !staff.empty() && staff.find_first_not_of("0123456789") == std::string::npos && staff.size() < 6;

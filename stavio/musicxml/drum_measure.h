@@ -28,7 +28,7 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas);
 // part with several staves, `staff` is the staff's number (each note says it) and the voices
 // are numbered from `firstVoice`.
 MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, bool drum, int divisions,
-                               const std::map<int, std::string>& instrumentOf, int32_t restLength = 0,
-                               int staff = 0, int firstVoice = 1);
+                               const std::map<int, std::string>& instrumentOf, int32_t restLength = 0, int staff = 0,
+                               int firstVoice = 1);
 
 }   // namespace stavio::musicxml

@@ -60,7 +60,7 @@ bool ReadEntry(zip_t* archive, const char* path, std::string& bytes)
         return false;
     }
     // A declared size far past what an archive of this kind holds is refused before allocating.
-    constexpr zip_uint64_t kLargestEntry = 1ULL << 30;
+    constexpr zip_uint64_t kLargestEntry = 1ULL << 28;
     if (stat.size > kLargestEntry) {
         return false;
     }

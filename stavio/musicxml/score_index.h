@@ -48,6 +48,8 @@ struct ScoreFile::Impl {
     std::set<std::string> ids;   // every id attribute value of the score
     std::string indentUnit = "  ";
     std::string lineEnd = "\n";
+    bool nested = false;        // the file puts a note's children on lines of their own
+    bool spacedEmpty = false;   // the file writes empty elements as <chord /> rather than <chord/>
 };
 
 }   // namespace stavio::musicxml

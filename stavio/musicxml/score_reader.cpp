@@ -473,6 +473,10 @@ bool Reader::Run(pugi::xml_node root, std::string& error)
         error = name_ + ": not a MusicXML score: its root element is <" + rootName + ">, not <score-partwise>";
         return false;
     }
+    if (!root.child("part-list")) {
+        error = name_ + ": not a complete MusicXML score: it has no <part-list>";
+        return false;
+    }
     ReadPartList(root.child("part-list"));
     std::vector<PartBuild> builds;
     for (pugi::xml_node part : root.children("part")) {
@@ -716,6 +720,14 @@ std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::stri
             impl.indentUnit = measureIndent.substr(partIndent.size());
         }
     }
+    const size_t firstNote = impl.text.find("<note", impl.textOffset);
+    if (firstNote != std::string::npos) {
+        const size_t tagEnd = StartTagEnd(impl.text, firstNote);
+        const size_t next = tagEnd == std::string::npos ? tagEnd : impl.text.find('<', tagEnd);
+        impl.nested = next != std::string::npos && impl.text.find('\n', tagEnd) < next;
+    }
+    const size_t firstEmpty = impl.text.find("/>", impl.textOffset);
+    impl.spacedEmpty = firstEmpty != std::string::npos && firstEmpty > 0 && impl.text[firstEmpty - 1] == ' ';
     score.document_ = std::move(reader.document);
     score.parts_ = std::move(reader.parts);
     score.staves_ = std::move(reader.staves);

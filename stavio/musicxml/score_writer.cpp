@@ -138,6 +138,21 @@ private:
     {
         return impl_.lineEnd + IndentBefore(impl_.text, measureStart) + impl_.indentUnit;
     }
+    // `element` on a new line inside the measure at `measureStart`, laid out as the file lays
+    // out its notes.
+    std::string NewChild(size_t measureStart, const std::string& element) const
+    {
+        return ElementAt(IndentBefore(impl_.text, measureStart) + impl_.indentUnit, element);
+    }
+    std::string ElementAt(const std::string& indent, const std::string& element) const
+    {
+        std::string laidOut = impl_.nested ? LayOut(element, indent, impl_.indentUnit, impl_.lineEnd) : element;
+        for (size_t at = laidOut.find("/>"); impl_.spacedEmpty && at != std::string::npos;
+             at = laidOut.find("/>", at + 3)) {
+            laidOut.insert(at, " ");
+        }
+        return impl_.lineEnd + indent + laidOut;
+    }
 
     const ScoreFile& score_;
     const ScoreFile::Impl& impl_;
@@ -337,7 +352,7 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
             if (!lines.empty()) {
                 std::string insertion;
                 for (const std::string& line : lines) {
-                    insertion += ChildLine(index.range.begin) + line;
+                    insertion += NewChild(index.range.begin, line);
                 }
                 if (index.contentEnd <= index.contentBegin) {
                     error = score_.Name() + ": measure " + score_.Measures()[static_cast<size_t>(meas - 1)].number +
@@ -361,7 +376,7 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
         // closing barline; its music is the document's.
         std::string content = text.substr(index.contentBegin, index.leadingEnd - index.contentBegin);
         for (const std::string& line : lines) {
-            content += ChildLine(index.range.begin) + line;
+            content += NewChild(index.range.begin, line);
         }
         for (const ChildElement& child : ChildrenOf(text, index.range)) {
             if (child.name == "barline" && child.range.begin >= index.leadingEnd) {
@@ -387,7 +402,6 @@ Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<s
                              const MeasureMusic& music) const
 {
     const std::string& text = impl_.text;
-    const std::string line = ChildLine(index.range.begin);
     std::string content;
     size_t copied = index.contentBegin;
     size_t insertAt = index.leadingEnd;
@@ -465,7 +479,7 @@ Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<s
         added.push_back("<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>");
     }
     for (const std::string& item : added) {
-        content += line + item;
+        content += NewChild(index.range.begin, item);
     }
     content += text.substr(insertAt, index.contentEnd - insertAt);
     return Splice{index.contentBegin, index.contentEnd, content};
@@ -547,14 +561,14 @@ void Writer::WriteNewPart(int32_t inst, int number)
                                 : "<measure-style><slash type=\"stop\"/></measure-style>";
         }
         if (!attributes.empty()) {
-            part += lineEnd + childIndent + "<attributes>" + attributes + "</attributes>";
+            part += ElementAt(childIndent, "<attributes>" + attributes + "</attributes>");
         }
         for (const std::string& label : LabelsAt(after_, inst, meas)) {
-            part += lineEnd + childIndent + "<direction><direction-type><other-direction print-object=\"no\">" +
-                    EscapeXml(label) + "</other-direction></direction-type></direction>";
+            part += ElementAt(childIndent, "<direction><direction-type><other-direction print-object=\"no\">" +
+                                               EscapeXml(label) + "</other-direction></direction-type></direction>");
         }
         for (const std::string& line : music.lines) {
-            part += lineEnd + childIndent + line;
+            part += ElementAt(childIndent, line);
         }
         part += lineEnd + measureIndent + "</measure>";
     }
@@ -658,7 +672,10 @@ bool WriteFileAtomically(const std::string& path, const std::string& bytes, std:
         error = path + ": cannot write a temporary file in " + folder.string() + ": " + std::strerror(errno);
         return false;
     }
-    ::fchmod(fd, 0644);   // a score is the user's document, not a private temporary file
+    // The file keeps the permissions it had; a new one is a readable document, not a private
+    // temporary file.
+    struct stat existing {};
+    ::fchmod(fd, ::stat(path.c_str(), &existing) == 0 ? (existing.st_mode & 07777) : 0644);
     size_t written = 0;
     while (written < bytes.size()) {
         const ssize_t count = ::write(fd, bytes.data() + written, bytes.size() - written);

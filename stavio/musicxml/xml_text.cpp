@@ -1,5 +1,6 @@
 #include "stavio/musicxml/xml_text.h"
 
+#include <algorithm>
 #include <cstdint>
 
 namespace stavio::musicxml {
@@ -212,6 +213,61 @@ std::string LineEndOf(const std::string& text)
 {
     const size_t newline = text.find('\n');
     return newline != std::string::npos && newline > 0 && text[newline - 1] == '\r' ? "\r\n" : "\n";
+}
+
+std::string LayOut(const std::string& xml, const std::string& indent, const std::string& unit,
+                   const std::string& lineEnd)
+{
+    enum class Token {
+        None,
+        Start,
+        End,
+        Empty,
+        Text
+    };
+    std::string out;
+    out.reserve(xml.size() * 2);
+    Token previous = Token::None;
+    int depth = 0;
+    auto newLine = [&](int level) {
+        out += lineEnd + indent;
+        for (int i = 0; i < level; ++i) {
+            out += unit;
+        }
+    };
+    size_t at = 0;
+    while (at < xml.size()) {
+        if (xml[at] != '<') {
+            const size_t end = std::min(xml.find('<', at), xml.size());
+            out.append(xml, at, end - at);
+            at = end;
+            previous = Token::Text;
+            continue;
+        }
+        const size_t end = StartTagEnd(xml, at);
+        if (end == std::string::npos) {
+            out.append(xml, at, std::string::npos);
+            break;
+        }
+        const bool closing = xml[at + 1] == '/';
+        const bool empty = !closing && xml[end - 2] == '/';
+        if (closing) {
+            --depth;
+            if (previous == Token::End || previous == Token::Empty) {
+                newLine(depth);
+            }
+            previous = Token::End;
+        } else {
+            if (previous != Token::None) {
+                newLine(depth);
+            }
+            previous = empty ? Token::Empty : Token::Start;
+            depth += empty ? 0 : 1;
+        }
+        out.append(xml, at, end - at);
+        at = end;
+    }
+    return out;
 }
 
 std::string EscapeXml(const std::string& text)

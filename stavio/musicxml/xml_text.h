@@ -32,6 +32,12 @@ std::string IndentBefore(const std::string& text, size_t offset);
 // The file's line end: "\r\n" when its first line ends so, else "\n".
 std::string LineEndOf(const std::string& text);
 
+// A one-line element the host made, laid out one child element per line, `indent` plus one
+// `unit` deeper per level, for a file that lays its elements out so; text-only elements stay
+// on their line. `xml` holds elements and text only (no comments or mixed content).
+std::string LayOut(const std::string& xml, const std::string& indent, const std::string& unit,
+                   const std::string& lineEnd);
+
 // `text` with &, <, > and " escaped.
 std::string EscapeXml(const std::string& text);
 

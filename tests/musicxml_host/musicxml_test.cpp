@@ -7,6 +7,7 @@
 #include "stavio/document_builder.h"
 #include "stavio/musicxml/mxl_archive.h"
 #include "stavio/musicxml/score_file.h"
+#include "stavio/musicxml/xml_text.h"
 #include "tests/support/test_support.h"
 
 #include <filesystem>
@@ -253,6 +254,18 @@ TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
     EXPECT_NE(bytes.find("<midi-channel>1</midi-channel><midi-program>1</midi-program>"), std::string::npos);
 }
 
+// New elements are laid out as the file lays out its own: a child per line, text inline.
+TEST(MusicXmlWrite, NewElementsFollowTheFilesLayout)
+{
+    EXPECT_EQ(stavio::musicxml::LayOut("<note><chord/><unpitched><display-step>C</display-step></unpitched>"
+                                       "<duration>1</duration></note>",
+                                       "\t\t\t", "\t", "\r\n"),
+              "<note>\r\n\t\t\t\t<chord/>\r\n\t\t\t\t<unpitched>\r\n\t\t\t\t\t<display-step>C</display-step>"
+              "\r\n\t\t\t\t</unpitched>\r\n\t\t\t\t<duration>1</duration>\r\n\t\t\t</note>");
+    EXPECT_EQ(stavio::musicxml::LayOut("<backup><duration>8</duration></backup>", "  ", "  ", "\n"),
+              "<backup>\n    <duration>8</duration>\n  </backup>");
+}
+
 TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
 {
     support::TempFolder folder;
@@ -269,6 +282,7 @@ TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
              {"<html><body/></html>", "not a MusicXML score: its root element is <html>"},
              {"", "an empty file"},
              {"<score-partwise><part-list/></score-partwise>", "without parts"},
+             {"<score-partwise><part id=\"P1\"/></score-partwise>", "it has no <part-list>"},
              {withoutScore, "names other.xml, which the archive does not hold"},
              {"PK\x03\x04garbage", "not a readable .mxl archive"}}) {
         support::WriteFile(folder / "bad.musicxml", bytes);
