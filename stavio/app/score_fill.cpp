@@ -27,9 +27,9 @@ int32_t ResolveMeasure(const musicxml::ScoreFile& score, const std::string& numb
         return 0;
     }
     if (found.size() > 1) {
-        error = score.Name() + " numbers " + std::to_string(found.size()) + " measures " + number + " (the " +
-                std::to_string(found[0]) + "th and " + std::to_string(found[1]) +
-                "th measures, counting from 1); --measures cannot tell which one you mean";
+        error = score.Name() + " numbers " + std::to_string(found.size()) + " measures " + number + " (at positions " +
+                std::to_string(found[0]) + " and " + std::to_string(found[1]) +
+                ", counting from 1), so --measures cannot tell which one you mean";
         return 0;
     }
     return found[0];

@@ -354,6 +354,15 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
         ExpectHas(run.err, {complaint});
     }
     EXPECT_FALSE(std::filesystem::exists(folder / "x.musicxml"));
+    std::string repeated = ReadFile(score);
+    for (size_t at = repeated.find("number=\"2\""); at != std::string::npos; at = repeated.find("number=\"2\"", at)) {
+        repeated.replace(at, 10, "number=\"1\"");
+    }
+    support::WriteFile(folder / "repeated.musicxml", repeated);
+    run = support::RunTamberlyne("fill " + (folder / "repeated.musicxml") + " --measures 1 --groove Rock --yes");
+    EXPECT_EQ(run.status, 2);
+    ExpectHas(run.err, {"numbers 2 measures 1 (at positions 2 and 3", "cannot tell which one you mean"});
+    EXPECT_FALSE(std::filesystem::exists(folder / "repeated.drums.musicxml"));
 
     // Without a score, -o writes the filled demo score.
     run = support::RunTamberlyne("fill --library " + (folder / "app/Tamberlyne") +
