@@ -165,7 +165,7 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
         err << "tamberlyne: " << error << "\n";
         return kExitUsage;
     }
-    fill = ScoreFill{std::move(*score), output};
+    fill = ScoreFill{std::move(*score), output, options.json};
     return kExitOk;
 }
 
@@ -179,8 +179,9 @@ int FinishScoreFill(const ScoreFill& fill, const Document& after, std::ostream& 
         err << "tamberlyne: " << error << "\n";
         return kExitFailure;
     }
+    std::ostream& tell = fill.json ? err : report;
     if (fill.output.empty()) {
-        report << "Dry run: nothing was written\n";
+        tell << (fill.json ? "tamberlyne: dry run: nothing was written\n" : "Dry run: nothing was written\n");
         return kExitOk;
     }
     if (!musicxml::WriteFileAtomically(fill.output, bytes, error)) {
@@ -188,7 +189,7 @@ int FinishScoreFill(const ScoreFill& fill, const Document& after, std::ostream& 
         return kExitFailure;
     }
     if (fill.output != "-") {
-        report << "Wrote " << fill.output << "\n";
+        tell << (fill.json ? "tamberlyne: wrote " : "Wrote ") << fill.output << "\n";
     }
     return kExitOk;
 }

@@ -15,6 +15,7 @@ namespace stavio::app {
 struct ScoreFill {
     musicxml::ScoreFile score;
     std::string output;   // the path written, "-" for standard output, "" for a dry run
+    bool json = false;    // the report is JSON: what was written is told on the error stream
 };
 
 // Reads options.score (without one, the demo score as MusicXML, for -o), turns --measures (the score's own numbers) into the document's measures
