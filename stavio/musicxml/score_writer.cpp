@@ -127,8 +127,8 @@ public:
 private:
     bool WriteStaff(const StaffInfo& staff, std::string& error);
     void WriteNewPart(int32_t inst, int number);
-    Splice SharedMeasure(const MeasureIndex& index, int staff, std::vector<std::string> lines,
-                         const MeasureMusic& music) const;
+    Splice RewriteMeasure(const MeasureIndex& index, int staff, bool shared, const std::vector<std::string>& lines,
+                          const MeasureMusic& music) const;
     std::string InstrumentsText(const std::string& partId, const std::set<int>& keys,
                                 std::map<int, std::string>& instrumentOf, const std::string& indent, std::string& midi);
     void WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
@@ -289,7 +289,6 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
         WriteInstruments(staff.part, keys, instrumentOf, becameDrum && !shared);
     }
 
-    const std::string& text = impl_.text;
     int16_t shownClef = 0;   // the clef in force in the written file
     bool shownSlash = false;
     for (int32_t meas = 1; meas <= measures; ++meas) {
@@ -306,10 +305,10 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
         const bool rewritten = rewrite[static_cast<size_t>(meas)];
         MeasureMusic music;
         if (rewritten) {
-            music = shared ? WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtEnd, instrumentOf, 0,
-                                               staff.staffInPart, 4 * (staff.staffInPart - 1) + 1)
-                           : WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtStart, instrumentOf);
-            if (music.divisions != (shared ? index.divisionsAtEnd : index.divisionsAtStart)) {
+            // The new music is written after what the measure keeps, in the divisions in force there.
+            music = WriteMeasureMusic(after_, inst, meas, drumAfter, index.divisionsAtEnd, instrumentOf, 0,
+                                      shared ? staff.staffInPart : 0, shared ? 4 * (staff.staffInPart - 1) + 1 : 1);
+            if (music.divisions != index.divisionsAtEnd) {
                 attributes.push_back("<divisions>" + std::to_string(music.divisions) + "</divisions>");
             }
         }
@@ -363,50 +362,40 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
             }
             continue;
         }
-        if (shared) {
-            splices_.push_back(SharedMeasure(index, staff.staffInPart, lines, music));
-            continue;
-        }
-        lines.insert(lines.end(), music.lines.begin(), music.lines.end());
-        if (music.divisions != index.divisionsAtEnd) {
-            lines.push_back("<attributes><divisions>" + std::to_string(index.divisionsAtEnd) +
-                            "</divisions></attributes>");
-        }
-        // The measure keeps its start tag, its leading print, attributes and barlines and its
-        // closing barline; its music is the document's.
-        std::string content = text.substr(index.contentBegin, index.leadingEnd - index.contentBegin);
-        for (const std::string& line : lines) {
-            content += NewChild(index.range.begin, line);
-        }
-        for (const ChildElement& child : ChildrenOf(text, index.range)) {
-            if (child.name == "barline" && child.range.begin >= index.leadingEnd) {
-                content +=
-                    ChildLine(index.range.begin) + text.substr(child.range.begin, child.range.end - child.range.begin);
-            }
-        }
-        content += impl_.lineEnd + IndentBefore(text, index.range.begin);
         if (index.contentEnd <= index.contentBegin) {
             error = score_.Name() + ": measure " + score_.Measures()[static_cast<size_t>(meas - 1)].number +
                     " of part \"" + info.name + "\" is an empty element the host cannot fill";
             return false;
         }
-        splices_.push_back(Splice{index.contentBegin, index.contentEnd, content});
+        splices_.push_back(RewriteMeasure(index, staff.staffInPart, shared, lines, music));
     }
     return true;
 }
 
-// A measure of a part with several staves: the other staves' music stays as it was, the
-// staff's own notes give way to <forward>s of the same length, and its new music follows
-// after a <backup> to the measure's start (before a closing barline).
-Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<std::string> lines,
-                             const MeasureMusic& music) const
+// A rewritten measure: its leading print, attributes and barlines stay as they were, so does
+// everything in it that is not the staff's notes (directions, chord symbols, sounds, other
+// staves' notes), each at its own time; then, from the measure's start, the staff's new music
+// with its attributes and labels, and last the closing barline.
+Splice Writer::RewriteMeasure(const MeasureIndex& index, int staff, bool shared, const std::vector<std::string>& lines,
+                              const MeasureMusic& music) const
 {
     const std::string& text = impl_.text;
-    std::string content;
-    size_t copied = index.contentBegin;
-    size_t insertAt = index.leadingEnd;
-    int64_t position = 0;
+    std::string content = text.substr(index.contentBegin, index.leadingEnd - index.contentBegin);
+    std::vector<std::string> closing;
+    int64_t original = 0;   // where the input's element stands in the measure
+    int64_t written = 0;    // where the written text stands
+    int64_t lastStart = 0;
     int divisions = index.divisionsAtStart;
+    auto moveTo = [&](int64_t target) {
+        if (target > written) {
+            content += NewChild(index.range.begin,
+                                "<forward><duration>" + std::to_string(target - written) + "</duration></forward>");
+        } else if (target < written) {
+            content += NewChild(index.range.begin,
+                                "<backup><duration>" + std::to_string(written - target) + "</duration></backup>");
+        }
+        written = target;
+    };
     pugi::xml_document fragment;
     fragment.load_buffer(text.data() + index.range.begin, index.range.end - index.range.begin, pugi::parse_default,
                          pugi::encoding_utf8);
@@ -420,60 +409,69 @@ Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<s
         }
         const size_t end = ElementEnd(text, begin);
         const std::string name = child.name();
-        const int64_t duration = child.child("duration").text().as_llong();
-        if (name == "attributes" && child.child("divisions").text().as_int() > 0) {
+        const int64_t duration = std::max<int64_t>(0, child.child("duration").text().as_llong());
+        if (name == "attributes" && child.child("divisions").text().as_int() > 0 && end > index.leadingEnd) {
             const int newDivisions = child.child("divisions").text().as_int();
-            position = position * newDivisions / std::max(divisions, 1);
+            original = original * newDivisions / std::max(divisions, 1);
+            written = written * newDivisions / std::max(divisions, 1);
+            lastStart = lastStart * newDivisions / std::max(divisions, 1);
             divisions = newDivisions;
         }
-        if (name == "note") {
-            const bool ownStaff = child.child("staff").text().as_int(1) == staff;
-            const bool timed = !child.child("chord") && !child.child("grace");
-            if (ownStaff) {
-                content += text.substr(copied, begin - copied);
-                if (timed && duration > 0) {
-                    content += "<forward><duration>" + std::to_string(duration) + "</duration></forward>";
-                }
-                copied = end;
-            }
-            position += timed ? duration : 0;
-        } else if (name == "backup") {
-            position = std::max<int64_t>(0, position - duration);
-        } else if (name == "forward") {
-            position += duration;
+        if (end <= index.leadingEnd) {
+            continue;   // copied with the leading text
         }
-        if (name != "barline") {
-            insertAt = end;
+        if (name == "backup" || name == "forward") {
+            original = name == "backup" ? std::max<int64_t>(0, original - duration) : original + duration;
+            continue;
+        }
+        const bool note = name == "note";
+        const bool chord = note && child.child("chord");
+        const bool timed = note && !chord && !child.child("grace");
+        const int64_t at = chord ? lastStart : original;
+        if (note && !chord) {
+            lastStart = original;
+        }
+        if (timed) {
+            original += duration;
+        }
+        if (note && (!shared || child.child("staff").text().as_int(1) == staff)) {
+            continue;   // the staff's own notes give way to its new music
+        }
+        const std::string element = text.substr(begin, end - begin);
+        if (name == "barline") {
+            closing.push_back(element);
+            continue;
+        }
+        if (!chord) {
+            moveTo(at);
+        }
+        content += ChildLine(index.range.begin) + element;
+        if (timed) {
+            written += duration;
         }
     }
-    content += text.substr(copied, insertAt - copied);
-    std::vector<std::string> added;
-    const int64_t back = position;
-    if (back > 0) {
-        added.push_back("<backup><duration>" + std::to_string(back) + "</duration></backup>");
-    }
-    // The attributes (divisions, clef, slashes) and labels belong at the measure's start.
+    moveTo(0);
+
+    // The staff's attributes (divisions, clef, slashes) and labels at the measure's start.
     std::string attributes;
     if (music.divisions != divisions) {
         attributes += "<divisions>" + std::to_string(music.divisions) + "</divisions>";
     }
-    std::vector<std::string> labels;
+    std::vector<std::string> added;
     for (const std::string& item : lines) {
         if (item.rfind("<attributes>", 0) == 0) {
             std::string inner = item.substr(12, item.size() - 12 - 13);
-            const size_t ownDivisions = inner.find("<divisions>");
-            if (ownDivisions == 0) {
+            if (inner.rfind("<divisions>", 0) == 0) {
                 inner.erase(0, inner.find("</divisions>") + 12);
             }
             attributes += inner;
         } else {
-            labels.push_back(item);
+            added.push_back(item);
         }
     }
     if (!attributes.empty()) {
-        added.push_back("<attributes>" + attributes + "</attributes>");
+        added.insert(added.begin(), "<attributes>" + attributes + "</attributes>");
     }
-    added.insert(added.end(), labels.begin(), labels.end());
     added.insert(added.end(), music.lines.begin(), music.lines.end());
     if (music.divisions != divisions) {
         added.push_back("<attributes><divisions>" + std::to_string(divisions) + "</divisions></attributes>");
@@ -481,7 +479,10 @@ Splice Writer::SharedMeasure(const MeasureIndex& index, int staff, std::vector<s
     for (const std::string& item : added) {
         content += NewChild(index.range.begin, item);
     }
-    content += text.substr(insertAt, index.contentEnd - insertAt);
+    for (const std::string& barline : closing) {
+        content += ChildLine(index.range.begin) + barline;
+    }
+    content += impl_.lineEnd + IndentBefore(text, index.range.begin);
     return Splice{index.contentBegin, index.contentEnd, content};
 }
 

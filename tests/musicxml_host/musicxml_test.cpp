@@ -211,8 +211,12 @@ TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
             EXPECT_EQ(newMeasures[i] == oldMeasures[i], i != 2) << "measure index " << i;
         }
         // Hands up in voice 1, the kick down in voice 2, the hi-hat's new instrument on channel 10.
-        ExpectHas(newMeasures[2], {"<voice>2</voice><type>quarter</type><stem>down</stem>", "<notehead>x</notehead>",
-                                   "<backup><duration>8</duration></backup>", "<instrument id=\"P2-I43\"/>"});
+        // The measure's rehearsal mark stays at its start, its words after the whole rest.
+        ExpectHas(newMeasures[2],
+                  {"<rehearsal>B</rehearsal>",
+                   "<forward><duration>8</duration></forward>\n      <direction><direction-type><words>fill",
+                   "<voice>2</voice><type>quarter</type><stem>down</stem>", "<notehead>x</notehead>",
+                   "<backup><duration>8</duration></backup>", "<instrument id=\"P2-I43\"/>"});
         ExpectHas(bytes, {"<midi-unpitched>43</midi-unpitched>"});
         std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, name, error);
         ASSERT_TRUE(reread.has_value()) << error;
@@ -220,7 +224,7 @@ TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
     }
 }
 
-// In a part with two staves the other staff's notes stay as they were, its own give way.
+// In a part with two staves the other staff's notes stay as they were, its own give way to the new ones.
 TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
 {
     const ScoreFile score = Open("piano_kit_6-8_crlf.musicxml");
@@ -245,7 +249,7 @@ TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
     EXPECT_EQ(PartText(bytes, "P2"), PartText(before, "P2"));
     const std::string leftHand = "<note><pitch><step>F</step><octave>3</octave></pitch><duration>9</duration>";
     ExpectHas(MeasuresOfPart(bytes, "P1")[0],
-              {leftHand, "<forward><duration>6</duration></forward>", "<staff>1</staff>", "\r\n"});
+              {leftHand, "<backup><duration>18</duration></backup>", "<staff>1</staff>", "\r\n"});
     EXPECT_EQ(MeasuresOfPart(bytes, "P1")[1], MeasuresOfPart(before, "P1")[1]);
     std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, "piano", error);
     ASSERT_TRUE(reread.has_value()) << error;
