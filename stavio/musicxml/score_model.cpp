@@ -4,6 +4,7 @@
 #include "stavio/document/canonical.h"
 #include "stavio/document/clefs.h"
 
+#include <algorithm>
 #include <cstring>
 
 namespace stavio::musicxml {
@@ -103,7 +104,9 @@ int16_t StaffStepOf(char step, int octave)
     static const char kSteps[] = "CDEFGAB";
     const char* found = std::strchr(kSteps, step);
     const int index = found == nullptr || step == '\0' ? 0 : static_cast<int>(found - kSteps);
-    return static_cast<int16_t>(index + 7 * (octave - 4));
+    constexpr int kLowestOctave = -10;   // far past any instrument, well inside the host's range
+    constexpr int kHighestOctave = 20;
+    return static_cast<int16_t>(index + 7 * (std::clamp(octave, kLowestOctave, kHighestOctave) - 4));
 }
 
 char StepLetter(int16_t tcd)

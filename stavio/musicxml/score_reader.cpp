@@ -338,7 +338,8 @@ void Reader::ReadNote(pugi::xml_node note, PartBuild& build, size_t meas, int di
         }
         TupletInfo& open = target.content.tuplets[static_cast<size_t>(target.openTuplet)];
         open.enoff = index;
-        open.tupPeriod += entry.actdur;
+        open.tupPeriod = static_cast<int32_t>(
+            std::clamp<int64_t>(static_cast<int64_t>(open.tupPeriod) + entry.actdur, INT32_MIN, INT32_MAX));
         if (tupletType == "stop") {
             target.openTuplet = -1;
         }
@@ -362,8 +363,12 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
         MeasureIndex measureIndex;
         measureIndex.range = RangeOf(measure, text, impl_.textOffset);
         measureIndex.contentBegin = StartTagEnd(text, measureIndex.range.begin);
+        if (measureIndex.contentBegin == std::string::npos || measureIndex.range.end <= measureIndex.range.begin) {
+            measureIndex.contentBegin = measureIndex.range.begin;   // nothing the writer can splice into
+        }
         measureIndex.contentEnd = measureIndex.contentBegin;
-        if (text[measureIndex.contentBegin - 2] != '/') {
+        if (measureIndex.contentBegin >= 2 && measureIndex.contentBegin > measureIndex.range.begin &&
+            text[measureIndex.contentBegin - 2] != '/') {
             measureIndex.contentEnd = text.rfind('<', measureIndex.range.end - 1);
         }
         measureIndex.leadingEnd = measureIndex.contentBegin;
