@@ -10,8 +10,13 @@ const std::vector<Command>& Commands()
 {
     static const std::vector<Command> commands = {
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
-        {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)", RunFillCommand,
+        {"fill", "[fill options]",
+         "fill measures of a MusicXML score (or a demo score) with a drum groove (see fill --help)", RunFillCommand,
          FillUsageText},
+        {"info", "SCORE [--json]", "the parts, staves, measures and meters of a MusicXML score", RunInfoCommand,
+         InfoUsageText},
+        {"convert", "IN -o OUT", "a MusicXML score between .musicxml and .mxl, nothing else changed", RunConvertCommand,
+         ConvertUsageText},
     };
     return commands;
 }

@@ -27,5 +27,9 @@ std::string UsageText();
 
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunInfoCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunConvertCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string InfoUsageText();
+std::string ConvertUsageText();
 
 }   // namespace stavio::app

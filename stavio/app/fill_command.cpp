@@ -5,6 +5,7 @@
 #include "stavio/app/fill_options.h"
 #include "stavio/app/groove_dialog_script.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/score_fill.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/host.h"
@@ -76,6 +77,21 @@ EREGION SelectionRegion(const MeasureRange& range, int32_t staves)
     region.end = EMUSICPOINT{kMainInstrumentList, static_cast<uint16_t>(staves), static_cast<uint16_t>(range.last),
                              kEndOfMeasure};
     return region;
+}
+
+// Each --fill after the first runs the plug-in again on the same document (its own undo step),
+// with the dialog answered for that fill's groove; `invoke` answers the plug-in's result.
+template <typename Invoke>
+void RunMoreFills(const FillOptions& options, int32_t staves, Invoke invoke)
+{
+    for (const FillStep& step : options.moreFills) {
+        FillOptions stepOptions = options;
+        stepOptions.groove = step.groove;
+        stepOptions.measures = step.measures;
+        if (invoke(stepOptions, SelectionRegion(step.measures, staves)) != 1) {
+            return;
+        }
+    }
 }
 
 struct FillReport {
@@ -159,15 +175,23 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
 
 }   // namespace
 
-int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
+int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostream& err)
 {
     const toolbox::Result<FillOptions> parsed = ParseFillOptions(line.arguments);
     if (!parsed) {
         err << "tamberlyne: " << parsed.Message() << "\n\n" << FillUsageText();
         return kExitUsage;
     }
-    const FillOptions& options = *parsed;
-    if (options.measures && options.measures->last > kDemoMeasures) {
+    FillOptions options = *parsed;
+    std::optional<ScoreFill> scoreFill;   // a MusicXML score instead of the demo score
+    if (options.score || options.output) {
+        if (const int status = PrepareScoreFill(options, scoreFill, err); status != kExitOk) {
+            return status;
+        }
+    }
+    // The report; it goes to the error stream when the filled score goes to standard output.
+    std::ostream& out = scoreFill && scoreFill->output == "-" ? err : standardOut;
+    if (!scoreFill && options.measures && options.measures->last > kDemoMeasures) {
         err << "tamberlyne: the demo score has " << kDemoMeasures << " measures; --measures " << options.measures->first
             << "-" << options.measures->last << " goes past its end\n";
         return kExitUsage;
@@ -204,7 +228,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         settings.pluginFolder = toolbox::FileSpec{toolbox::ApplicationFolder(), "PlugIns"}.Path();
     }
     Host host(settings, &frontEnd);
-    host.SetDocument(BuildDemoDocument());
+    host.SetDocument(scoreFill ? scoreFill->score.document() : BuildDemoDocument());
     host.LoadPlugins();
     size_t plugin = host.Plugins().size();
     for (size_t index = 0; index < host.Plugins().size(); ++index) {
@@ -228,8 +252,25 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
 
     const Document before = host.document();
     const int32_t staves = before.StaffCount(kMainInstrumentList);
-    const EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
+    EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);
+    RunMoreFills(options, staves, [&](const FillOptions& step, const EREGION& region) {
+        const toolbox::Result<DialogScript> stepScript =
+            GrooveDialogScript(step, host.Plugins()[plugin].resourcePath);
+        if (!stepScript) {
+            return report.result = 0;
+        }
+        scripted.SetDialogScript(*stepScript);
+        return report.result = report.result == 1 ? host.Invoke(plugin, &region) : report.result;
+    });
+    if (!options.moreFills.empty()) {
+        // The report covers every filled measure.
+        for (const FillStep& step : options.moreFills) {
+            selection.start.meas = std::min<uint16_t>(selection.start.meas, static_cast<uint16_t>(step.measures.first));
+            selection.end.meas = std::max<uint16_t>(selection.end.meas, static_cast<uint16_t>(step.measures.last));
+        }
+        report.selection = MeasureRange{selection.start.meas, selection.end.meas};
+    }
     report.alerts = interactive ? terminal.Alerts() : scripted.Alerts();
     report.dialogs = frontEnd.DialogLog();
     if (report.result != 1) {
@@ -247,7 +288,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         err << "tamberlyne: nothing was filled: " << report.message << "\n";
         return kExitFailure;
     }
-    return kExitOk;
+    return scoreFill ? FinishScoreFill(*scoreFill, host.document(), out, err) : kExitOk;
 }
 
 }   // namespace stavio::app

@@ -20,6 +20,13 @@ struct MeasureRange {
     int last = 0;
 };
 
+// One more fill of the same run (--fill RANGE=GROOVE after the first).
+struct FillStep {
+    std::string measuresText;   // as given
+    MeasureRange measures;      // resolved (the demo's numbers, or the score's through score_fill.h)
+    std::string groove;
+};
+
 struct FillOptions {
     std::optional<MeasureRange> measures;   // none: nothing selected (the plug-in asks)
     std::optional<std::string> groove;      // the groove's name (its file name, with or without ".mid")
@@ -30,6 +37,15 @@ struct FillOptions {
     std::optional<std::string> library;   // the folder holding the .mid files
     bool interactive = false;
     bool json = false;
+    // A MusicXML score to fill instead of the demo score (score_fill.h).
+    std::optional<std::string> score;
+    std::optional<std::string> measuresText;   // --measures as given: the score's own numbers
+    std::optional<std::string> output;         // -o OUT ("-": standard output)
+    bool inPlace = false;
+    bool force = false;
+    bool dryRun = false;
+    // --fill RANGE=GROOVE given more than once: the first sets measures and groove, these follow.
+    std::vector<FillStep> moreFills;
 };
 
 // Parses the arguments that follow the command; a failure says what is wrong, for a person.

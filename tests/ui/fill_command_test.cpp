@@ -54,7 +54,7 @@ TEST_F(FillCommand, WrongUsageSaysWhatIsWrongAndExitsWithTwo)
              {"--yes --no", "--yes and --no contradict each other"},
              {"--groove", "option --groove needs a value"},
              {"--colour red", "unknown option \"--colour\" for the fill command"},
-             {"extra", "takes no arguments besides its options (got \"extra\")"}}) {
+             {"a.musicxml b.musicxml", "takes one score (got \"a.musicxml\" and \"b.musicxml\")"}}) {
         const CommandRun run = Fill(options);
         EXPECT_EQ(run.status, 2) << options;
         ExpectHas(run.err, {complaint});
