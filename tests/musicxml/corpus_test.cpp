@@ -80,6 +80,9 @@ TEST(Corpus, ManifestTellsWhatEachFileHolds)
         }
         EXPECT_EQ(index, file.parts.size());
         EXPECT_EQ(drums, file.drums);
+        EXPECT_THAT(file.numbers, ::testing::IsSupersetOf({file.fillFirst, file.fillLast}));
+        EXPECT_TRUE(std::filesystem::exists(support::GrooveLibrary() + "/" + file.fillGroove + ".mid"))
+            << file.fillGroove;
         if (file.IsMxl()) {
             std::vector<std::string> names;
             for (const auto& entry : ZipEntries(file.path)) names.push_back(entry.first);

@@ -65,12 +65,14 @@ void Set(CorpusFile& file, const std::string& key, const std::string& value)
         file.channel10 = Split(value, ' ');
     } else if (key == "fill") {
         std::vector<std::string> fields = Split(value, ' ');
-        std::size_t dash = fields.size() == 2 ? fields[1].find('-') : std::string::npos;
-        if (dash == std::string::npos) ADD_FAILURE() << file.file << ": fill \"" << value << "\" is not PART A-B";
+        std::size_t dash = fields.size() >= 3 ? fields[1].find('-') : std::string::npos;
+        if (dash == std::string::npos)
+            ADD_FAILURE() << file.file << ": fill \"" << value << "\" is not PART A-B GROOVE";
         if (dash != std::string::npos) {
             file.fillPart = fields[0];
             file.fillFirst = fields[1].substr(0, dash);
             file.fillLast = fields[1].substr(dash + 1);
+            file.fillGroove = value.substr(value.find(fields[2]));
         }
     } else if (key == "rootfile") {
         file.rootfile = value;

@@ -25,6 +25,7 @@ struct CorpusFile {
     std::vector<std::string> channel10;                        // part ids MuseScore plays on channel 10 as written
     std::string fillPart;                                      // part id, or "new" for a new staff
     std::string fillFirst, fillLast;                           // measure numbers
+    std::string fillGroove;                                    // the groove to fill with
     std::string rootfile;                                      // .mxl only
     std::vector<std::string> entries;                          // .mxl only
     std::string error;                                         // broken only
