@@ -183,10 +183,11 @@ private:
         return text.str();
     }
 
-    void Problem(const std::string& what)
+    void Problem(const std::string& what)   // each once per measure
     {
-        problems_.push_back("part " + partId_ + " measure " + number_ + " (#" + std::to_string(index_ + 1) +
-                            "): " + what);
+        std::string problem =
+            "part " + partId_ + " measure " + number_ + " (#" + std::to_string(index_ + 1) + "): " + what;
+        if (problems_.empty() || problems_.back() != problem) problems_.push_back(problem);
     }
 
     std::string partId_;
