@@ -5,7 +5,10 @@
 # Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-                   libbenchmark-dev libpugixml-dev libzip-dev pkg-config
+                   libbenchmark-dev \
+                   libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3
+# (MusicXML: pugixml and libzip read scores and .mxl archives; xmllint validates what is written
+# against the schema; MuseScore 3 is the notation program the tests play written drum notes in.)
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
