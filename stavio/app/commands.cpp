@@ -12,6 +12,8 @@ const std::vector<Command>& Commands()
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
         {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)", RunFillCommand,
          FillUsageText},
+        {"grooves", "[show NAME]", "list the groove folder as the plug-in sees it, or show a groove's drum grid",
+         RunGroovesCommand, GroovesUsageText},
     };
     return commands;
 }

@@ -27,5 +27,7 @@ std::string UsageText();
 
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string GroovesUsageText();
 
 }   // namespace stavio::app
