@@ -19,7 +19,6 @@ using midi_import::SmfEvent;
 using midi_import::SmfFile;
 using midi_import::SmfTrack;
 
-constexpr char kTemporaryFileName[] = "Tamberlyne$$Temp$$File.mid";
 constexpr int64_t kEduPerQuarter = 1024;
 constexpr int64_t kGridTolerance = 8;   // EDU a programmed hit may lie off its grid point
 constexpr int kClosingHitPercent = 70;
@@ -197,7 +196,7 @@ const char* FeelName(GrooveFeel feel)
 
 bool IsOfferedGrooveName(const std::string& file)
 {
-    if (file.size() <= 4 || file == kTemporaryFileName) {
+    if (file.size() <= 4 || file == kTemporaryGrooveFileName) {
         return false;
     }
     const std::string extension = file.substr(file.size() - 4);

@@ -16,6 +16,9 @@
 
 namespace stavio::app {
 
+// The file the plug-in writes into the groove folder while it inserts a groove.
+constexpr char kTemporaryGrooveFileName[] = "Tamberlyne$$Temp$$File.mid";
+
 enum class GrooveFeel {
     Straight,   // every hit on the straight eighth or sixteenth grid
     Triplet,    // off-beat hits on the thirds of the beat (a compound meter's eighths count too)

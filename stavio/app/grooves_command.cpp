@@ -78,7 +78,7 @@ std::vector<GrooveSummary> ScanFolder(const std::string& folder)
         }
         if (IsOfferedGrooveName(file)) {
             grooves.push_back(AnalyseGrooveFile(entry.path().string(), file));
-        } else if (file != "Tamberlyne$$Temp$$File.mid") {
+        } else if (file != kTemporaryGrooveFileName) {
             GrooveSummary ignored;
             ignored.file = file;
             ignored.name = file.substr(0, file.size() - 4);
