@@ -17,6 +17,8 @@ const std::vector<Command>& Commands()
          InfoUsageText},
         {"convert", "IN -o OUT", "a MusicXML score between .musicxml and .mxl, nothing else changed", RunConvertCommand,
          ConvertUsageText},
+        {"grooves", "[show NAME]", "list the groove folder as the plug-in sees it, or show a groove's drum grid",
+         RunGroovesCommand, GroovesUsageText},
     };
     return commands;
 }

@@ -31,5 +31,7 @@ int RunInfoCommand(const CommandLine& line, std::ostream& out, std::ostream& err
 int RunConvertCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string InfoUsageText();
 std::string ConvertUsageText();
+int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string GroovesUsageText();
 
 }   // namespace stavio::app
