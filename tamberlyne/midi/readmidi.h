@@ -3,10 +3,11 @@
 // drum track stay audible; tracks without drums (other than the first) are cut out; drum keys
 // above 59 can be moved onto free keys (the reverse map tells the caller what they were).
 //
-// Every problem is told through the host's alert call (at most kMaxAlerts messages per reader,
-// however broken the file). The reader is safe on any input: all
-// reads, writes and insertions stay inside the block, every scan and queue is bounded by the
-// size of the file, and a hostile file at worst produces messages and a false result.
+// Every problem is told through the host's alert call, one message per problem and one per
+// byte read past the end of the image (the host folds a run of the same message into one line).
+// The reader is safe on any input: all reads, writes and insertions stay inside the block, every
+// scan and queue is bounded by the size of the file, and a hostile file at worst produces
+// messages and a false result.
 #pragma once
 
 #include <cstdint>
@@ -121,13 +122,12 @@ private:
     void RemapDrumKey(int32_t StatusIndex, bool UsingRunningStatus);
     MetaResult HandleMeta(int32_t Track, TrackWalk& walk);
     void ReadMetaData(TrackWalk& walk, int32_t length);
-    void ReportReadBeyondEnd();
+    void SkipEventsPastEnd(int32_t bytesPerEvent);
+    void ReportReadsBeyondEnd(int64_t count);
     void Alert(const char* text);
-
-    static constexpr int kMaxAlerts = 64;
+    void ResetBudgets();
 
     MidiImage image_;
-    bool readPastEnd_ = false;      // a read of this track found no byte: the walk ends there
     int64_t sysexScanBudget_ = 0;   // bytes the system-exclusive scans of this pass may still read
-    int alertsShown_ = 0;
+    int64_t eofAlertBudget_ = 0;    // end-of-file alerts this pass may still show
 };

@@ -14,12 +14,8 @@ void midi_alerts::Show(const char* text)
     SX_AlertMessage(nullptr, 0, 0, text, kPluginApiVersion);
 }
 
-// A broken file can raise a message per byte or per track; past a few dozen the user learns
-// nothing more, so the rest are not shown (the result is the same).
 void TMidiRead::Alert(const char* text)
 {
-    if (alertsShown_ >= kMaxAlerts) return;
-    ++alertsShown_;
     midi_alerts::Show(text);
 }
 
@@ -35,6 +31,17 @@ TMidiRead::TMidiRead(char* buffer, int32_t& size, int32_t capacity)
     : inbuf(buffer), insize(size), Events(EventLimitFor(size)), image_(buffer, size, capacity)
 {
     insize = image_.Size();
+    ResetBudgets();
+}
+
+// A track whose length runs far past the image reads zeros up to that length, one message per
+// byte: a length field of two gigabytes would mean two billion identical messages. Each pass
+// shows them all up to eight times the image plus 64 K (all of them for any cut-short groove
+// file), and goes on reading zeros silently past that; the outcome is the same either way.
+void TMidiRead::ResetBudgets()
+{
+    sysexScanBudget_ = int64_t{8} * insize + 65536;
+    eofAlertBudget_ = int64_t{8} * insize + 65536;
 }
 
 TMidiRead::~TMidiRead()
@@ -47,10 +54,9 @@ const char* TMidiRead::Image()
     return image_.Settle();
 }
 
-void TMidiRead::ReportReadBeyondEnd()
+void TMidiRead::ReportReadsBeyondEnd(int64_t count)
 {
-    readPastEnd_ = true;
-    Alert(midi_alerts::kReadBeyondEnd);
+    for (; count > 0 && eofAlertBudget_ > 0; --count, --eofAlertBudget_) Alert(midi_alerts::kReadBeyondEnd);
 }
 
 void TMidiRead::Read(unsigned char* destination, int count)
@@ -60,7 +66,7 @@ void TMidiRead::Read(unsigned char* destination, int count)
             destination[i] = image_.At(inptr);
             ++inptr;
         } else {
-            ReportReadBeyondEnd();
+            ReportReadsBeyondEnd(1);
             destination[i] = 0;
         }
         BytesRead = SaturatingAdd(BytesRead, 1);

@@ -52,8 +52,7 @@ void TMidiRead::InitVariables()
     BytesRead = 0;
     TotalBytesRead = 0;
     inptr = 0;
-    readPastEnd_ = false;
-    sysexScanBudget_ = int64_t{8} * insize + 65536;
+    ResetBudgets();
     ClearEvent(SMPTEEvent, 1024, 1, 1, 0);
     ClearEvent(InitialMeterEvent, TPQ, 1, 1, 0);
     InitialMeterEvent.BPM = 4;
@@ -125,7 +124,6 @@ bool TMidiRead::ReadHeader()
 
 bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum)
 {
-    readPastEnd_ = false;
     StartChunk();
     if (!IsChunk(ChunkName, "MTrk")) {
         Alert(midi_alerts::kBadTrackId);
@@ -138,9 +136,9 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
     GotOnEndingEvent = Track > 1 || ToMeasure == 99999;
 
     TrackWalk walk(TPQ);
-    // A read that finds no byte ends the walk once its event is handled: past the image
-    // there is nothing left to parse.
-    while (BytesRead < ChunkLength && !readPastEnd_) {
+    while (BytesRead < ChunkLength) {
+        const int32_t eventStart = inptr;
+        const int32_t readBeforeEvent = BytesRead;
         AdvanceTime(walk, ReadNumber());
 
         const int32_t StatusIndex = inptr;
@@ -171,6 +169,7 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
             if (!HandleChannelMessage(founddrumnotes, TrackMayHaveNotes, passnum, StatusIndex, databyteidx,
                                       UsingRunningStatus, walk))
                 return false;
+            if (eventStart >= insize) SkipEventsPastEnd(BytesRead - readBeforeEvent);
             continue;
         }
         switch (HandleMeta(Track, walk)) {
@@ -187,6 +186,19 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
     Alert(midi_alerts::kEndOfTrackMissing);
     TerminateChunk();
     return true;
+}
+
+// Past the image every byte reads 0: an event there is a zero delta and a running-status
+// message of zeros, and each one leaves the reader exactly as the one before it did. Once one
+// has been handled, the rest up to the chunk's length are counted rather than walked.
+void TMidiRead::SkipEventsPastEnd(int32_t bytesPerEvent)
+{
+    const int64_t remaining = int64_t{ChunkLength} - BytesRead;
+    if (remaining <= 0 || bytesPerEvent <= 0) return;
+    const int64_t reads = (remaining + bytesPerEvent - 1) / bytesPerEvent * bytesPerEvent;
+    ReportReadsBeyondEnd(reads);
+    BytesRead = SaturatingAdd(BytesRead, reads);
+    TotalBytesRead = SaturatingAdd(TotalBytesRead, reads);
 }
 
 // Boundary records first (they take the position before the delta), then the position moves.
@@ -235,14 +247,14 @@ void TMidiRead::QueueBoundary(TrackWalk& walk, int32_t targetBar)
 }
 
 // Four bytes after the length byte are skipped unseen, then everything up to the next 0xF7.
-// The scan stops at the end of the image, and a pass's scans together read no more than a
-// few times the image: past that, the scan gives up as if the image had ended.
+// Past the image the scan would read zeros for ever: it stops at the first of them, and the
+// walk goes on past the end like any other read there. A pass's scans together read no more
+// than a few times the image: past that, the scan gives up as if the image had ended there.
 void TMidiRead::SkipSystemExclusive()
 {
     unsigned char skipped[4];
     Read(skipped, 4);
-    if (readPastEnd_) return;
-    const int32_t start = inptr;
+    const int32_t start = std::min(inptr, insize);
     const int32_t limit = static_cast<int32_t>(std::min<int64_t>(insize, start + sysexScanBudget_));
     const int32_t end = image_.Find(start, limit, 0xF7);
     const bool found = end < limit;
@@ -250,14 +262,15 @@ void TMidiRead::SkipSystemExclusive()
     sysexScanBudget_ -= consumed;
     BytesRead = SaturatingAdd(BytesRead, consumed);
     TotalBytesRead = SaturatingAdd(TotalBytesRead, consumed);
-    inptr = start + consumed;
     if (found) {
+        inptr = start + consumed;
         LastByte = 0xF7;
     } else {
+        inptr = std::max(inptr, insize);
         LastByte = 0;
         BytesRead = SaturatingAdd(BytesRead, 1);
         TotalBytesRead = SaturatingAdd(TotalBytesRead, 1);
-        ReportReadBeyondEnd();
+        ReportReadsBeyondEnd(1);
     }
 }
 
@@ -307,15 +320,16 @@ void TMidiRead::RemapDrumKey(int32_t StatusIndex, bool UsingRunningStatus)
     }
 }
 
-// Only the first 1024 bytes of the data are kept (followed by a zero); the rest is skipped.
-// A length running past the image (or a negative one) ends the walk there.
+// Only the first 1024 bytes of the data are kept (followed by a zero); the rest is skipped,
+// each byte missing past the image with its message. A negative length (a quantity of five
+// bytes or more that wrapped) reads nothing and would send the cursor back: it goes to the
+// end of the image instead, so that the walk never runs over the same bytes again.
 void TMidiRead::ReadMetaData(TrackWalk& walk, int32_t length)
 {
     const int32_t start = inptr;
     if (length < 0) {
         walk.MetaBuf[0] = 0;
         inptr = std::max(inptr, insize);
-        ReportReadBeyondEnd();
         return;
     }
     const int32_t stored = std::min(length, kMetaBufSize - 1);
@@ -326,7 +340,7 @@ void TMidiRead::ReadMetaData(TrackWalk& walk, int32_t length)
     BytesRead = SaturatingAdd(BytesRead, length);
     TotalBytesRead = SaturatingAdd(TotalBytesRead, length);
     inptr = SaturatingAdd(start, length);
-    if (available < length) ReportReadBeyondEnd();
+    ReportReadsBeyondEnd(int64_t{length} - available);
 }
 
 TMidiRead::MetaResult TMidiRead::HandleMeta(int32_t Track, TrackWalk& walk)

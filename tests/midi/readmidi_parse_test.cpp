@@ -1,8 +1,11 @@
 // Header validation, track walking, event records and the in-place edits of one track.
+#include <algorithm>
+
 #include "midi_test_support.h"
 
 namespace {
 using Alerts_ = std::vector<std::string>;
+const std::string kEof = "Parsing error - trying to read beyond EOF.";
 using support::Ints;
 const Bytes kTempo120 = {0x00, 0xFF, 0x51, 0x03, 0x07, 0xA1, 0x20};
 
@@ -45,7 +48,7 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
     Alerts().clear();
     ReaderHarness cut(Bytes{'M', 'T'});   // six bytes missing: one alert each
     EXPECT_FALSE(cut.reader.ReadHeader());
-    Alerts_ expected(6, "Parsing error - trying to read beyond EOF.");
+    Alerts_ expected(6, kEof);
     expected.push_back("Invalid header chunk ID");
     EXPECT_EQ(Alerts(), expected);
 }
@@ -70,9 +73,20 @@ TEST_F(MidiHeader, TimeCodeDivisionTakesTheUpperByteAsItStands)
     EXPECT_EQ(Alerts(), Alerts_{"Unusual number of frames per second"});
 }
 
+// A format 1 file of one track whose chunk says it holds `claimed` bytes (-1: the body's own
+// length), so that it can run past the end of the file.
+Bytes OneTrackFile(const Bytes& body, int64_t claimed = -1)
+{
+    Bytes file = Smf(1, 480, {body});
+    if (claimed >= 0)
+        for (int i = 0; i < 4; ++i) file[size_t(18 + i)] = uint8_t(uint64_t(claimed) >> (24 - 8 * i));
+    return file;
+}
+
 // Runs LoadTrack over a format 1 file whose first track has `body`.
 struct TrackRun {
-    explicit TrackRun(const Bytes& body, bool mayHaveNotes = true, int pass = 1) : h(Smf(1, 480, {body}))
+    explicit TrackRun(const Bytes& body, bool mayHaveNotes = true, int pass = 1, int64_t claimed = -1)
+        : h(OneTrackFile(body, claimed))
     {
         h.reader.InitVariables();
         h.reader.ReadHeader();
@@ -116,6 +130,50 @@ TEST_F(MidiTrackWalk, MissingEndOfTrackWarnsAndQueuesAStop)
     const auto events = run.Events();
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(Ints(events[0].stop, events[0].Tick, events[0].Beat), Ints(true, 480, 2));
+}
+
+// A chunk running past the end of the file goes on reading zeros up to its length, one message
+// per byte: zero deltas and running-status messages of key 0, or a refusal where no running
+// status is defined. However long the chunk says it is, the walk ends promptly.
+TEST_F(MidiTrackWalk, TrackRunningPastTheEndReadsZerosUpToItsLength)
+{
+    const Bytes cutTempo = {0x00, 0xFF, 0x51, 0x03, 0x07};   // two data bytes missing
+    const Bytes drum = {0x00, 0x99, 0x24, 0x64};
+    const Bytes program = {0x00, 0xC0, 0x05};   // neutralised, which lengthens the chunk by one
+    struct Case {
+        Bytes body;
+        int64_t claimed;
+        bool result;
+        size_t eofAlerts;
+        std::string last;
+    };
+    const std::string refused = "Running status is used but undefined", missing = "End of track meta event missing";
+    const std::vector<Case> cases = {
+        {cutTempo, 11, false, 4, refused},                       // 2 for the data, delta and status
+        {Concat({drum, cutTempo}), 15, true, 8, missing},        // then two events of three zeros
+        {Concat({drum, cutTempo}), 3000, true, 2993, missing},   // 997 such events
+        {Concat({program, cutTempo}), 14, true, 8, missing},     // events of two zeros up to 15
+    };
+    for (const Case& c : cases) {
+        Alerts().clear();
+        TrackRun run(c.body, true, 1, c.claimed);
+        EXPECT_EQ(run.result, c.result);
+        ASSERT_FALSE(Alerts().empty());
+        EXPECT_EQ(Alerts().back(), c.last);
+        EXPECT_EQ(std::count(Alerts().begin(), Alerts().end(), kEof), std::ptrdiff_t(c.eofAlerts)) << c.claimed;
+        EXPECT_EQ(Alerts().size(), c.eofAlerts + 1);
+    }
+
+    Alerts().clear();
+    TrackRun huge(Concat({drum, cutTempo}), true, 1, 0x7FFFFFFF);
+    ASSERT_TRUE(huge.result);
+    EXPECT_EQ(Alerts().back(), missing);
+    EXPECT_GT(Alerts().size(), 3000u);
+    EXPECT_LT(Alerts().size(), 1000000u);                    // not one per byte of the two gigabytes
+    EXPECT_TRUE(huge.drums && huge.h.reader.PitchUsed[0]);   // the zeros read as drum notes of key 0
+    const auto events = huge.Events();
+    ASSERT_EQ(events.size(), 2u);
+    EXPECT_EQ(Ints(events[0].MicsPerBeat, events[1].stop, events[1].Tick), Ints(0x0700 << 8, true, 0));
 }
 
 TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
@@ -194,7 +252,7 @@ TEST_F(MidiTrackWalk, ShortSystemExclusiveIsScannedToTheNextEndByte)
     Alerts().clear();
     TrackRun open(Bytes{0x00, 0xF0, 0x01, 0x02, 0x03, 0x04, 0x05, 0x06, 0x07});   // no end byte anywhere
     EXPECT_TRUE(open.result);
-    EXPECT_EQ(Alerts(), (Alerts_{"Parsing error - trying to read beyond EOF.", "End of track meta event missing"}));
+    EXPECT_EQ(Alerts(), (Alerts_{kEof, "End of track meta event missing"}));
 }
 
 TEST_F(MidiTrackWalk, QueueKeepsTickOrderAndTheBarrier)
