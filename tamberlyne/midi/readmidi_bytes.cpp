@@ -51,6 +51,7 @@ TMidiRead::~TMidiRead()
 
 const char* TMidiRead::Image()
 {
+    CloseWindow();
     return image_.Settle();
 }
 
@@ -59,79 +60,32 @@ void TMidiRead::ReportReadsBeyondEnd(int64_t count)
     for (; count > 0 && eofAlertBudget_ > 0; --count, --eofAlertBudget_) Alert(midi_alerts::kReadBeyondEnd);
 }
 
-void TMidiRead::Read(unsigned char* destination, int count)
+// A byte of the image outside the window: the window moves to the stretch that holds it. Past
+// the image the byte reads as 0, with its message, and the cursor stays.
+void TMidiRead::ReadOutsideWindow(unsigned char& destination)
 {
-    for (int i = 0; i < count; ++i) {
-        if (inptr >= 0 && inptr < insize) {
-            destination[i] = image_.At(inptr);
-            ++inptr;
-        } else {
-            ReportReadsBeyondEnd(1);
-            destination[i] = 0;
-        }
-        BytesRead = SaturatingAdd(BytesRead, 1);
-        TotalBytesRead = SaturatingAdd(TotalBytesRead, 1);
+    if (inptr >= 0 && inptr < insize) {
+        const MidiImage::Run run = image_.RunAt(inptr);
+        windowStart_ = static_cast<uint32_t>(run.start);
+        windowLength_ = static_cast<uint32_t>(run.end - run.start);
+        windowBytes_ = run.bytes;
+        ReadInto(destination);
+        return;
     }
+    ReportReadsBeyondEnd(1);
+    destination = 0;
+    CountOne(BytesRead);
+    CountOne(TotalBytesRead);
 }
 
-unsigned char TMidiRead::ReadByte()
+void TMidiRead::WriteOutsideWindow(char value)
 {
-    Read(&LastByte, 1);
-    return LastByte;
+    if (outptr >= 0 && outptr < insize) image_.Set(outptr, static_cast<uint8_t>(value));
 }
 
-void TMidiRead::Read2Bytes(unsigned char& first, unsigned char& second)
-{
-    Read(&first, 1);
-    Read(&second, 1);
-}
-
-void TMidiRead::Read3Bytes(unsigned char& first, unsigned char& second, unsigned char& third)
-{
-    Read(&first, 1);
-    Read(&second, 1);
-    Read(&third, 1);
-}
-
-uint16_t TMidiRead::ReadWord()
-{
-    unsigned char high = 0, low = 0;
-    Read2Bytes(high, low);
-    return static_cast<uint16_t>(high * 256 + low);
-}
-
-int32_t TMidiRead::ReadLongInt()
-{
-    const uint32_t high = ReadWord();
-    const uint32_t low = ReadWord();
-    return static_cast<int32_t>((high << 16) + low);
-}
-
-// No limit on the length: longer runs drop high bits, as 32-bit arithmetic does.
-int32_t TMidiRead::ReadNumber()
-{
-    uint32_t value = 0;
-    unsigned char byte = 0;
-    do {
-        byte = ReadByte();
-        value = (value << 7) + (byte & 0x7F);
-    } while (byte > 127);
-    LastNumberRead = static_cast<int32_t>(value);
-    return LastNumberRead;
-}
-
-// Bytes that would land past the image are dropped: they could never be part of the file.
 void TMidiRead::Write(const char* source, int count)
 {
-    for (int i = 0; i < count; ++i) {
-        if (outptr >= 0 && outptr < insize) image_.Set(outptr, static_cast<uint8_t>(source[i]));
-        outptr = SaturatingAdd(outptr, 1);
-    }
-}
-
-void TMidiRead::WriteByte(char value)
-{
-    Write(&value, 1);
+    for (int i = 0; i < count; ++i) WriteByte(source[i]);
 }
 
 void TMidiRead::Write2Bytes(char first, char second)
@@ -174,6 +128,7 @@ void TMidiRead::RemoveBytes(int32_t from, int32_t to)
     to = std::min(to, insize);
     if (from >= to) return;
     image_.Remove(from, to);
+    CloseWindow();
     insize = image_.Size();
 }
 
@@ -188,6 +143,7 @@ void TMidiRead::RemoveUpToHereFrom(int32_t from)
 bool TMidiRead::InsertByte()
 {
     if (inptr < 0 || inptr > insize || !image_.Insert(inptr, 0)) return false;
+    CloseWindow();
     insize = image_.Size();
     NextOffset = SaturatingAdd(NextOffset, 1);
     ++inptr;

@@ -137,6 +137,10 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
 
     TrackWalk walk(TPQ);
     while (BytesRead < ChunkLength) {
+        WalkPlainMessages(walk, founddrumnotes, TrackMayHaveNotes, passnum);
+        if (BytesRead >= ChunkLength) break;
+
+        // Any other event, byte by byte.
         const int32_t eventStart = inptr;
         const int32_t readBeforeEvent = BytesRead;
         AdvanceTime(walk, ReadNumber());
@@ -201,28 +205,162 @@ void TMidiRead::SkipEventsPastEnd(int32_t bytesPerEvent)
     TotalBytesRead = SaturatingAdd(TotalBytesRead, reads);
 }
 
-// Boundary records first (they take the position before the delta), then the position moves.
-void TMidiRead::AdvanceTime(TrackWalk& walk, int32_t delta)
+// Most of a groove is plain channel messages: drum messages that stay as they are and
+// running-status messages, which are never edited. They are walked here straight from the
+// window with the reader's state in locals, with the same effect as the event-by-event walk:
+// cursor, counts, last byte and number read, status, running status, position, drum and pitch
+// records, and the keys already given a new place in the second pass. The walk stops, with all
+// of that written back, before anything else (meta and system messages, a message to
+// neutralise, a key still to be placed, an undefined running status, a quantity of more than
+// four bytes), before the last bytes of the window and at the end of the chunk's count; and it
+// does not start while a measure-boundary record is still due.
+void TMidiRead::WalkPlainMessages(TrackWalk& walk, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum)
 {
-    if (delta > 0) {
-        // Only whole measures of the delta count here, whatever the tick in the measure.
-        const int32_t barAfter = WrapAdd(walk.CurrentBar, SafeDiv(delta, walk.CurrentTPM));
-        if (FromMeasure > 1 && !GotOnBeginningEvent && barAfter >= FromMeasure) {
-            QueueBoundary(walk, FromMeasure);
-            GotOnBeginningEvent = true;
-        }
-        const int32_t endBar = WrapAdd(ToMeasure, 1);
-        if (!GotOnEndingEvent && barAfter >= endBar) {
-            QueueBoundary(walk, endBar);
-            GotOnEndingEvent = true;
-        }
+    constexpr int32_t kLongestMessage = 7;   // four bytes of delta, status and two data bytes
+    if ((FromMeasure > 1 && !GotOnBeginningEvent) || !GotOnEndingEvent) return;
+    const uint32_t offset = static_cast<uint32_t>(inptr) - windowStart_;
+    if (offset >= windowLength_) return;
+    const int64_t windowStarts = int64_t{windowLength_} - offset - (kLongestMessage - 1);
+    const int64_t chunkStarts = int64_t{ChunkLength} - BytesRead;
+    const auto stop = static_cast<int32_t>(std::min(windowStarts, chunkStarts));
+    if (stop <= 0) return;
+    // One loop per kind of pass and track, so that neither is asked about in the loop.
+    if (!TrackMayHaveNotes) {
+        WalkPlainMessagesIn<false, false>(walk, founddrumnotes, stop);
+    } else if (passnum == 2) {
+        WalkPlainMessagesIn<true, true>(walk, founddrumnotes, stop);
+    } else {
+        WalkPlainMessagesIn<true, false>(walk, founddrumnotes, stop);
     }
+}
+
+// Messages may start at offsets below `stop` from the cursor, all of them inside the window.
+template <bool MayHaveNotes, bool SecondPass>
+void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32_t stop)
+{
+    char* const bytes = windowBytes_ + (static_cast<uint32_t>(inptr) - windowStart_);   // the byte at inptr
+    const auto at = [bytes](int32_t i) { return static_cast<uint8_t>(bytes[i]); };
+    const int32_t start = inptr;
+    const int32_t tpm = walk.CurrentTPM;
+    uint8_t running = RunningStatus;
+    int32_t tick = CurrentTick, tickinbar = walk.tickinbar, bar = walk.CurrentBar;
+    int32_t lastOutptr = -1;   // past the last key moved, from the cursor
+    int32_t last = -1;         // where the last message taken begins
+    int32_t i = 0;
+    while (i < stop) {
+        int32_t n = i;
+        uint32_t delta = at(n++);
+        if (delta > 127) {
+            uint8_t byte = 0;
+            delta &= 0x7F;
+            do {
+                byte = at(n++);
+                delta = (delta << 7) + (byte & 0x7F);
+            } while (byte > 127 && n - i < 4);
+            if (byte > 127) break;
+        }
+        const int32_t statusAt = n++;
+        uint8_t status = at(statusAt);
+        const bool usingRunningStatus = status < 0x80;
+        if (usingRunningStatus) {
+            if (running == 0) break;
+            status = running;
+        } else if (status >= 0xF0) {
+            break;
+        } else {
+            ++n;
+        }
+        const int32_t keyAt = n - 1;
+        const uint8_t kind = status & 0xF0;
+        const bool drum = MayHaveNotes && (status & 0x0F) == 9;
+        if (!drum && !usingRunningStatus) break;   // to be neutralised
+        const uint8_t key = at(keyAt);
+        const bool note = MayHaveNotes && (status & 0xEF) == 0x89 && key < 128;   // note off or on, channel 10
+        uint8_t movedTo = 0;
+        if (SecondPass && note && key > kHighestUnmovedKey) {
+            movedTo = PitchMappedTo[key];
+            if (movedTo == 0) break;   // a key still to be placed
+        }
+        if (kind != 0xC0 && kind != 0xD0) ++n;
+
+        running = status;
+        tick = WrapAdd(tick, static_cast<int32_t>(delta));
+        tickinbar = WrapAdd(tickinbar, static_cast<int32_t>(delta));
+        if (tpm > 0 && tickinbar >= tpm) {
+            bar = WrapAdd(bar, tickinbar / tpm);
+            tickinbar %= tpm;
+        }
+        // Written through as they change (few registers are left for them).
+        if (drum) {
+            founddrumnotes = true;
+            lastdrumnotebar = bar;
+            lastdrumnotetickinbar = tickinbar;
+        }
+        if (note) {
+            // A key already marked used lies between the lowest and highest seen: it was seen
+            // itself, or is a remap target, which lies above the lowest and below the highest.
+            if (!PitchUsed[key]) {
+                highestpitchfound = std::max<int32_t>(highestpitchfound, key);
+                lowestpitchfound = std::min<int32_t>(lowestpitchfound, key);
+                PitchUsed[key] = true;
+            }
+            if (SecondPass && movedTo != 0) {
+                bytes[keyAt] = static_cast<char>(movedTo);
+                lastOutptr = keyAt + 1;
+            }
+        }
+        First = key;
+        last = i;
+        i = n;
+    }
+    if (last < 0) return;
+
+    // What the last message taken leaves behind, as reading it byte by byte would.
+    uint32_t delta = 0;
+    int32_t n = last;
+    uint8_t byte = 0;
+    do {
+        byte = at(n++);
+        delta = (delta << 7) + (byte & 0x7F);
+    } while (byte > 127);
+    LastNumberRead = static_cast<int32_t>(delta);
+    LastByte = at(i - 1);
+    Status = running;
+    RunningStatus = running;
+    inptr = start + i;
+    BytesRead = SaturatingAdd(BytesRead, i);
+    TotalBytesRead = SaturatingAdd(TotalBytesRead, i);
+    if (SecondPass && lastOutptr >= 0) outptr = start + lastOutptr;
+    CurrentTick = tick;
+    walk.tickinbar = tickinbar;
+    walk.CurrentBar = bar;
+}
+
+// Boundary records first (they take the position before the delta), then the position moves.
+inline void TMidiRead::AdvanceTime(TrackWalk& walk, int32_t delta)
+{
+    if (delta > 0 && ((FromMeasure > 1 && !GotOnBeginningEvent) || !GotOnEndingEvent)) QueueDueBoundaries(walk, delta);
     CurrentTick = WrapAdd(CurrentTick, delta);
     walk.tickinbar = WrapAdd(walk.tickinbar, delta);
     // Whole measures leave the tick in measure; a measure of no ticks never ends.
     if (walk.CurrentTPM > 0 && walk.tickinbar >= walk.CurrentTPM) {
         walk.CurrentBar = WrapAdd(walk.CurrentBar, walk.tickinbar / walk.CurrentTPM);
         walk.tickinbar %= walk.CurrentTPM;
+    }
+}
+
+void TMidiRead::QueueDueBoundaries(TrackWalk& walk, int32_t delta)
+{
+    // Only whole measures of the delta count here, whatever the tick in the measure.
+    const int32_t barAfter = WrapAdd(walk.CurrentBar, SafeDiv(delta, walk.CurrentTPM));
+    if (FromMeasure > 1 && !GotOnBeginningEvent && barAfter >= FromMeasure) {
+        QueueBoundary(walk, FromMeasure);
+        GotOnBeginningEvent = true;
+    }
+    const int32_t endBar = WrapAdd(ToMeasure, 1);
+    if (!GotOnEndingEvent && barAfter >= endBar) {
+        QueueBoundary(walk, endBar);
+        GotOnEndingEvent = true;
     }
 }
 
