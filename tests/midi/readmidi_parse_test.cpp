@@ -176,6 +176,42 @@ TEST_F(MidiTrackWalk, TrackRunningPastTheEndReadsZerosUpToItsLength)
     EXPECT_EQ(Ints(events[0].MicsPerBeat, events[1].stop, events[1].Tick), Ints(0x0700 << 8, true, 0));
 }
 
+// Measure-boundary records of track 1 at the first ticks of `FromMeasure` and `ToMeasure` + 1,
+// reckoned from whole measures of each delta only. The track: tempo and SMPTE offset at tick 0
+// (one record), a note 4000 ticks later (measure 3, tick 160), then one `last` ticks later.
+TEST_F(MidiTrackWalk, BoundaryRecordsCountWholeMeasuresOfTheDeltaOnly)
+{
+    const auto walk = [](const Bytes& last) {
+        ReaderHarness h(OneTrackFile(Concat({kTempo120,
+                                             {0x00, 0xFF, 0x54, 0x05, 1, 2, 3, 4, 5},
+                                             {0x9F, 0x20, 0x99, 36, 100},
+                                             last,
+                                             {0x99, 38, 100},
+                                             kEndOfTrack})));
+        h.reader.FromMeasure = 3;
+        h.reader.ToMeasure = 3;
+        h.reader.InitVariables();
+        h.reader.ReadHeader();
+        bool drums = false;
+        EXPECT_TRUE(h.reader.LoadTrack(1, drums, true, 1));
+        const LEventRec& smpte = h.reader.SMPTEEvent;
+        EXPECT_EQ(Ints(smpte.hr, smpte.mn, smpte.se, smpte.fr, smpte.ff), Ints(1, 2, 3, 4, 5));
+        std::vector<std::vector<int64_t>> records;
+        for (const LEventRec& ev : h.reader.Events.ToVector())
+            records.push_back(Ints(ev.Tick, ev.Bar, ev.Beat, ev.tickinbar, ev.TPM, ev.MicsPerBeat, ev.ff, ev.stop));
+        return records;
+    };
+    const auto start = Ints(0, 1, 1, 0, 0, 500000, 5, false);   // tempo and offset in one record
+    const auto measure3 = Ints(3840, 3, 1, 0, 1920, 0, 0, false);
+    // 1800 ticks lead into measure 4, but hold no whole measure: no record at its start.
+    EXPECT_EQ(walk({0x8E, 0x08}),
+              (std::vector<std::vector<int64_t>>{start, measure3, Ints(5800, 4, 0, 40, 0, 0, 0, true)}));
+    // 1920 ticks do; the record takes measure 4's first tick, its beat from where the walk stood.
+    EXPECT_EQ(walk({0x8F, 0x00}),
+              (std::vector<std::vector<int64_t>>{start, measure3, Ints(5760, 4, 0, 0, 1920, 0, 0, false),
+                                                 Ints(5920, 4, 0, 160, 0, 0, 0, true)}));
+}
+
 TEST_F(MidiTrackWalk, SixEightMeterPlacesEventsInMeasuresAndBeats)
 {
     TrackRun run(Concat({{0x00, 0xFF, 0x58, 0x04, 0x06, 0x03, 0x18, 0x08},
@@ -259,11 +295,13 @@ TEST_F(MidiTrackWalk, QueueKeepsTickOrderAndTheBarrier)
 {
     ReaderHarness h(Bytes{0});
     TMidiRead& r = h.reader;
-    auto record = [](int32_t tick, bool stop) {
+    int32_t queued = 0;   // each record carries its arrival number as its tempo
+    auto record = [&queued](int32_t tick, bool stop) {
         LEventRec ev;
         ev.Tick = tick;
         ev.Bar = 7;
         ev.stop = stop;
+        ev.MicsPerBeat = ++queued;
         return ev;
     };
     r.Enqueue(record(100, false));
@@ -272,9 +310,10 @@ TEST_F(MidiTrackWalk, QueueKeepsTickOrderAndTheBarrier)
     r.Enqueue(record(500, false));   // same tick: goes in before the barrier
     r.Enqueue(record(50, false));
     r.Enqueue(record(100, false));   // after the record of the same tick
-    std::vector<int32_t> ticks;
-    for (const LEventRec& ev : r.Events.ToVector()) ticks.push_back(ev.Tick * (ev.stop ? -1 : 1));
-    EXPECT_EQ(ticks, (std::vector<int32_t>{50, 100, 100, 500, -500}));
+    std::vector<std::vector<int64_t>> order;
+    for (const LEventRec& ev : r.Events.ToVector()) order.push_back(Ints(ev.Tick, ev.MicsPerBeat, ev.stop));
+    EXPECT_EQ(order, (std::vector<std::vector<int64_t>>{Ints(50, 5, false), Ints(100, 1, false), Ints(100, 6, false),
+                                                        Ints(500, 4, false), Ints(500, 2, true)}));
     r.Events = EventQueue();
     r.Enqueue(record(10, false));
     r.CheckStop();
