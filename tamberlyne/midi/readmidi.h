@@ -134,6 +134,7 @@ private:
     void ReadInto(unsigned char& destination);
     void ReadOutsideWindow(unsigned char& destination);
     void WriteOutsideWindow(char value);
+    void OpenWindowAt(int32_t pos);   // 0 <= pos < insize
     void CloseWindow() { windowLength_ = 0; }
     static void CountOne(int32_t& count) { count += count != std::numeric_limits<int32_t>::max() ? 1 : 0; }
 

@@ -65,10 +65,7 @@ void TMidiRead::ReportReadsBeyondEnd(int64_t count)
 void TMidiRead::ReadOutsideWindow(unsigned char& destination)
 {
     if (inptr >= 0 && inptr < insize) {
-        const MidiImage::Run run = image_.RunAt(inptr);
-        windowStart_ = static_cast<uint32_t>(run.start);
-        windowLength_ = static_cast<uint32_t>(run.end - run.start);
-        windowBytes_ = run.bytes;
+        OpenWindowAt(inptr);
         ReadInto(destination);
         return;
     }
@@ -76,6 +73,14 @@ void TMidiRead::ReadOutsideWindow(unsigned char& destination)
     destination = 0;
     CountOne(BytesRead);
     CountOne(TotalBytesRead);
+}
+
+void TMidiRead::OpenWindowAt(int32_t pos)
+{
+    const MidiImage::Run run = image_.RunAt(pos);
+    windowStart_ = static_cast<uint32_t>(run.start);
+    windowLength_ = static_cast<uint32_t>(run.end - run.start);
+    windowBytes_ = run.bytes;
 }
 
 void TMidiRead::WriteOutsideWindow(char value)
@@ -148,7 +153,16 @@ bool TMidiRead::InsertByte()
     NextOffset = SaturatingAdd(NextOffset, 1);
     ++inptr;
     ChunkLength = WrapAdd(ChunkLength, 1);
-    outptr = ChunkLengthIdx;
-    WriteLongInt(ChunkLength);
+    // WriteLongInt at the length field, written straight into the image: the field lies
+    // behind the cursor, outside the window.
+    const auto bits = static_cast<uint32_t>(ChunkLength);
+    for (int32_t k = 0; k < 4; ++k) {
+        const int64_t at = int64_t{ChunkLengthIdx} + k;
+        if (at >= 0 && at < insize) image_.Set(static_cast<int32_t>(at), static_cast<uint8_t>(bits >> (24 - 8 * k)));
+    }
+    outptr = SaturatingAdd(ChunkLengthIdx, 4);
+    // The walk goes on from the cursor, which now stands at the start of the block's second
+    // stretch: the window opens there at once.
+    if (inptr < insize) OpenWindowAt(inptr);
     return true;
 }

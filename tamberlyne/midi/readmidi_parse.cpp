@@ -243,7 +243,9 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
     const int32_t start = inptr;
     const int32_t tpm = walk.CurrentTPM;
     uint8_t running = RunningStatus;
-    int32_t tick = CurrentTick, tickinbar = walk.tickinbar, bar = walk.CurrentBar;
+    const int32_t tickinbarBefore = walk.tickinbar, barBefore = walk.CurrentBar;
+    int32_t tickinbar = tickinbarBefore, bar = barBefore;
+    bool foundDrums = false;
     int32_t lastOutptr = -1;   // past the last key moved, from the cursor
     int32_t last = -1;         // where the last message taken begins
     int32_t i = 0;
@@ -284,7 +286,6 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
         if (kind != 0xC0 && kind != 0xD0) ++n;
 
         running = status;
-        tick = WrapAdd(tick, static_cast<int32_t>(delta));
         tickinbar = WrapAdd(tickinbar, static_cast<int32_t>(delta));
         if (tpm > 0 && tickinbar >= tpm) {
             bar = WrapAdd(bar, tickinbar / tpm);
@@ -292,7 +293,7 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
         }
         // Written through as they change (few registers are left for them).
         if (drum) {
-            founddrumnotes = true;
+            foundDrums = true;
             lastdrumnotebar = bar;
             lastdrumnotetickinbar = tickinbar;
         }
@@ -309,7 +310,7 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
                 lastOutptr = keyAt + 1;
             }
         }
-        First = key;
+        if (SecondPass) First = key;   // the image may no longer hold it
         last = i;
         i = n;
     }
@@ -331,7 +332,11 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
     BytesRead = SaturatingAdd(BytesRead, i);
     TotalBytesRead = SaturatingAdd(TotalBytesRead, i);
     if (SecondPass && lastOutptr >= 0) outptr = start + lastOutptr;
-    CurrentTick = tick;
+    // The ticks walked are the measures and ticks in measure walked, in 32-bit arithmetic.
+    CurrentTick =
+        WrapAdd(CurrentTick, WrapAdd(WrapSub(tickinbar, tickinbarBefore), WrapMul(WrapSub(bar, barBefore), tpm)));
+    if (!SecondPass) First = at(at(n) < 0x80 ? n : n + 1);
+    if (foundDrums) founddrumnotes = true;
     walk.tickinbar = tickinbar;
     walk.CurrentBar = bar;
 }
