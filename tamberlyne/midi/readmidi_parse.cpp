@@ -283,7 +283,14 @@ void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32
             movedTo = PitchMappedTo[key];
             if (movedTo == 0) break;   // a key still to be placed
         }
-        if (kind != 0xC0 && kind != 0xD0) ++n;
+        // Notes (nearly all of a groove) take their second data byte in a branch of their own:
+        // worked out from the status byte's value, the next message's place would wait for
+        // that byte to be loaded.
+        if (note) {
+            ++n;
+        } else if (kind != 0xC0 && kind != 0xD0) {
+            ++n;
+        }
 
         running = status;
         tickinbar = WrapAdd(tickinbar, static_cast<int32_t>(delta));
