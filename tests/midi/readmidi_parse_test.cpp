@@ -13,6 +13,7 @@ struct HeaderCase {
     Bytes file;
     bool accepted;
     Alerts_ alerts;
+    int32_t tpq = 0;   // of an accepted header
 };
 
 class MidiHeader : public MidiTest {};
@@ -25,14 +26,18 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
         {Concat({Chunk("MThd", {0, 1, 0, 1, 1}), track}), false, {"Invalid header chunk length"}},
         {Concat({Chunk("MThd", {0, 1, 0, 1, 1, 0xE0, 9, 9}), track}),
          true,
-         {"Header longer than version defined in Midi Specs 1.0 - additinal bytes ignored."}},
+         {"Header longer than version defined in Midi Specs 1.0 - additinal bytes ignored."},
+         480},
         {Smf(3, 480, {kEndOfTrack}), false, {"Invalid format ID"}},
         {Smf(1, 480, {}, 0), false, {"No tracks in file"}},
         {Smf(2, 480, {kEndOfTrack, kEndOfTrack, kEndOfTrack}),
          true,
-         {"Only track 1 will be read from a format 2 file."}},
+         {"Only track 1 will be read from a format 2 file."},
+         480},
         {Smf(0, 480, {kEndOfTrack, kEndOfTrack}), false, {"Number of tracks should be 1 for format 0 files"}},
-        {Smf(1, 480, {kEndOfTrack, kEndOfTrack}), true, {}},
+        {Smf(1, 480, {kEndOfTrack, kEndOfTrack}), true, {}, 480},
+        // Time code: frames per second in the upper byte taken as it stands (231), 40 ticks each.
+        {Smf(1, 0xE728, {kEndOfTrack}), true, {"Unusual number of frames per second"}, 40 * 231},
     };
     for (const HeaderCase& c : cases) {
         Alerts().clear();
@@ -40,10 +45,12 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
         h.reader.InitVariables();
         EXPECT_EQ(h.reader.ReadHeader(), c.accepted) << ::testing::PrintToString(c.alerts);
         EXPECT_EQ(Alerts(), c.alerts);
-        const int32_t headerEnd = int32_t(c.file.size()) - h.reader.TrkCount * 12;
-        if (c.accepted) {
-            EXPECT_EQ(h.reader.inptr, headerEnd);
-        }
+        if (!c.accepted) continue;
+        // Past the header, with the default meter and tempo for its ticks per quarter.
+        const LEventRec& meter = h.reader.InitialMeterEvent;
+        EXPECT_EQ(Ints(h.reader.inptr, h.reader.TPQ, h.reader.TrkCountIdx, meter.TPB, meter.TPM, meter.BPM,
+                       meter.Denominator, h.reader.InitialTempoEvent.MicsPerBeat),
+                  Ints(c.file.size() - size_t(h.reader.TrkCount) * 12, c.tpq, 10, c.tpq, 4 * c.tpq, 4, 4, 1000000));
     }
     Alerts().clear();
     ReaderHarness cut(Bytes{'M', 'T'});   // six bytes missing: one alert each
@@ -51,26 +58,6 @@ TEST_F(MidiHeader, EachProblemHasItsMessage)
     Alerts_ expected(6, kEof);
     expected.push_back("Invalid header chunk ID");
     EXPECT_EQ(Alerts(), expected);
-}
-
-TEST_F(MidiHeader, PlainHeaderSetsTheDefaultMeter)
-{
-    ReaderHarness h(Smf(1, 480, {kEndOfTrack, kEndOfTrack}));
-    h.reader.InitVariables();
-    ASSERT_TRUE(h.reader.ReadHeader());
-    const LEventRec& meter = h.reader.InitialMeterEvent;
-    EXPECT_EQ(Ints(h.reader.TPQ, h.reader.TrkCountIdx, meter.TPB, meter.TPM, meter.BPM, meter.Denominator,
-                   h.reader.InitialTempoEvent.MicsPerBeat),
-              Ints(480, 10, 480, 1920, 4, 4, 1000000));
-}
-
-TEST_F(MidiHeader, TimeCodeDivisionTakesTheUpperByteAsItStands)
-{
-    ReaderHarness h(Smf(1, 0xE728, {kEndOfTrack}));
-    h.reader.InitVariables();
-    ASSERT_TRUE(h.reader.ReadHeader());
-    EXPECT_EQ(h.reader.TPQ, 40 * 231);
-    EXPECT_EQ(Alerts(), Alerts_{"Unusual number of frames per second"});
 }
 
 // A format 1 file of one track whose chunk says it holds `claimed` bytes (-1: the body's own
@@ -122,24 +109,15 @@ TEST_F(MidiTrackWalk, TrackProblemsStopTheWalkWithTheirMessage)
     EXPECT_EQ(Alerts(), Alerts_{"Invalid track chunk ID"});
 }
 
-TEST_F(MidiTrackWalk, MissingEndOfTrackWarnsAndQueuesAStop)
-{
-    TrackRun run({0x00, 0x99, 0x24, 0x64, 0x83, 0x60, 0x89, 0x24, 0x00});
-    EXPECT_TRUE(run.result);
-    EXPECT_EQ(Alerts(), Alerts_{"End of track meta event missing"});
-    const auto events = run.Events();
-    ASSERT_EQ(events.size(), 1u);
-    EXPECT_EQ(Ints(events[0].stop, events[0].Tick, events[0].Beat), Ints(true, 480, 2));
-}
-
 // A chunk running past the end of the file goes on reading zeros up to its length, one message
 // per byte: zero deltas and running-status messages of key 0, or a refusal where no running
-// status is defined. However long the chunk says it is, the walk ends promptly.
+// status is defined; then the end-of-track record is queued where the walk stands. However long
+// the chunk says it is, the walk ends promptly.
 TEST_F(MidiTrackWalk, TrackRunningPastTheEndReadsZerosUpToItsLength)
 {
     const Bytes cutTempo = {0x00, 0xFF, 0x51, 0x03, 0x07};   // two data bytes missing
-    const Bytes drum = {0x00, 0x99, 0x24, 0x64};
-    const Bytes program = {0x00, 0xC0, 0x05};   // neutralised, which lengthens the chunk by one
+    const Bytes drum = {0x83, 0x60, 0x99, 0x24, 0x64};       // at tick 480
+    const Bytes program = {0x00, 0xC0, 0x05};                // neutralised, which lengthens the chunk by one
     struct Case {
         Bytes body;
         int64_t claimed;
@@ -150,8 +128,8 @@ TEST_F(MidiTrackWalk, TrackRunningPastTheEndReadsZerosUpToItsLength)
     const std::string refused = "Running status is used but undefined", missing = "End of track meta event missing";
     const std::vector<Case> cases = {
         {cutTempo, 11, false, 4, refused},                       // 2 for the data, delta and status
-        {Concat({drum, cutTempo}), 15, true, 8, missing},        // then two events of three zeros
-        {Concat({drum, cutTempo}), 3000, true, 2993, missing},   // 997 such events
+        {Concat({drum, cutTempo}), 16, true, 8, missing},        // then two events of three zeros
+        {Concat({drum, cutTempo}), 3001, true, 2993, missing},   // 997 such events
         {Concat({program, cutTempo}), 14, true, 8, missing},     // events of two zeros up to 15
     };
     for (const Case& c : cases) {
@@ -173,7 +151,8 @@ TEST_F(MidiTrackWalk, TrackRunningPastTheEndReadsZerosUpToItsLength)
     EXPECT_TRUE(huge.drums && huge.h.reader.PitchUsed[0]);   // the zeros read as drum notes of key 0
     const auto events = huge.Events();
     ASSERT_EQ(events.size(), 2u);
-    EXPECT_EQ(Ints(events[0].MicsPerBeat, events[1].stop, events[1].Tick), Ints(0x0700 << 8, true, 0));
+    EXPECT_EQ(Ints(events[0].MicsPerBeat, events[0].Tick, events[1].stop, events[1].Tick, events[1].Beat),
+              Ints(0x0700 << 8, 480, true, 480, 2));
 }
 
 // Measure-boundary records of track 1 at the first ticks of `FromMeasure` and `ToMeasure` + 1,
