@@ -4,7 +4,8 @@
 // above 59 can be moved onto free keys (the reverse map tells the caller what they were).
 //
 // Every problem is told through the host's alert call, one message per problem and one per
-// byte read past the end of the image (the host folds a run of the same message into one line).
+// byte read past the end of the image (the host folds a run of the same message into one line;
+// a pass shows at most eight times the image plus 64 K of the latter, see ResetBudgets).
 // The reader is safe on any input: all reads, writes and insertions stay inside the block, every
 // scan and queue is bounded by the size of the file, and a hostile file at worst produces
 // messages and a false result.
