@@ -1,7 +1,12 @@
 // Cleaning speed of the MIDI reader: the bundled grooves (a few hundred bytes each) and a
 // 5 MB single-track file holding 100,000 one-data-byte messages, each of which grows the
-// image by one byte. Both should run at the same rate per byte: the cleaner is linear.
+// image by one byte. Both should run at the same rate per byte: the cleaner is linear. The
+// large file's run also times the copy of the file into the block that each cleaning starts
+// from, and prints the cleaning rate beside it: MB_per_s and times_memcpy (cleaning time per
+// byte over copying time per byte). Goals: at least 400 MB/s, and within 100 times memcpy.
 #include <benchmark/benchmark.h>
+
+#include <time.h>
 
 #include <cstring>
 #include <filesystem>
@@ -57,15 +62,20 @@ Bytes LargeFile()
     return file;
 }
 
-bool CleanOnce(const Bytes& file, std::vector<char>& block)
+bool CleanCopied(const Bytes& file, std::vector<char>& block)
 {
-    std::memcpy(block.data(), file.data(), file.size());
     int32_t size = static_cast<int32_t>(file.size());
     TMidiRead reader(block.data(), size, static_cast<int32_t>(block.size()));
     LEventRec meter;
     int32_t tpq = 0, lastBar = 0, lastTick = 0;
     bool found = false;
     return reader.CleanMidiFile(0, meter, tpq, found, lastBar, lastTick);
+}
+
+bool CleanOnce(const Bytes& file, std::vector<char>& block)
+{
+    std::memcpy(block.data(), file.data(), file.size());
+    return CleanCopied(file, block);
 }
 
 void BM_CleanGrooveLibrary(benchmark::State& state)
@@ -85,15 +95,36 @@ void BM_CleanGrooveLibrary(benchmark::State& state)
 }
 BENCHMARK(BM_CleanGrooveLibrary);
 
+// Processor time of this thread: on a shared machine the wall clock mostly measures the others.
+double ThreadSeconds()
+{
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
+// The cleaning and the copy that precedes it are timed apart, on the thread's processor time.
 void BM_CleanLargeFile(benchmark::State& state)
 {
     const Bytes file = LargeFile();
     std::vector<char> block(2 * file.size());
+    double cleanSeconds = 0, copySeconds = 0;
     for (auto _ : state) {
-        if (!CleanOnce(file, block)) state.SkipWithError("cleaning failed");
+        const double start = ThreadSeconds();
+        std::memcpy(block.data(), file.data(), file.size());
+        benchmark::ClobberMemory();
+        const double copied = ThreadSeconds();
+        if (!CleanCopied(file, block)) state.SkipWithError("cleaning failed");
+        const double cleaned = ThreadSeconds();
+        copySeconds += copied - start;
+        cleanSeconds += cleaned - copied;
     }
-    state.SetBytesProcessed(static_cast<int64_t>(state.iterations()) * static_cast<int64_t>(file.size()));
+    const double bytes = static_cast<double>(state.iterations()) * static_cast<double>(file.size());
+    state.SetBytesProcessed(static_cast<int64_t>(bytes));
     state.counters["file_bytes"] = static_cast<double>(file.size());
+    state.counters["MB_per_s"] = cleanSeconds > 0 ? bytes / cleanSeconds / 1e6 : 0.0;
+    state.counters["memcpy_MB_per_s"] = copySeconds > 0 ? bytes / copySeconds / 1e6 : 0.0;
+    state.counters["times_memcpy"] = copySeconds > 0 ? cleanSeconds / copySeconds : 0.0;
 }
 BENCHMARK(BM_CleanLargeFile)->Unit(benchmark::kMillisecond);
 }   // namespace

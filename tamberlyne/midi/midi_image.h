@@ -34,6 +34,19 @@ public:
     // Makes the image contiguous at the start of the block and returns the block.
     char* Settle();
 
+    // The stretch of the image around `pos` (0 <= pos < Size()) that lies in one piece in the
+    // block: positions start..end-1 are the bytes from `bytes` onward.
+    struct Run {
+        int32_t start;
+        int32_t end;
+        char* bytes;
+    };
+    Run RunAt(int32_t pos) const
+    {
+        if (pos < gapStart_) return {0, gapStart_, block_};
+        return {gapStart_, size_, block_ + gapStart_ + gapLength_};
+    }
+
 private:
     int32_t Physical(int32_t pos) const { return pos < gapStart_ ? pos : pos + gapLength_; }
     void MoveGapTo(int32_t pos);

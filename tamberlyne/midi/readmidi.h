@@ -3,13 +3,16 @@
 // drum track stay audible; tracks without drums (other than the first) are cut out; drum keys
 // above 59 can be moved onto free keys (the reverse map tells the caller what they were).
 //
-// Every problem is told through the host's alert call (at most kMaxAlerts messages per reader,
-// however broken the file). The reader is safe on any input: all
-// reads, writes and insertions stay inside the block, every scan and queue is bounded by the
-// size of the file, and a hostile file at worst produces messages and a false result.
+// Every problem is told through the host's alert call, one message per problem and one per
+// byte read past the end of the image (the host folds a run of the same message into one line;
+// a pass shows at most eight times the image plus 64 K of the latter, see ResetBudgets).
+// The reader is safe on any input: all reads, writes and insertions stay inside the block, every
+// scan and queue is bounded by the size of the file, and a hostile file at worst produces
+// messages and a false result.
 #pragma once
 
 #include <cstdint>
+#include <limits>
 
 #include "sdk/records.h"
 #include "tamberlyne/midi/midi_events.h"
@@ -113,7 +116,11 @@ private:
         Fail
     };
 
+    void WalkPlainMessages(TrackWalk& walk, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum);
+    template <bool MayHaveNotes, bool SecondPass>
+    void WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32_t stop);
     void AdvanceTime(TrackWalk& walk, int32_t delta);
+    void QueueDueBoundaries(TrackWalk& walk, int32_t delta);
     void QueueBoundary(TrackWalk& walk, int32_t targetBar);
     void SkipSystemExclusive();
     bool HandleChannelMessage(bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum, int32_t StatusIndex,
@@ -121,13 +128,104 @@ private:
     void RemapDrumKey(int32_t StatusIndex, bool UsingRunningStatus);
     MetaResult HandleMeta(int32_t Track, TrackWalk& walk);
     void ReadMetaData(TrackWalk& walk, int32_t length);
-    void ReportReadBeyondEnd();
-    void Alert(const char* text);
+    // Reads and writes go through a window: the stretch of the image around the cursor that
+    // lies in one piece in the block (see MidiImage::RunAt), so that a byte costs a
+    // compare and a load. A byte outside it takes the slow way, which moves the window or
+    // finds the end of the image; every edit of the layout closes the window.
+    void ReadInto(unsigned char& destination);
+    void ReadOutsideWindow(unsigned char& destination);
+    void WriteOutsideWindow(char value);
+    void OpenWindowAt(int32_t pos);   // 0 <= pos < insize
+    void CloseWindow() { windowLength_ = 0; }
+    static void CountOne(int32_t& count) { count += count != std::numeric_limits<int32_t>::max() ? 1 : 0; }
 
-    static constexpr int kMaxAlerts = 64;
+    void SkipEventsPastEnd(int32_t bytesPerEvent);
+    void ReportReadsBeyondEnd(int64_t count);
+    void Alert(const char* text);
+    void ResetBudgets();
 
     MidiImage image_;
-    bool readPastEnd_ = false;      // a read of this track found no byte: the walk ends there
+    char* windowBytes_ = nullptr;   // the byte at position windowStart_
+    uint32_t windowStart_ = 0;
+    uint32_t windowLength_ = 0;
     int64_t sysexScanBudget_ = 0;   // bytes the system-exclusive scans of this pass may still read
-    int alertsShown_ = 0;
+    int64_t eofAlertBudget_ = 0;    // end-of-file alerts this pass may still show
 };
+
+// The byte reads and writes, inline: cleaning runs through them once per byte.
+
+inline void TMidiRead::ReadInto(unsigned char& destination)
+{
+    const uint32_t offset = static_cast<uint32_t>(inptr) - windowStart_;
+    if (offset < windowLength_) {
+        destination = static_cast<unsigned char>(windowBytes_[offset]);
+        ++inptr;
+        CountOne(BytesRead);
+        CountOne(TotalBytesRead);
+        return;
+    }
+    ReadOutsideWindow(destination);
+}
+
+inline void TMidiRead::Read(unsigned char* destination, int count)
+{
+    for (int i = 0; i < count; ++i) ReadInto(destination[i]);
+}
+
+inline unsigned char TMidiRead::ReadByte()
+{
+    ReadInto(LastByte);
+    return LastByte;
+}
+
+inline void TMidiRead::Read2Bytes(unsigned char& first, unsigned char& second)
+{
+    ReadInto(first);
+    ReadInto(second);
+}
+
+inline void TMidiRead::Read3Bytes(unsigned char& first, unsigned char& second, unsigned char& third)
+{
+    ReadInto(first);
+    ReadInto(second);
+    ReadInto(third);
+}
+
+inline uint16_t TMidiRead::ReadWord()
+{
+    unsigned char high = 0, low = 0;
+    Read2Bytes(high, low);
+    return static_cast<uint16_t>(high * 256 + low);
+}
+
+inline int32_t TMidiRead::ReadLongInt()
+{
+    const uint32_t high = ReadWord();
+    const uint32_t low = ReadWord();
+    return static_cast<int32_t>((high << 16) + low);
+}
+
+// No limit on the length: longer runs drop high bits, as 32-bit arithmetic does.
+inline int32_t TMidiRead::ReadNumber()
+{
+    uint32_t value = 0;
+    unsigned char byte = 0;
+    do {
+        byte = ReadByte();
+        value = (value << 7) + (byte & 0x7F);
+    } while (byte > 127);
+    LastNumberRead = static_cast<int32_t>(value);
+    return LastNumberRead;
+}
+
+// Bytes that would land past the image are dropped: they could never be part of the file.
+inline void TMidiRead::WriteByte(char value)
+{
+    const uint32_t offset = static_cast<uint32_t>(outptr) - windowStart_;
+    if (offset < windowLength_) {
+        windowBytes_[offset] = value;
+    } else {
+        WriteOutsideWindow(value);
+    }
+    CountOne(outptr);
+}

@@ -14,12 +14,8 @@ void midi_alerts::Show(const char* text)
     SX_AlertMessage(nullptr, 0, 0, text, kPluginApiVersion);
 }
 
-// A broken file can raise a message per byte or per track; past a few dozen the user learns
-// nothing more, so the rest are not shown (the result is the same).
 void TMidiRead::Alert(const char* text)
 {
-    if (alertsShown_ >= kMaxAlerts) return;
-    ++alertsShown_;
     midi_alerts::Show(text);
 }
 
@@ -35,6 +31,17 @@ TMidiRead::TMidiRead(char* buffer, int32_t& size, int32_t capacity)
     : inbuf(buffer), insize(size), Events(EventLimitFor(size)), image_(buffer, size, capacity)
 {
     insize = image_.Size();
+    ResetBudgets();
+}
+
+// A track whose length runs far past the image reads zeros up to that length, one message per
+// byte: a length field of two gigabytes would mean two billion identical messages. Each pass
+// shows them all up to eight times the image plus 64 K (all of them for any cut-short groove
+// file), and goes on reading zeros silently past that; the outcome is the same either way.
+void TMidiRead::ResetBudgets()
+{
+    sysexScanBudget_ = int64_t{8} * insize + 65536;
+    eofAlertBudget_ = int64_t{8} * insize + 65536;
 }
 
 TMidiRead::~TMidiRead()
@@ -44,88 +51,46 @@ TMidiRead::~TMidiRead()
 
 const char* TMidiRead::Image()
 {
+    CloseWindow();
     return image_.Settle();
 }
 
-void TMidiRead::ReportReadBeyondEnd()
+void TMidiRead::ReportReadsBeyondEnd(int64_t count)
 {
-    readPastEnd_ = true;
-    Alert(midi_alerts::kReadBeyondEnd);
+    for (; count > 0 && eofAlertBudget_ > 0; --count, --eofAlertBudget_) Alert(midi_alerts::kReadBeyondEnd);
 }
 
-void TMidiRead::Read(unsigned char* destination, int count)
+// A byte of the image outside the window: the window moves to the stretch that holds it. Past
+// the image the byte reads as 0, with its message, and the cursor stays.
+void TMidiRead::ReadOutsideWindow(unsigned char& destination)
 {
-    for (int i = 0; i < count; ++i) {
-        if (inptr >= 0 && inptr < insize) {
-            destination[i] = image_.At(inptr);
-            ++inptr;
-        } else {
-            ReportReadBeyondEnd();
-            destination[i] = 0;
-        }
-        BytesRead = SaturatingAdd(BytesRead, 1);
-        TotalBytesRead = SaturatingAdd(TotalBytesRead, 1);
+    if (inptr >= 0 && inptr < insize) {
+        OpenWindowAt(inptr);
+        ReadInto(destination);
+        return;
     }
+    ReportReadsBeyondEnd(1);
+    destination = 0;
+    CountOne(BytesRead);
+    CountOne(TotalBytesRead);
 }
 
-unsigned char TMidiRead::ReadByte()
+void TMidiRead::OpenWindowAt(int32_t pos)
 {
-    Read(&LastByte, 1);
-    return LastByte;
+    const MidiImage::Run run = image_.RunAt(pos);
+    windowStart_ = static_cast<uint32_t>(run.start);
+    windowLength_ = static_cast<uint32_t>(run.end - run.start);
+    windowBytes_ = run.bytes;
 }
 
-void TMidiRead::Read2Bytes(unsigned char& first, unsigned char& second)
+void TMidiRead::WriteOutsideWindow(char value)
 {
-    Read(&first, 1);
-    Read(&second, 1);
+    if (outptr >= 0 && outptr < insize) image_.Set(outptr, static_cast<uint8_t>(value));
 }
 
-void TMidiRead::Read3Bytes(unsigned char& first, unsigned char& second, unsigned char& third)
-{
-    Read(&first, 1);
-    Read(&second, 1);
-    Read(&third, 1);
-}
-
-uint16_t TMidiRead::ReadWord()
-{
-    unsigned char high = 0, low = 0;
-    Read2Bytes(high, low);
-    return static_cast<uint16_t>(high * 256 + low);
-}
-
-int32_t TMidiRead::ReadLongInt()
-{
-    const uint32_t high = ReadWord();
-    const uint32_t low = ReadWord();
-    return static_cast<int32_t>((high << 16) + low);
-}
-
-// No limit on the length: longer runs drop high bits, as 32-bit arithmetic does.
-int32_t TMidiRead::ReadNumber()
-{
-    uint32_t value = 0;
-    unsigned char byte = 0;
-    do {
-        byte = ReadByte();
-        value = (value << 7) + (byte & 0x7F);
-    } while (byte > 127);
-    LastNumberRead = static_cast<int32_t>(value);
-    return LastNumberRead;
-}
-
-// Bytes that would land past the image are dropped: they could never be part of the file.
 void TMidiRead::Write(const char* source, int count)
 {
-    for (int i = 0; i < count; ++i) {
-        if (outptr >= 0 && outptr < insize) image_.Set(outptr, static_cast<uint8_t>(source[i]));
-        outptr = SaturatingAdd(outptr, 1);
-    }
-}
-
-void TMidiRead::WriteByte(char value)
-{
-    Write(&value, 1);
+    for (int i = 0; i < count; ++i) WriteByte(source[i]);
 }
 
 void TMidiRead::Write2Bytes(char first, char second)
@@ -168,6 +133,7 @@ void TMidiRead::RemoveBytes(int32_t from, int32_t to)
     to = std::min(to, insize);
     if (from >= to) return;
     image_.Remove(from, to);
+    CloseWindow();
     insize = image_.Size();
 }
 
@@ -182,11 +148,21 @@ void TMidiRead::RemoveUpToHereFrom(int32_t from)
 bool TMidiRead::InsertByte()
 {
     if (inptr < 0 || inptr > insize || !image_.Insert(inptr, 0)) return false;
+    CloseWindow();
     insize = image_.Size();
     NextOffset = SaturatingAdd(NextOffset, 1);
     ++inptr;
     ChunkLength = WrapAdd(ChunkLength, 1);
-    outptr = ChunkLengthIdx;
-    WriteLongInt(ChunkLength);
+    // WriteLongInt at the length field, written straight into the image: the field lies
+    // behind the cursor, outside the window.
+    const auto bits = static_cast<uint32_t>(ChunkLength);
+    for (int32_t k = 0; k < 4; ++k) {
+        const int64_t at = int64_t{ChunkLengthIdx} + k;
+        if (at >= 0 && at < insize) image_.Set(static_cast<int32_t>(at), static_cast<uint8_t>(bits >> (24 - 8 * k)));
+    }
+    outptr = SaturatingAdd(ChunkLengthIdx, 4);
+    // The walk goes on from the cursor, which now stands at the start of the block's second
+    // stretch: the window opens there at once.
+    if (inptr < insize) OpenWindowAt(inptr);
     return true;
 }

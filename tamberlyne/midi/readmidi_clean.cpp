@@ -29,9 +29,9 @@ bool TMidiRead::CleanMidiFile(int32_t /*measurecount*/, LEventRec& Meter, int32_
 bool TMidiRead::DoConversion(bool& foundanydrumnotes, int32_t passnum)
 {
     struct SettleOnExit {
-        MidiImage& image;
-        ~SettleOnExit() { image.Settle(); }
-    } settle{image_};
+        TMidiRead& reader;
+        ~SettleOnExit() { reader.Image(); }
+    } settle{*this};
 
     InitVariables();
     if (!ReadHeader()) return false;

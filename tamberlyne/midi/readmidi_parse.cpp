@@ -52,8 +52,7 @@ void TMidiRead::InitVariables()
     BytesRead = 0;
     TotalBytesRead = 0;
     inptr = 0;
-    readPastEnd_ = false;
-    sysexScanBudget_ = int64_t{8} * insize + 65536;
+    ResetBudgets();
     ClearEvent(SMPTEEvent, 1024, 1, 1, 0);
     ClearEvent(InitialMeterEvent, TPQ, 1, 1, 0);
     InitialMeterEvent.BPM = 4;
@@ -125,7 +124,6 @@ bool TMidiRead::ReadHeader()
 
 bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum)
 {
-    readPastEnd_ = false;
     StartChunk();
     if (!IsChunk(ChunkName, "MTrk")) {
         Alert(midi_alerts::kBadTrackId);
@@ -138,9 +136,13 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
     GotOnEndingEvent = Track > 1 || ToMeasure == 99999;
 
     TrackWalk walk(TPQ);
-    // A read that finds no byte ends the walk once its event is handled: past the image
-    // there is nothing left to parse.
-    while (BytesRead < ChunkLength && !readPastEnd_) {
+    while (BytesRead < ChunkLength) {
+        WalkPlainMessages(walk, founddrumnotes, TrackMayHaveNotes, passnum);
+        if (BytesRead >= ChunkLength) break;
+
+        // Any other event, byte by byte.
+        const int32_t eventStart = inptr;
+        const int32_t readBeforeEvent = BytesRead;
         AdvanceTime(walk, ReadNumber());
 
         const int32_t StatusIndex = inptr;
@@ -171,6 +173,7 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
             if (!HandleChannelMessage(founddrumnotes, TrackMayHaveNotes, passnum, StatusIndex, databyteidx,
                                       UsingRunningStatus, walk))
                 return false;
+            if (eventStart >= insize) SkipEventsPastEnd(BytesRead - readBeforeEvent);
             continue;
         }
         switch (HandleMeta(Track, walk)) {
@@ -189,28 +192,187 @@ bool TMidiRead::LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHave
     return true;
 }
 
-// Boundary records first (they take the position before the delta), then the position moves.
-void TMidiRead::AdvanceTime(TrackWalk& walk, int32_t delta)
+// Past the image every byte reads 0: an event there is a zero delta and a running-status
+// message of zeros, and each one leaves the reader exactly as the one before it did. Once one
+// has been handled, the rest up to the chunk's length are counted rather than walked.
+void TMidiRead::SkipEventsPastEnd(int32_t bytesPerEvent)
 {
-    if (delta > 0) {
-        // Only whole measures of the delta count here, whatever the tick in the measure.
-        const int32_t barAfter = WrapAdd(walk.CurrentBar, SafeDiv(delta, walk.CurrentTPM));
-        if (FromMeasure > 1 && !GotOnBeginningEvent && barAfter >= FromMeasure) {
-            QueueBoundary(walk, FromMeasure);
-            GotOnBeginningEvent = true;
-        }
-        const int32_t endBar = WrapAdd(ToMeasure, 1);
-        if (!GotOnEndingEvent && barAfter >= endBar) {
-            QueueBoundary(walk, endBar);
-            GotOnEndingEvent = true;
-        }
+    const int64_t remaining = int64_t{ChunkLength} - BytesRead;
+    if (remaining <= 0 || bytesPerEvent <= 0) return;
+    const int64_t reads = (remaining + bytesPerEvent - 1) / bytesPerEvent * bytesPerEvent;
+    ReportReadsBeyondEnd(reads);
+    BytesRead = SaturatingAdd(BytesRead, reads);
+    TotalBytesRead = SaturatingAdd(TotalBytesRead, reads);
+}
+
+// Most of a groove is plain channel messages: drum messages that stay as they are and
+// running-status messages, which are never edited. They are walked here straight from the
+// window with the reader's state in locals, with the same effect as the event-by-event walk:
+// cursor, counts, last byte and number read, status, running status, position, drum and pitch
+// records, and the keys already given a new place in the second pass. The walk stops, with all
+// of that written back, before anything else (meta and system messages, a message to
+// neutralise, a key still to be placed, an undefined running status, a quantity of more than
+// four bytes), before the last bytes of the window and at the end of the chunk's count; and it
+// does not start while a measure-boundary record is still due.
+void TMidiRead::WalkPlainMessages(TrackWalk& walk, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum)
+{
+    constexpr int32_t kLongestMessage = 7;   // four bytes of delta, status and two data bytes
+    if ((FromMeasure > 1 && !GotOnBeginningEvent) || !GotOnEndingEvent) return;
+    const uint32_t offset = static_cast<uint32_t>(inptr) - windowStart_;
+    if (offset >= windowLength_) return;
+    const int64_t windowStarts = int64_t{windowLength_} - offset - (kLongestMessage - 1);
+    const int64_t chunkStarts = int64_t{ChunkLength} - BytesRead;
+    const auto stop = static_cast<int32_t>(std::min(windowStarts, chunkStarts));
+    if (stop <= 0) return;
+    // One loop per kind of pass and track, so that neither is asked about in the loop.
+    if (!TrackMayHaveNotes) {
+        WalkPlainMessagesIn<false, false>(walk, founddrumnotes, stop);
+    } else if (passnum == 2) {
+        WalkPlainMessagesIn<true, true>(walk, founddrumnotes, stop);
+    } else {
+        WalkPlainMessagesIn<true, false>(walk, founddrumnotes, stop);
     }
+}
+
+// Messages may start at offsets below `stop` from the cursor, all of them inside the window.
+template <bool MayHaveNotes, bool SecondPass>
+void TMidiRead::WalkPlainMessagesIn(TrackWalk& walk, bool& founddrumnotes, int32_t stop)
+{
+    char* const bytes = windowBytes_ + (static_cast<uint32_t>(inptr) - windowStart_);   // the byte at inptr
+    const auto at = [bytes](int32_t i) { return static_cast<uint8_t>(bytes[i]); };
+    const int32_t start = inptr;
+    const int32_t tpm = walk.CurrentTPM;
+    uint8_t running = RunningStatus;
+    const int32_t tickinbarBefore = walk.tickinbar, barBefore = walk.CurrentBar;
+    int32_t tickinbar = tickinbarBefore, bar = barBefore;
+    bool foundDrums = false;
+    int32_t lastOutptr = -1;   // past the last key moved, from the cursor
+    int32_t last = -1;         // where the last message taken begins
+    int32_t i = 0;
+    while (i < stop) {
+        int32_t n = i;
+        uint32_t delta = at(n++);
+        if (delta > 127) {
+            uint8_t byte = 0;
+            delta &= 0x7F;
+            do {
+                byte = at(n++);
+                delta = (delta << 7) + (byte & 0x7F);
+            } while (byte > 127 && n - i < 4);
+            if (byte > 127) break;
+        }
+        const int32_t statusAt = n++;
+        uint8_t status = at(statusAt);
+        const bool usingRunningStatus = status < 0x80;
+        if (usingRunningStatus) {
+            if (running == 0) break;
+            status = running;
+        } else if (status >= 0xF0) {
+            break;
+        } else {
+            ++n;
+        }
+        const int32_t keyAt = n - 1;
+        const uint8_t kind = status & 0xF0;
+        const bool drum = MayHaveNotes && (status & 0x0F) == 9;
+        if (!drum && !usingRunningStatus) break;   // to be neutralised
+        const uint8_t key = at(keyAt);
+        const bool note = MayHaveNotes && (status & 0xEF) == 0x89 && key < 128;   // note off or on, channel 10
+        uint8_t movedTo = 0;
+        if (SecondPass && note && key > kHighestUnmovedKey) {
+            movedTo = PitchMappedTo[key];
+            if (movedTo == 0) break;   // a key still to be placed
+        }
+        // Notes (nearly all of a groove) take their second data byte in a branch of their own:
+        // worked out from the status byte's value, the next message's place would wait for
+        // that byte to be loaded.
+        if (note) {
+            ++n;
+        } else if (kind != 0xC0 && kind != 0xD0) {
+            ++n;
+        }
+
+        running = status;
+        tickinbar = WrapAdd(tickinbar, static_cast<int32_t>(delta));
+        if (tpm > 0 && tickinbar >= tpm) {
+            bar = WrapAdd(bar, tickinbar / tpm);
+            tickinbar %= tpm;
+        }
+        // Written through as they change (few registers are left for them).
+        if (drum) {
+            foundDrums = true;
+            lastdrumnotebar = bar;
+            lastdrumnotetickinbar = tickinbar;
+        }
+        if (note) {
+            // A key already marked used lies between the lowest and highest seen: it was seen
+            // itself, or is a remap target, which lies above the lowest and below the highest.
+            if (!PitchUsed[key]) {
+                highestpitchfound = std::max<int32_t>(highestpitchfound, key);
+                lowestpitchfound = std::min<int32_t>(lowestpitchfound, key);
+                PitchUsed[key] = true;
+            }
+            if (SecondPass && movedTo != 0) {
+                bytes[keyAt] = static_cast<char>(movedTo);
+                lastOutptr = keyAt + 1;
+            }
+        }
+        if (SecondPass) First = key;   // the image may no longer hold it
+        last = i;
+        i = n;
+    }
+    if (last < 0) return;
+
+    // What the last message taken leaves behind, as reading it byte by byte would.
+    uint32_t delta = 0;
+    int32_t n = last;
+    uint8_t byte = 0;
+    do {
+        byte = at(n++);
+        delta = (delta << 7) + (byte & 0x7F);
+    } while (byte > 127);
+    LastNumberRead = static_cast<int32_t>(delta);
+    LastByte = at(i - 1);
+    Status = running;
+    RunningStatus = running;
+    inptr = start + i;
+    BytesRead = SaturatingAdd(BytesRead, i);
+    TotalBytesRead = SaturatingAdd(TotalBytesRead, i);
+    if (SecondPass && lastOutptr >= 0) outptr = start + lastOutptr;
+    // The ticks walked are the measures and ticks in measure walked, in 32-bit arithmetic.
+    CurrentTick =
+        WrapAdd(CurrentTick, WrapAdd(WrapSub(tickinbar, tickinbarBefore), WrapMul(WrapSub(bar, barBefore), tpm)));
+    if (!SecondPass) First = at(at(n) < 0x80 ? n : n + 1);
+    if (foundDrums) founddrumnotes = true;
+    walk.tickinbar = tickinbar;
+    walk.CurrentBar = bar;
+}
+
+// Boundary records first (they take the position before the delta), then the position moves.
+inline void TMidiRead::AdvanceTime(TrackWalk& walk, int32_t delta)
+{
+    if (delta > 0 && ((FromMeasure > 1 && !GotOnBeginningEvent) || !GotOnEndingEvent)) QueueDueBoundaries(walk, delta);
     CurrentTick = WrapAdd(CurrentTick, delta);
     walk.tickinbar = WrapAdd(walk.tickinbar, delta);
     // Whole measures leave the tick in measure; a measure of no ticks never ends.
     if (walk.CurrentTPM > 0 && walk.tickinbar >= walk.CurrentTPM) {
         walk.CurrentBar = WrapAdd(walk.CurrentBar, walk.tickinbar / walk.CurrentTPM);
         walk.tickinbar %= walk.CurrentTPM;
+    }
+}
+
+void TMidiRead::QueueDueBoundaries(TrackWalk& walk, int32_t delta)
+{
+    // Only whole measures of the delta count here, whatever the tick in the measure.
+    const int32_t barAfter = WrapAdd(walk.CurrentBar, SafeDiv(delta, walk.CurrentTPM));
+    if (FromMeasure > 1 && !GotOnBeginningEvent && barAfter >= FromMeasure) {
+        QueueBoundary(walk, FromMeasure);
+        GotOnBeginningEvent = true;
+    }
+    const int32_t endBar = WrapAdd(ToMeasure, 1);
+    if (!GotOnEndingEvent && barAfter >= endBar) {
+        QueueBoundary(walk, endBar);
+        GotOnEndingEvent = true;
     }
 }
 
@@ -235,14 +397,14 @@ void TMidiRead::QueueBoundary(TrackWalk& walk, int32_t targetBar)
 }
 
 // Four bytes after the length byte are skipped unseen, then everything up to the next 0xF7.
-// The scan stops at the end of the image, and a pass's scans together read no more than a
-// few times the image: past that, the scan gives up as if the image had ended.
+// Past the image the scan would read zeros for ever: it stops at the first of them, and the
+// walk goes on past the end like any other read there. A pass's scans together read no more
+// than a few times the image: past that, the scan gives up as if the image had ended there.
 void TMidiRead::SkipSystemExclusive()
 {
     unsigned char skipped[4];
     Read(skipped, 4);
-    if (readPastEnd_) return;
-    const int32_t start = inptr;
+    const int32_t start = std::min(inptr, insize);
     const int32_t limit = static_cast<int32_t>(std::min<int64_t>(insize, start + sysexScanBudget_));
     const int32_t end = image_.Find(start, limit, 0xF7);
     const bool found = end < limit;
@@ -250,14 +412,15 @@ void TMidiRead::SkipSystemExclusive()
     sysexScanBudget_ -= consumed;
     BytesRead = SaturatingAdd(BytesRead, consumed);
     TotalBytesRead = SaturatingAdd(TotalBytesRead, consumed);
-    inptr = start + consumed;
     if (found) {
+        inptr = start + consumed;
         LastByte = 0xF7;
     } else {
+        inptr = std::max(inptr, insize);
         LastByte = 0;
         BytesRead = SaturatingAdd(BytesRead, 1);
         TotalBytesRead = SaturatingAdd(TotalBytesRead, 1);
-        ReportReadBeyondEnd();
+        ReportReadsBeyondEnd(1);
     }
 }
 
@@ -307,15 +470,16 @@ void TMidiRead::RemapDrumKey(int32_t StatusIndex, bool UsingRunningStatus)
     }
 }
 
-// Only the first 1024 bytes of the data are kept (followed by a zero); the rest is skipped.
-// A length running past the image (or a negative one) ends the walk there.
+// Only the first 1024 bytes of the data are kept (followed by a zero); the rest is skipped,
+// each byte missing past the image with its message. A negative length (a quantity of five
+// bytes or more that wrapped) reads nothing and would send the cursor back: it goes to the
+// end of the image instead, so that the walk never runs over the same bytes again.
 void TMidiRead::ReadMetaData(TrackWalk& walk, int32_t length)
 {
     const int32_t start = inptr;
     if (length < 0) {
         walk.MetaBuf[0] = 0;
         inptr = std::max(inptr, insize);
-        ReportReadBeyondEnd();
         return;
     }
     const int32_t stored = std::min(length, kMetaBufSize - 1);
@@ -326,7 +490,7 @@ void TMidiRead::ReadMetaData(TrackWalk& walk, int32_t length)
     BytesRead = SaturatingAdd(BytesRead, length);
     TotalBytesRead = SaturatingAdd(TotalBytesRead, length);
     inptr = SaturatingAdd(start, length);
-    if (available < length) ReportReadBeyondEnd();
+    ReportReadsBeyondEnd(int64_t{length} - available);
 }
 
 TMidiRead::MetaResult TMidiRead::HandleMeta(int32_t Track, TrackWalk& walk)

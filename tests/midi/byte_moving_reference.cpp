@@ -1,6 +1,7 @@
-// The cleaner as first defined, for valid files: a plain array in which every insertion moves
-// all later bytes up at once. Deliberately slow and literal; only what decides the output
-// bytes and the cleaner's outputs is modelled (no event records).
+// The cleaner as first defined, for valid files and copies of them cut short anywhere: a plain
+// array in which every insertion moves all later bytes up at once. Deliberately slow and
+// literal; only what decides the output bytes and the cleaner's outputs is modelled (no event
+// records), and the bytes read past the end, each of which the cleaner reports.
 #include <algorithm>
 #include <cstring>
 
@@ -27,11 +28,18 @@ public:
         out.lastTickInBar = lastTickInBar_;
         out.image.assign(buf_.begin(), buf_.begin() + size_);
         out.reverseMap.assign(reverse_, reverse_ + 128);
+        out.readsPastEnd = pastEnd_;
         return out;
     }
 
 private:
-    uint8_t Get() { return ++bytesRead_, in_ < size_ ? buf_[size_t(in_++)] : 0; }
+    uint8_t Get()
+    {
+        ++bytesRead_;
+        if (in_ < size_) return buf_[size_t(in_++)];
+        ++pastEnd_;
+        return 0;
+    }
     uint32_t Word(int bytes)
     {
         uint32_t v = 0;
@@ -86,8 +94,9 @@ private:
             if (drums) {
                 found = true;
             } else if (track > 1) {
-                std::memmove(&buf_[size_t(from)], &buf_[size_t(in_)], size_t(size_ - in_));
-                size_ -= in_ - from;
+                const int32_t to = std::min(in_, size_);   // a chunk running past the end goes to the end
+                std::memmove(&buf_[size_t(from)], &buf_[size_t(to)], size_t(size_ - to));
+                size_ -= to - from;
                 in_ = from;
                 --track;
                 Put(countIdx, uint32_t(--count), 2);
@@ -121,7 +130,10 @@ private:
             }
             if (status == 0xF0) {
                 for (int i = 0; i < 4; ++i) Get();
-                while (Get() != 0xF7) {
+                // Past the end the scan would read zeros for ever: it stops at the first.
+                for (bool past = false; !past;) {
+                    past = in_ >= size_;
+                    if (Get() == 0xF7) break;
                 }
                 continue;
             }
@@ -173,6 +185,7 @@ private:
     std::vector<uint8_t> buf_;
     int32_t size_, in_ = 0, next_ = 0, lengthIdx_ = 0, length_ = 0, bytesRead_ = 0, tpq_ = 0;
     int32_t lastBar_ = 0, lastTickInBar_ = 0;
+    int64_t pastEnd_ = 0;
     int highest_ = 0, lowest_ = 127;
     bool used_[128] = {};
     uint8_t mappedTo_[128] = {}, reverse_[128] = {};

@@ -1,5 +1,7 @@
 #include "midi_test_support.h"
 
+#include <algorithm>
+
 #include "tamberlyne/host/gateway.h"
 
 namespace {
@@ -49,6 +51,8 @@ CleanOutcome Clean(const Bytes& file, int32_t capacity)
     out.image = h.Image();
     out.remapped = h.reader.remappedany;
     out.reverseMap.assign(h.reader.PitchReverseMap, h.reader.PitchReverseMap + 128);
+    out.readsPastEnd =
+        std::count(MidiTest::Alerts().begin(), MidiTest::Alerts().end(), "Parsing error - trying to read beyond EOF.");
     return out;
 }
 

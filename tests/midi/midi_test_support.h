@@ -56,6 +56,7 @@ struct CleanOutcome {
     int32_t lastTickInBar = 0;
     bool remapped = false;
     std::vector<uint8_t> reverseMap;   // 128 entries
+    int64_t readsPastEnd = 0;          // end-of-file messages shown (reads past the end, for the reference)
 };
 
 CleanOutcome Clean(const Bytes& file, int32_t capacity = -1);

@@ -79,14 +79,6 @@ TEST_F(MidiBytes, RemovingAWholeChunkBringsTheNextOneForward)
     EXPECT_EQ(r.StartChunk(), 1);
 }
 
-TEST_F(MidiBytes, InsertionIsRefusedWhenTheBlockIsFull)
-{
-    ReaderHarness h(Chunk("MTrk", {1, 2}), 10);
-    h.reader.StartChunk();
-    EXPECT_FALSE(h.reader.InsertByte());
-    EXPECT_EQ(support::Ints(h.size, h.reader.ChunkLength), support::Ints(10, 2));
-}
-
 // The gap-keeping image against a plain vector, over many random edits.
 TEST(MidiImage, BehavesLikeAPlainArrayUnderRandomEdits)
 {

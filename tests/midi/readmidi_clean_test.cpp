@@ -1,8 +1,11 @@
 // The cleaner's passes, the meter check, hostile files, and equality with the byte-moving
 // reference on random valid files.
 #include <filesystem>
+#include <map>
+#include <set>
 
 #include "midi_test_support.h"
+#include "tamberlyne/midi/midi_alerts.h"
 
 namespace {
 Bytes Note(uint8_t status, uint8_t key, uint8_t delta = 0x00)
@@ -94,23 +97,45 @@ TEST_F(MidiCleaner, MeterCheckWarnsOncePerFlag)
 }
 
 // Malformed files: messages and a false result at worst, never a step outside the block
-// (the sanitizers watch), a hang or an overflow.
+// (the sanitizers watch), a hang, an overflow or a message of its own making.
 TEST_F(MidiCleaner, HostileFilesAreSurvived)
 {
+    const std::set<std::string> messages = {midi_alerts::kReadBeyondEnd,
+                                            midi_alerts::kBadHeaderId,
+                                            midi_alerts::kBadHeaderLength,
+                                            midi_alerts::kLongHeader,
+                                            midi_alerts::kBadFormat,
+                                            midi_alerts::kNoTracks,
+                                            midi_alerts::kFormat2FirstTrackOnly,
+                                            midi_alerts::kFormat0OneTrack,
+                                            midi_alerts::kUnusualFrameRate,
+                                            midi_alerts::kBadTrackId,
+                                            midi_alerts::kRunningStatusUndefined,
+                                            midi_alerts::kTimeSignatureChange,
+                                            midi_alerts::kOffbeatTimeSignature,
+                                            midi_alerts::kEndOfTrackMissing};
     // The hand-made broken seeds of the fuzzer, then random damage to valid files.
-    for (const auto& entry : std::filesystem::directory_iterator(SourceDir() + "/fuzz/corpus")) {
-        const Bytes file = ReadBytes(entry.path().string());
-        Alerts().clear();
-        EXPECT_LE(Clean(file).image.size(), 2 * file.size()) << entry.path();
-        EXPECT_LE(Alerts().size(), 64u);   // a file of many broken tracks still shows a bounded few
-    }
+    std::vector<Bytes> files;
+    for (const auto& entry : std::filesystem::directory_iterator(SourceDir() + "/fuzz/corpus"))
+        files.push_back(ReadBytes(entry.path().string()));
     std::mt19937 rng(11);
     for (int i = 0; i < 300; ++i) {
-        Bytes file = RandomValidFile(rng);
-        for (int flips = 1 + int(rng() % 8); flips > 0; --flips) file[rng() % file.size()] = uint8_t(rng());
-        file.resize(1 + rng() % file.size());
-        Clean(file);
+        files.push_back(RandomValidFile(rng));
+        for (int flips = 1 + int(rng() % 8); flips > 0; --flips)
+            files.back()[rng() % files.back().size()] = uint8_t(rng());
     }
+    for (const Bytes& file : files) {
+        Alerts().clear();
+        EXPECT_LE(Clean(file).image.size(), 2 * file.size());
+        for (const std::string& alert : Alerts()) EXPECT_EQ(messages.count(alert), 1u) << alert;
+    }
+}
+
+TEST_F(MidiCleaner, EveryMessageIsShownHoweverMany)
+{
+    const CleanOutcome out = Clean(Smf(1, 480, std::vector<Bytes>(100)));   // no track ends properly
+    EXPECT_TRUE(out.result);
+    EXPECT_EQ(Alerts(), std::vector<std::string>(100, "End of track meta event missing"));
 }
 
 TEST_F(MidiCleaner, FullBlockFailsTheConversionInsteadOfOverflowing)
@@ -121,21 +146,33 @@ TEST_F(MidiCleaner, FullBlockFailsTheConversionInsteadOfOverflowing)
     EXPECT_EQ(out.image.size(), file.size() + 1);
 }
 
-TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnRandomValidFiles)
+// Random valid files, whole and cut short anywhere (as a broken download or copy leaves them):
+// the cleaner reads them as far as they go, and on past the end, as the definition does, to the
+// byte and to the number of end-of-file messages.
+TEST_F(MidiCleaner, MatchesTheByteMovingDefinitionOnRandomFilesWholeAndCutShort)
 {
     std::mt19937 rng(2024);
     int secondPasses = 0;
+    std::map<bool, int> cutResults;
     for (int i = 0; i < 400; ++i) {
-        const Bytes file = RandomValidFile(rng);
-        const CleanOutcome fast = Clean(file);
-        const CleanOutcome slow = CleanByMovingBytes(file);
-        ASSERT_EQ(fast.image, slow.image) << "file " << i;
-        ASSERT_EQ(fast.reverseMap, slow.reverseMap);
-        ASSERT_EQ(Ints(fast.result, fast.foundDrums, fast.remapped, fast.lastBar, fast.lastTickInBar),
-                  Ints(slow.result, slow.foundDrums, slow.remapped, slow.lastBar, slow.lastTickInBar));
-        secondPasses += fast.remapped;
+        const Bytes whole = RandomValidFile(rng);
+        const Bytes cut(whole.begin(), whole.begin() + 1 + std::ptrdiff_t(rng() % whole.size()));
+        for (const bool isCut : {false, true}) {
+            Alerts().clear();
+            const CleanOutcome fast = Clean(isCut ? cut : whole);
+            const CleanOutcome slow = CleanByMovingBytes(isCut ? cut : whole);
+            ASSERT_EQ(fast.image, slow.image) << "file " << i << (isCut ? " cut" : "");
+            ASSERT_EQ(fast.reverseMap, slow.reverseMap);
+            ASSERT_EQ(
+                Ints(fast.result, fast.foundDrums, fast.remapped, fast.lastBar, fast.lastTickInBar, fast.readsPastEnd),
+                Ints(slow.result, slow.foundDrums, slow.remapped, slow.lastBar, slow.lastTickInBar, slow.readsPastEnd))
+                << "file " << i << (isCut ? " cut" : "");
+            secondPasses += !isCut && fast.remapped;
+            cutResults[fast.result] += isCut;
+        }
     }
     EXPECT_GT(secondPasses, 50);
+    EXPECT_GT(std::min(cutResults[false], cutResults[true]), 30);   // refusals, and files read past their end
 }
 
 // Thousands of one-data-byte messages, each growing the kept track by a byte, both passes.

@@ -4,9 +4,11 @@
 #include "tamberlyne/host/staff_record.h"
 #include "tamberlyne/host/string_resources.h"
 #include "tamberlyne/host/typed_records.h"
+#include "tamberlyne/platform/pstring.h"
 #include "tests/plugin/plugin_test_support.h"
 #include "toolbox/resources.h"
 
+#include <algorithm>
 #include <cstring>
 
 using plugin_test::HostSession;
@@ -130,4 +132,14 @@ TEST(PluginStringResources, EntriesOfThePluginsFileCutToTheCallersLength)
     unsigned char pstring[256];
     HardGetPString(0x4E200001, pstring);
     EXPECT_EQ(std::string(reinterpret_cast<char*>(pstring + 1), pstring[0]), item);
+
+    // A length byte says at most 255: longer texts are cut there, and nothing lands past the
+    // 256 bytes of the string.
+    for (const size_t length : {size_t{255}, size_t{256}, size_t{300}}) {
+        unsigned char guarded[300];
+        std::memset(guarded, 0xAA, sizeof(guarded));
+        c2p(guarded, std::string(length, 'x').c_str());
+        EXPECT_EQ(PstrToString(guarded), std::string(std::min<size_t>(length, 255), 'x'));
+        EXPECT_EQ(guarded[256], 0xAA) << length;
+    }
 }
