@@ -5,7 +5,7 @@
 # Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-                   libbenchmark-dev
+                   libbenchmark-dev libcpp-httplib-dev nodejs npm chromium
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
@@ -24,6 +24,7 @@ deps:
 	  $$sudo apt-get update -qq && \
 	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends $$missing; \
 	fi
+	cd web && npm ci --no-audit --no-fund
 
 build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DTAMBERLYNE_TESTS=OFF

@@ -27,5 +27,7 @@ std::string UsageText();
 
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunServeCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string ServeUsageText();
 
 }   // namespace stavio::app
