@@ -5,7 +5,7 @@
 # Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-                   libbenchmark-dev libcpp-httplib-dev nodejs npm chromium
+                   libbenchmark-dev libcpp-httplib-dev nodejs chromium
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
@@ -24,7 +24,11 @@ deps:
 	  $$sudo apt-get update -qq && \
 	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends $$missing; \
 	fi
-	cd web && npm ci --no-audit --no-fund
+	@# npm comes with some builds of nodejs and is a package of its own in Debian's
+	@command -v npm >/dev/null || { sudo=$$([ "$$(id -u)" = 0 ] || echo sudo); \
+	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends npm; }
+	@# The page's engraver and the browser test's driver, pinned in web/package-lock.json
+	@[ web/node_modules/.package-lock.json -nt web/package-lock.json ] || (cd web && npm ci --no-audit --no-fund)
 
 build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DTAMBERLYNE_TESTS=OFF

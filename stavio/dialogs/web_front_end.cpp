@@ -21,7 +21,7 @@ const char* StyleWord(int32_t style)
         case kAlertStop: return "stop";
         case kAlertWarning: return "warning";
         case kAlertQuestion: return "question";
-        default: return "note";
+        default: return "notice";
     }
 }
 

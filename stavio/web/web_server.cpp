@@ -282,6 +282,7 @@ private:
     void Routes()
     {
         http_.set_payload_max_length(kLargestUpload);
+        http_.set_keep_alive_timeout(1);   // so that stopping does not wait long for idle connections
         http_.set_pre_routing_handler([this](const httplib::Request& request, httplib::Response& response) {
             if (!FromThePage(request)) {
                 Fail(response, 403, "requests come only from the page at http://" + hostPort_);

@@ -142,7 +142,8 @@
     if (json === shownAsk) return;
     shownAsk = json;
     alertLayer.hidden = !ask || ask.kind !== 'alert';
-    dialogLayer.hidden = !ask || ask.kind !== 'dialog';
+    // A dialog stays in sight under an alert it raised.
+    if (!ask || ask.kind === 'dialog') dialogLayer.hidden = !ask;
     if (ask && ask.kind === 'alert') showAlert(ask);
     if (ask && ask.kind === 'dialog') DialogView.draw(dialogLayer, ask, answer);
   }
@@ -227,7 +228,7 @@
     upload(event.dataTransfer.files[0]);
   });
   document.addEventListener('keydown', (event) => {
-    if (dialogLayer.hidden || event.target.tagName === 'BUTTON') return;
+    if (dialogLayer.hidden || !alertLayer.hidden || event.target.tagName === 'BUTTON') return;
     if (event.key === 'Enter') answer({ kind: 'press', item: 1 });
     if (event.key === 'Escape') answer({ kind: 'press', item: 2 });
   });
