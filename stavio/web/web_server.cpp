@@ -315,8 +315,8 @@ private:
                    [this](const httplib::Request& request, httplib::Response& response) { Edit(request, response); });
         http_.Post("/api/upload",
                    [this](const httplib::Request& request, httplib::Response& response) { Upload(request, response); });
-        http_.Get("/api/download", [](const httplib::Request&, httplib::Response& response) {
-            Fail(response, 501, "MusicXML support is not built yet");
+        http_.Get("/api/download", [this](const httplib::Request& request, httplib::Response& response) {
+            Download(request, response);
         });
     }
 
@@ -495,6 +495,25 @@ private:
         response.set_content("{\"done\":true}", kJson);
     }
 
+    void Download(const httplib::Request& request, httplib::Response& response)
+    {
+        std::lock_guard<std::mutex> lock(mutex_);
+        Tab* tab = TabOf(request, response);
+        if (tab == nullptr) {
+            return;
+        }
+        const std::string format = request.get_param_value("format") == "mxl" ? "mxl" : "musicxml";
+        std::string bytes;
+        std::string error;
+        if (!SaveScoreForSession(tab->document, format, bytes, error)) {
+            Fail(response, 501, error);
+            return;
+        }
+        response.set_header("Content-Disposition", "attachment; filename=\"score." + format + "\"");
+        response.set_content(std::move(bytes), format == "mxl" ? "application/vnd.recordare.musicxml"
+                                                               : "application/vnd.recordare.musicxml+xml");
+    }
+
     void Upload(const httplib::Request& request, httplib::Response& response)
     {
         std::lock_guard<std::mutex> lock(mutex_);
@@ -567,6 +586,16 @@ std::optional<LoadedScore> LoadScoreForSession(const std::string& bytes, const s
     static_cast<void>(bytes);
     error = name + ": MusicXML support is not built yet";
     return std::nullopt;
+}
+
+bool SaveScoreForSession(const Document& document, const std::string& format, std::string& bytes, std::string& error)
+{
+    // The MusicXML writer plugs in here: the tab's ScoreFile::Write(document, container, bytes, error).
+    static_cast<void>(document);
+    static_cast<void>(format);
+    static_cast<void>(bytes);
+    error = "MusicXML support is not built yet";
+    return false;
 }
 
 int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostream& err)

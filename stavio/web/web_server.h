@@ -40,6 +40,10 @@ struct LoadedScore {
 };
 std::optional<LoadedScore> LoadScoreForSession(const std::string& bytes, const std::string& name, std::string& error);
 
+// The tab's score as a file to download (`format` "musicxml" or "mxl"): the bytes that
+// `tamberlyne fill -o` writes. False and a message when it cannot be written.
+bool SaveScoreForSession(const Document& document, const std::string& format, std::string& bytes, std::string& error);
+
 // Serves until SIGINT or SIGTERM; prints the address on `out`. Returns the exit status.
 int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostream& err);
 

@@ -74,10 +74,10 @@ async function waitUntilIdle(target) {
   await target.waitForFunction(() => document.querySelector('#dialog-layer').hidden && document.querySelector('#alert-layer').hidden);
 }
 
-function rawRequest(requestPath, headers = {}) {
+function rawRequest(requestPath, headers = {}, method = 'GET') {
   const { hostname, port } = new URL(address);
   return new Promise((resolve, reject) => {
-    const request = http.request({ hostname, port, path: requestPath, method: 'GET', headers }, (response) => {
+    const request = http.request({ hostname, port, path: requestPath, method, headers }, (response) => {
       response.resume();
       response.on('end', () => resolve(response.statusCode));
     });
@@ -208,8 +208,19 @@ test('requests cannot reach outside the page\'s files', async () => {
   assert.equal(await rawRequest('/', { Host: 'elsewhere.example' }), 403);
 });
 
-test('the server removes its own folder when it stops', async () => {
+test('uploads are limited in size', async () => {
+  assert.equal(await rawRequest(`/api/upload?session=${'u'.repeat(12)}&name=big.musicxml`,
+    { 'Content-Length': String(60 * 1024 * 1024) }, 'POST'), 413);
+});
+
+test('the server stops while the plug-in waits for the page, and removes its own folder', async () => {
   assert.equal(fs.readdirSync(serverTemp).filter((name) => name.startsWith('tamberlyne-serve-')).length, 1);
+  const waiting = await context.newPage();
+  await waiting.goto(address);
+  await waiting.waitForSelector('rect.measure-box');
+  await select(waiting, DRUMS, 1, 1);
+  await waiting.click('#run');
+  await waiting.waitForSelector('#dialog-layer [role=dialog]');
   const exited = new Promise((resolve) => server.on('exit', (code) => resolve(code)));
   server.kill('SIGTERM');
   assert.equal(await exited, 0);
