@@ -12,8 +12,8 @@ const std::vector<Command>& Commands()
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
         {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)", RunFillCommand,
          FillUsageText},
-        {"serve", "[--port N] [--open]", "serve the page: a score in the browser, the plug-in's dialog, undo",
-         RunServeCommand, ServeUsageText},
+        {"serve", "[options]", "serve the page: a score in the browser, the plug-in's dialog, undo", RunServeCommand,
+         ServeUsageText},
     };
     return commands;
 }
