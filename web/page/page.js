@@ -18,6 +18,7 @@
   let shownAsk = 'null';
   let polling = false;
   let answeredAt = 0;
+  let recheck = null;
 
   function url(path, params = {}) {
     return `${path}?${new URLSearchParams({ session, ...params })}`;
@@ -90,7 +91,8 @@
 
   function updateButtons() {
     const running = !!(state && state.running);
-    $('run').disabled = running || !selection;
+    $('run').disabled = running || !selection || !!(state && state.busyElsewhere);
+    $('run').title = state && state.busyElsewhere ? 'The plug-in is busy in another tab' : '';
     $('undo').disabled = running || !state || state.undo === 0;
     $('redo').disabled = running || !state || state.redo === 0;
     $('demo').disabled = running;
@@ -106,6 +108,10 @@
     }
     showAsk(state.running ? state.ask : null);
     updateButtons();
+    if (state.busyElsewhere && !recheck) {
+      // Another tab runs the plug-in: look again until it has finished.
+      recheck = setTimeout(() => { recheck = null; refresh().catch(() => {}); }, 1000);
+    }
     return state;
   }
 
