@@ -6,9 +6,11 @@
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
                    libbenchmark-dev \
-                   libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3
+                   libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3 \
+                   libcpp-httplib-dev nodejs chromium
 # (MusicXML: pugixml and libzip read scores and .mxl archives; xmllint validates what is written
-# against the schema; MuseScore 3 is the notation program the tests play written drum notes in.)
+# against the schema; MuseScore 3 is the notation program the tests play written drum notes in.
+# The page: cpp-httplib serves it, node runs its browser test in Debian's chromium.)
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
@@ -27,6 +29,11 @@ deps:
 	  $$sudo apt-get update -qq && \
 	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends $$missing; \
 	fi
+	@# npm comes with some builds of nodejs and is a package of its own in Debian's
+	@command -v npm >/dev/null || { sudo=$$([ "$$(id -u)" = 0 ] || echo sudo); \
+	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends npm; }
+	@# The page's engraver and the browser test's driver, pinned in web/package-lock.json
+	@[ web/node_modules/.package-lock.json -nt web/package-lock.json ] || (cd web && npm ci --no-audit --no-fund)
 
 build: deps
 	cmake -S . -B $(BUILD) -G Ninja -DTAMBERLYNE_TESTS=OFF

@@ -19,6 +19,8 @@ const std::vector<Command>& Commands()
          ConvertUsageText},
         {"grooves", "[show NAME]", "list the groove folder as the plug-in sees it, or show a groove's drum grid",
          RunGroovesCommand, GroovesUsageText},
+        {"serve", "[options]", "serve the page: a score in the browser, the plug-in's dialog, undo", RunServeCommand,
+         ServeUsageText},
     };
     return commands;
 }

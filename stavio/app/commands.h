@@ -33,5 +33,7 @@ std::string InfoUsageText();
 std::string ConvertUsageText();
 int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string GroovesUsageText();
+int RunServeCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string ServeUsageText();
 
 }   // namespace stavio::app

@@ -1,0 +1,246 @@
+// The page: one tab, one score on the server. It shows the score, keeps the selection, starts
+// the plug-in and, while it runs, shows what it asks and sends back the person's answers.
+'use strict';
+
+(() => {
+  const session = sessionStorage.getItem('tamberlyne-session') ||
+    (crypto.randomUUID ? crypto.randomUUID() : `tab-${Date.now()}-${Math.random().toString(36).slice(2)}`);
+  sessionStorage.setItem('tamberlyne-session', session);
+
+  const $ = (id) => document.getElementById(id);
+  const scoreArea = $('score');
+  const dialogLayer = $('dialog-layer');
+  const alertLayer = $('alert-layer');
+  let score = null;
+  let scoreVersion = -1;
+  let selection = null;   // {staff: 0 (every staff) or a slot, first, last, anchor}
+  let state = null;
+  let shownAsk = 'null';
+  let polling = false;
+  let answeredAt = 0;
+  let recheck = null;
+
+  function url(path, params = {}) {
+    return `${path}?${new URLSearchParams({ session, ...params })}`;
+  }
+
+  async function call(method, path, params, body) {
+    const response = await fetch(url(path, params), { method, body });
+    const json = await response.json().catch(() => ({ error: `${response.status} ${response.statusText}` }));
+    if (!response.ok) throw new Error(json.error || `${response.status}`);
+    return json;
+  }
+
+  function say(text, problem = false) {
+    $('status').textContent = text;
+    $('status').classList.toggle('problem', problem);
+  }
+
+  function describeSelection() {
+    if (!selection) return 'Click a measure, shift-click another to select a range.';
+    const where = selection.staff === 0 ? 'every staff'
+      : `staff "${score.staves[selection.staff - 1].name || selection.staff}"`;
+    const measures = selection.first === selection.last ? `measure ${selection.first}`
+      : `measures ${selection.first}–${selection.last}`;
+    return `Selected: ${measures} of ${where}`;
+  }
+
+  // The engraver, loaded once from the page's own files when the server gives the score as
+  // MusicXML (score.musicxml); until then the host's entries are drawn (score_view.js).
+  let engraver = null;
+  function loadEngraver() {
+    engraver = engraver || new Promise((resolve, reject) => {
+      const script = document.createElement('script');
+      script.src = '/verovio-toolkit-wasm.js';
+      script.onerror = () => reject(new Error('the score engraver cannot be loaded'));
+      script.onload = () => { verovio.module.onRuntimeInitialized = () => resolve(new verovio.toolkit()); };
+      document.head.appendChild(script);
+    });
+    return engraver;
+  }
+
+  async function engrave() {
+    const toolkit = await loadEngraver();
+    toolkit.setOptions({ adjustPageHeight: true, breaks: 'auto', scale: 40 });
+    toolkit.loadData(score.musicxml);
+    scoreArea.innerHTML = toolkit.renderToSVG(1);
+  }
+
+  function drawScore() {
+    if (score.musicxml) {
+      engrave().catch((error) => say(error.message, true));
+    } else {
+      ScoreView.draw(scoreArea, score, selection, onMeasure);
+    }
+    $('selection').textContent = describeSelection();
+    $('score-name').textContent = score.name;
+  }
+
+  function onMeasure(measure, slot, extend) {
+    const everyStaff = document.querySelector('input[name="select-staves"]:checked').value === 'all';
+    const staff = everyStaff ? 0 : slot;
+    if (extend && selection && selection.staff === staff) {
+      selection.first = Math.min(selection.anchor, measure);
+      selection.last = Math.max(selection.anchor, measure);
+    } else {
+      selection = { staff, first: measure, last: measure, anchor: measure };
+    }
+    drawScore();
+    updateButtons();
+  }
+
+  function updateButtons() {
+    const running = !!(state && state.running);
+    $('run').disabled = running || !selection || !!(state && state.busyElsewhere);
+    $('run').title = state && state.busyElsewhere ? 'The plug-in is busy in another tab' : '';
+    $('undo').disabled = running || !state || state.undo === 0;
+    $('redo').disabled = running || !state || state.redo === 0;
+    $('demo').disabled = running;
+  }
+
+  async function refresh() {
+    state = await call('GET', '/api/state');
+    if (state.scoreVersion !== scoreVersion) {
+      score = await call('GET', '/api/score');
+      scoreVersion = state.scoreVersion;
+      if (selection && selection.last > score.measures.length) selection = null;
+      drawScore();
+    }
+    showAsk(state.running ? state.ask : null);
+    updateButtons();
+    if (state.busyElsewhere && !recheck) {
+      // Another tab runs the plug-in: look again until it has finished.
+      recheck = setTimeout(() => { recheck = null; refresh().catch(() => {}); }, 1000);
+    }
+    return state;
+  }
+
+  async function answer(params) {
+    answeredAt = performance.now();
+    try {
+      await call('POST', '/api/answer', params);
+    } catch (error) {
+      say(error.message, true);
+    }
+    poll();
+  }
+
+  function showAlert(ask) {
+    const win = $('alert');
+    win.className = `window ${ask.style}`;
+    $('alert-text').textContent = ask.text;
+    const buttons = alertLayer.querySelector('.alert-buttons');
+    buttons.textContent = '';
+    const choices = ask.question ? [['No', 'no'], ['Yes', 'yes']] : [['OK', 'ok']];
+    for (const [label, kind] of choices) {
+      const button = document.createElement('button');
+      button.type = 'button';
+      button.textContent = label;
+      button.addEventListener('click', () => answer({ kind }));
+      buttons.appendChild(button);
+    }
+    alertLayer.hidden = false;
+    buttons.lastChild.focus();
+  }
+
+  function showAsk(ask) {
+    const json = JSON.stringify(ask);
+    if (json === shownAsk) return;
+    shownAsk = json;
+    alertLayer.hidden = !ask || ask.kind !== 'alert';
+    // A dialog stays in sight under an alert it raised.
+    if (!ask || ask.kind === 'dialog') dialogLayer.hidden = !ask;
+    if (ask && ask.kind === 'alert') showAlert(ask);
+    if (ask && ask.kind === 'dialog') DialogView.draw(dialogLayer, ask, answer);
+  }
+
+  function reportRun(run) {
+    if (!run) return;
+    if (run.changed) {
+      const measures = selection ? ` measures ${selection.first}–${selection.last}` : '';
+      say(`Filled${measures}.`);
+      return;
+    }
+    const told = run.alerts.filter((alert) => !alert.question).map((alert) => alert.text);
+    const declined = run.alerts.find((alert) => alert.question && alert.answer !== 6);
+    const why = told.join(' ') || (declined && `You answered No to "${declined.text}"`) || run.notes.join(' ') ||
+      'The dialog was cancelled';
+    say(`Nothing was filled: ${why}`, true);
+  }
+
+  async function poll() {
+    if (polling) return;
+    polling = true;
+    try {
+      for (;;) {
+        const current = await refresh();
+        if (!current.running) break;
+        await new Promise((resolve) => setTimeout(resolve, 100));
+      }
+      reportRun(state.lastRun);
+      if (answeredAt && state.lastRun && state.lastRun.changed) {
+        document.body.dataset.lastFillMs = String(Math.round(performance.now() - answeredAt));
+      }
+      answeredAt = 0;
+    } catch (error) {
+      say(`The server does not answer: ${error.message}`, true);
+    } finally {
+      polling = false;
+    }
+  }
+
+  async function act(path, params, done) {
+    try {
+      await call('POST', path, params);
+      if (done) say(done);
+    } catch (error) {
+      say(error.message, true);
+    }
+    await refresh();
+  }
+
+  async function upload(file) {
+    if (!file) return;
+    say(`Reading ${file.name}…`);
+    try {
+      await call('POST', '/api/upload', { name: file.name }, file);
+      selection = null;
+      say(`Opened ${file.name}.`);
+    } catch (error) {
+      say(error.message, true);
+    }
+    await refresh();
+  }
+
+  $('run').addEventListener('click', async () => {
+    say('The plug-in is running…');
+    try {
+      await call('POST', '/api/run', { first: selection.first, last: selection.last, staff: selection.staff });
+    } catch (error) {
+      say(error.message, true);
+      return;
+    }
+    poll();
+  });
+  $('undo').addEventListener('click', () => act('/api/undo', {}, 'Undone.'));
+  $('redo').addEventListener('click', () => act('/api/redo', {}, 'Redone.'));
+  $('demo').addEventListener('click', () => { selection = null; act('/api/demo', {}, 'The demo score.'); });
+  $('file').addEventListener('change', (event) => upload(event.target.files[0]));
+  scoreArea.addEventListener('dragover', (event) => { event.preventDefault(); scoreArea.classList.add('dropping'); });
+  scoreArea.addEventListener('dragleave', () => scoreArea.classList.remove('dropping'));
+  scoreArea.addEventListener('drop', (event) => {
+    event.preventDefault();
+    scoreArea.classList.remove('dropping');
+    upload(event.dataTransfer.files[0]);
+  });
+  document.addEventListener('keydown', (event) => {
+    if (dialogLayer.hidden || !alertLayer.hidden || event.target.tagName === 'BUTTON') return;
+    if (event.key === 'Enter') answer({ kind: 'press', item: 1 });
+    if (event.key === 'Escape') answer({ kind: 'press', item: 2 });
+  });
+  window.addEventListener('resize', () => score && drawScore());
+  document.querySelectorAll('input[name="select-staves"]').forEach((radio) =>
+    radio.addEventListener('change', () => { selection = null; drawScore(); updateButtons(); }));
+
+  poll();
+})();

@@ -1,0 +1,228 @@
+// The page in a real headless browser against the real server: a fill through the plug-in's
+// own dialog and question, undo and redo, a refused fill, two tabs, a broken upload, and
+// requests that try to leave the server's files. Screenshots of each step go to the output
+// folder (TAMBERLYNE_TEST_OUTPUT).
+import { test, before, after } from 'node:test';
+import assert from 'node:assert/strict';
+import { spawn, spawnSync } from 'node:child_process';
+import fs from 'node:fs';
+import http from 'node:http';
+import os from 'node:os';
+import path from 'node:path';
+import { chromium } from 'playwright-core';
+
+const program = process.env.TAMBERLYNE_PROGRAM;
+const output = process.env.TAMBERLYNE_TEST_OUTPUT || fs.mkdtempSync(path.join(os.tmpdir(), 'tamberlyne-page-'));
+const scratch = fs.mkdtempSync(path.join(os.tmpdir(), 'tamberlyne-page-run-'));
+const serverTemp = path.join(scratch, 'tmp');
+const environment = { ...process.env, TMPDIR: serverTemp, XDG_DATA_HOME: path.join(scratch, 'data') };
+const DRUMS = 2;
+
+let server;
+let address;
+let context;
+let page;
+
+function startServer() {
+  return new Promise((resolve, reject) => {
+    const child = spawn(program, ['serve', '--port', '0'], { env: environment, stdio: ['ignore', 'pipe', 'pipe'] });
+    let text = '';
+    child.stdout.on('data', (chunk) => {
+      text += chunk;
+      const found = text.match(/http:\/\/127\.0\.0\.1:\d+\//);
+      if (found) resolve({ child, address: found[0] });
+    });
+    child.stderr.on('data', (chunk) => process.stderr.write(chunk));
+    child.on('exit', (code) => reject(new Error(`the server ended (${code}) before it served: ${text}`)));
+  });
+}
+
+async function shot(target, name) {
+  await target.screenshot({ path: path.join(output, `${name}.png`), fullPage: true });
+}
+
+// Every notehead of the staff, as "measure:key" in drawing order.
+function notes(target, staff) {
+  return target.$$eval(`.note[data-staff="${staff}"]`, (nodes) => nodes.map((n) => `${n.dataset.measure}:${n.dataset.key}`));
+}
+
+function measuresWithNotes(list) {
+  return [...new Set(list.map((note) => Number(note.split(':')[0])))].sort((a, b) => a - b);
+}
+
+async function select(target, staff, first, last) {
+  await target.click(`rect.measure-box[data-staff="${staff}"][data-measure="${first}"]`);
+  await target.click(`rect.measure-box[data-staff="${staff}"][data-measure="${last}"]`, { modifiers: ['Shift'] });
+}
+
+// Runs the plug-in on the selection and answers its dialog: the groove from the list, the
+// drum staff in the "Staff:" pop-up, then OK.
+async function fillThroughDialog(target, groove, screenshot) {
+  await target.click('#run');
+  await target.waitForSelector('#dialog-layer [role=dialog]');
+  if (screenshot) await shot(target, screenshot);
+  await target.locator('#dialog-layer .list div').filter({ hasText: new RegExp(`^${groove}$`) }).click();
+  await target.waitForSelector(`#dialog-layer .list div.selected:text-is("${groove}")`);
+  const staffPopup = target.locator('#dialog-layer label[data-kind=popup]').filter({ hasText: 'Staff:' }).locator('select');
+  await staffPopup.selectOption({ label: 'Drums' });
+  assert.equal(await staffPopup.evaluate((s) => s.options[s.selectedIndex].text), 'Drums');
+  await target.locator('#dialog-layer button').filter({ hasText: /^OK$/ }).click();
+}
+
+async function waitUntilIdle(target) {
+  await target.waitForFunction(() => !document.querySelector('#run').disabled || document.querySelector('#selection').textContent.startsWith('Click'));
+  await target.waitForFunction(() => document.querySelector('#dialog-layer').hidden && document.querySelector('#alert-layer').hidden);
+}
+
+function rawRequest(requestPath, headers = {}, method = 'GET') {
+  const { hostname, port } = new URL(address);
+  return new Promise((resolve, reject) => {
+    const request = http.request({ hostname, port, path: requestPath, method, headers }, (response) => {
+      response.resume();
+      response.on('end', () => resolve(response.statusCode));
+    });
+    request.on('error', reject);
+    request.end();
+  });
+}
+
+before(async () => {
+  assert.ok(program && fs.existsSync(program), 'TAMBERLYNE_PROGRAM names the tamberlyne program');
+  fs.mkdirSync(output, { recursive: true });
+  fs.mkdirSync(serverTemp);
+  ({ child: server, address } = await startServer());
+  context = await chromium.launchPersistentContext(fs.mkdtempSync(path.join(scratch, 'profile-')), {
+    executablePath: '/usr/bin/chromium',
+    headless: true,
+    viewport: { width: 1280, height: 900 },
+    args: ['--headless', '--no-sandbox', '--disable-gpu', '--disable-background-networking',
+      '--disable-component-update', '--disable-sync', '--no-first-run'],
+  });
+  page = context.pages()[0] || await context.newPage();
+  await page.goto(address);
+  await page.waitForSelector('rect.measure-box');
+});
+
+after(async () => {
+  await context?.close();
+  if (server && server.exitCode === null) server.kill('SIGKILL');
+  fs.rmSync(scratch, { recursive: true, force: true });
+});
+
+test('a fill through the plug-in\'s dialog and question, then undo and redo', async () => {
+  await shot(page, '01-demo-score');
+  assert.deepEqual(await page.$$eval('.staff-name', (n) => [...new Set(n.map((x) => x.textContent))]), ['Piano', 'Drums']);
+  assert.deepEqual(await notes(page, DRUMS), []);
+
+  await select(page, DRUMS, 5, 12);
+  assert.match(await page.textContent('#selection'), /measures 5–12 of every staff/);
+  assert.equal(await page.locator('rect.measure-box.selected').count(), 16);
+  await shot(page, '02-measures-5-12-selected');
+
+  await fillThroughDialog(page, 'Rock 8ths', '03-plugin-dialog');
+  await page.waitForSelector(`.note[data-staff="${DRUMS}"][data-measure="5"]`);
+  await waitUntilIdle(page);
+  const rock = await notes(page, DRUMS);
+  assert.deepEqual(measuresWithNotes(rock), [5, 6, 7, 8, 9, 10, 11, 12]);
+  assert.deepEqual(await notes(page, 1), []);
+  assert.match(await page.textContent('#status'), /Filled measures 5–12/);
+  const fillMs = await page.evaluate(() => document.body.dataset.lastFillMs);
+  console.log(`fill and redraw of the 16-measure demo score in the page: ${fillMs} ms (OK pressed to notes drawn)`);
+  await shot(page, '04-filled-rock-8ths');
+
+  // Filling measures that hold notes: the plug-in asks first, in its own words.
+  await fillThroughDialog(page, 'Funk 16ths Ghost Notes');
+  await page.waitForSelector('#alert-layer:not([hidden])');
+  const question = await page.textContent('#alert-text');
+  assert.ok(question.length > 10, `the plug-in's question: "${question}"`);
+  assert.deepEqual(await page.$$eval('#alert-layer button', (b) => b.map((x) => x.textContent)), ['No', 'Yes']);
+  await shot(page, '05-plugin-question');
+  await page.click('#alert-layer button:text-is("Yes")');
+  await page.waitForFunction((before) => document.querySelectorAll('.note[data-staff="2"]').length !== before, rock.length);
+  await waitUntilIdle(page);
+  const funk = await notes(page, DRUMS);
+  assert.notDeepEqual(funk, rock);
+  assert.deepEqual(measuresWithNotes(funk), [5, 6, 7, 8, 9, 10, 11, 12]);
+  await shot(page, '06-refilled-funk');
+
+  await page.click('#undo');
+  await page.waitForFunction((count) => document.querySelectorAll('.note[data-staff="2"]').length === count, rock.length);
+  assert.deepEqual(await notes(page, DRUMS), rock);
+  assert.equal(await page.isDisabled('#redo'), false);
+  await shot(page, '07-undo');
+  await page.click('#redo');
+  await page.waitForFunction((count) => document.querySelectorAll('.note[data-staff="2"]').length === count, funk.length);
+  assert.deepEqual(await notes(page, DRUMS), funk);
+  assert.equal(await page.isDisabled('#redo'), true);
+  await shot(page, '08-redo');
+});
+
+test('a groove in another meter is refused with the plug-in\'s alert and the score stays', async () => {
+  const expected = spawnSync(program, ['fill', '--measures', '1-2', '--groove', 'Waltz 3-4', '--staff', 'Drums', '--json'],
+    { env: environment, encoding: 'utf8' });
+  const refusal = JSON.parse(expected.stdout).alerts.find((alert) => alert.style !== 'question');
+  assert.ok(refusal, `the command line's fill is refused too: ${expected.stdout}`);
+
+  const before = await notes(page, DRUMS);
+  await select(page, DRUMS, 1, 2);
+  await fillThroughDialog(page, 'Waltz 3-4');
+  await page.waitForSelector('#alert-layer:not([hidden])');
+  assert.equal(await page.textContent('#alert-text'), refusal.text);
+  assert.ok(await page.$(`#alert.${refusal.style}`));
+  await shot(page, '09-meter-alert');
+  await page.click('#alert-layer button:text-is("OK")');
+  // The plug-in keeps its dialog open for another choice; the person cancels it.
+  await page.waitForSelector('#alert-layer', { state: 'hidden' });
+  await page.locator('#dialog-layer button').filter({ hasText: /^Cancel$/ }).click();
+  await page.waitForFunction(() => document.querySelector('#status').textContent.startsWith('Nothing was filled'));
+  assert.match(await page.textContent('#status'), new RegExp(refusal.text.replace(/[.*+?^${}()|[\]\\]/g, '\\$&')));
+  assert.deepEqual(await notes(page, DRUMS), before);
+  await shot(page, '10-refused-score-unchanged');
+});
+
+test('each tab has its own score; a file the server cannot read is told in the page', async () => {
+  const second = await context.newPage();
+  await second.goto(address);
+  await second.waitForSelector('rect.measure-box');
+  assert.deepEqual(await notes(second, DRUMS), []);
+  assert.equal(await second.isDisabled('#undo'), true);
+  assert.ok((await notes(page, DRUMS)).length > 0);
+
+  await second.setInputFiles('#file', { name: 'broken.musicxml', mimeType: 'application/xml', buffer: Buffer.from('<score-partwise><part') });
+  await second.waitForSelector('#status.problem');
+  assert.match(await second.textContent('#status'), /^broken\.musicxml: /);
+  assert.deepEqual(await notes(second, DRUMS), []);
+  await shot(second, '11-second-tab-broken-upload');
+  await second.close();
+});
+
+test('requests cannot reach outside the page\'s files', async () => {
+  assert.equal(await rawRequest('/'), 200);
+  for (const attempt of ['/../../etc/passwd', '/%2e%2e/%2e%2e/etc/passwd', '/..%2f..%2fetc%2fpasswd', '//etc/passwd',
+    '/etc/passwd', '/web/../index.html/../../../etc/hostname', '/%2fetc%2fpasswd', '/api/score/../../etc/passwd']) {
+    assert.ok([400, 404].includes(await rawRequest(attempt)), attempt);
+  }
+  for (const session of ['../../etc', '%2e%2e%2f%2e%2e', '/etc/passwd']) {
+    assert.equal(await rawRequest(`/api/score?session=${session}`), 400, session);
+  }
+  assert.equal(await rawRequest('/', { Host: 'elsewhere.example' }), 403);
+});
+
+test('uploads are limited in size', async () => {
+  assert.equal(await rawRequest(`/api/upload?session=${'u'.repeat(12)}&name=big.musicxml`,
+    { 'Content-Length': String(60 * 1024 * 1024) }, 'POST'), 413);
+});
+
+test('the server stops while the plug-in waits for the page, and removes its own folder', async () => {
+  assert.equal(fs.readdirSync(serverTemp).filter((name) => name.startsWith('tamberlyne-serve-')).length, 1);
+  const waiting = await context.newPage();
+  await waiting.goto(address);
+  await waiting.waitForSelector('rect.measure-box');
+  await select(waiting, DRUMS, 1, 1);
+  await waiting.click('#run');
+  await waiting.waitForSelector('#dialog-layer [role=dialog]');
+  const exited = new Promise((resolve) => server.on('exit', (code) => resolve(code)));
+  server.kill('SIGTERM');
+  assert.equal(await exited, 0);
+  assert.deepEqual(fs.readdirSync(serverTemp), []);
+});
