@@ -19,9 +19,12 @@ TimeSignature InitialMeter(const SmfFile& file)
             if (event.tick > 0) {
                 break;
             }
-            if (event.IsMeta(kMetaTimeSignature) && event.payload.size() >= 2 && event.payload[0] > 0 &&
-                event.payload[1] <= kLargestDenominatorPower) {
-                return TimeSignature{event.payload[0], 1 << event.payload[1]};
+            if (!event.IsMeta(kMetaTimeSignature)) {
+                continue;
+            }
+            const EventData data = file.DataOf(event);
+            if (data.size >= 2 && data[0] > 0 && data[1] <= kLargestDenominatorPower) {
+                return TimeSignature{data[0], 1 << data[1]};
             }
         }
     }
