@@ -63,7 +63,8 @@ bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const Dru
         hits.clear();
         for (; onset != groove.onsets.end() && barOf(*onset) <= bar; ++onset) {
             if (barOf(*onset) == bar) {
-                hits.push_back(Hit{static_cast<int32_t>(onset->edu - bar * groove.barLength), onset->key});
+                hits.push_back(
+                    Hit{static_cast<int32_t>(onset->edu - bar * groove.barLength), static_cast<int>(onset->key)});
             }
         }
         const int32_t meas = region.start.meas + static_cast<int32_t>(bar);

@@ -23,11 +23,12 @@
 
 namespace stavio::midi_import {
 
-// One event in 16 bytes: a file of a million events is read into a few flat arrays, not a
+// One event in 12 bytes: a file of a million events is read into a few flat arrays, not a
 // million small ones. The data of meta and system-exclusive events lives in the file's data
-// store (SmfFile::DataOf).
+// store (SmfFile::DataOf). A track that runs past tick 2^32 - 1 (some 30,000 bars at the finest
+// resolution) is damaged there.
 struct SmfEvent {
-    int64_t tick = 0;      // from the start of its track
+    uint32_t tick = 0;     // from the start of its track
     uint32_t dataAt = 0;   // meta and system exclusive: where its data starts in the data store
     uint8_t status = 0;    // 0x80-0xEF channel message, 0xFF meta, 0xF0/0xF7 system exclusive
     uint8_t data1 = 0;     // first data byte; the meta type for a meta event

@@ -43,6 +43,7 @@ enum class Step {
 };
 
 constexpr uint8_t kStatusBit = 0x80;
+constexpr int64_t kLastTick = UINT32_MAX;   // an event's tick is kept in 32 bits
 constexpr uint8_t kNeutralisedStatus = 0x89;
 constexpr uint8_t kNeutralisedKey = 0x00;
 constexpr uint8_t kNeutralisedVelocity = 0x40;
@@ -79,8 +80,11 @@ public:
             return Step::Fault;
         }
         at.tick += delta;
+        if (at.tick > kLastTick) {
+            return Fail(fault, at.pos, "the track runs past tick " + std::to_string(kLastTick));
+        }
         event = SmfEvent{};
-        event.tick = at.tick;
+        event.tick = static_cast<uint32_t>(at.tick);
         if (at.pos == end_) {
             return Fail(fault, at.pos, "the track ends after a delta time, without an event");
         }
