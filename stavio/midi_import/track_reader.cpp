@@ -246,7 +246,7 @@ Search SearchReadings(TrackReader& reader, size_t begin, std::vector<SmfEvent>& 
     Cursor at;
     at.pos = begin;
     for (;;) {
-        if (dead.count(at.State()) == 0) {
+        if (dead.empty() || dead.count(at.State()) == 0) {
             if (!choices.empty()) {
                 visited.push_back(at.State());
             }
