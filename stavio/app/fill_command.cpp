@@ -357,6 +357,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     const int32_t staves = before.StaffCount(kMainInstrumentList);
     const EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);
+    terminal.EndRepeats();
     report.alerts = interactive ? terminal.Alerts() : scripted.Alerts();
     report.dialogs = frontEnd.DialogLog();
     const EREGION measures = options.measures ? selection : before.WholeRegion();

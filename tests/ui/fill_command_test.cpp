@@ -129,6 +129,8 @@ TEST_F(FillCommand, DamagedGroovesFillWhatTheyHoldOrSaySoPlainly)
     EXPECT_EQ(run.status, 1);
     ExpectHas(run.out, {"Notice: Parsing error - trying to read beyond EOF. (repeated 8 times)\n"});
     ExpectHas(run.err, {"tamberlyne: The plug-in did not fill the measures: Parsing error"});
+    run = Fill("--interactive --measures 1-4 --library " + library_, "2\nok\n");   // told as they come
+    ExpectHas(run.out, {"Parsing error - trying to read beyond EOF.\n(repeated 8 times)\n"});
 
     std::vector<uint8_t> silent = support::DrumFile(480, 4, 4, {{0, 36}, {480, 38}});
     for (size_t i = 0; i + 2 < silent.size(); ++i) {
