@@ -6,6 +6,7 @@
 #include "resource_loading.h"
 #include "text_syntax.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <utility>
@@ -361,6 +362,14 @@ OSErr SaveResourceFile(const std::string& path, const ResourceFile& file)
 {
     try {
         const std::string text = PrintAll(file.All());
+        // A file that already says this stays as it is: saved unchanged on every run, it
+        // would cost two flushes to disk each time.
+        std::vector<uint8_t> onDisk;
+        if (ReadWholeFile(FileSpecFromPath(path), onDisk) == kNoErr && onDisk.size() == text.size() &&
+            std::equal(onDisk.begin(), onDisk.end(), text.begin(),
+                       [](uint8_t byte, char c) { return byte == static_cast<uint8_t>(c); })) {
+            return kNoErr;
+        }
         return WriteWholeFile(FileSpecFromPath(path), text.data(), text.size());
     } catch (...) {
         return kMemFull;
