@@ -6,6 +6,9 @@
 #
 #   bench/compare.sh [BUILD_DIR]      (default: build-release, then build)
 #
+# RUNS (default 3) sets the runs per program and size, BARS (default "100 1000 10000") the
+# sizes. MuseScore takes minutes on 10,000 bars.
+#
 # Needs python3 (to write the grooves) and mscore3 (Debian package "musescore3").
 set -euo pipefail
 
@@ -36,7 +39,7 @@ fi
 work="$(mktemp -d)"
 trap 'rm -rf "$work"' EXIT
 mkdir -p "$work/Tamberlyne" "$work/config" "$work/data"
-runs=5
+runs="${RUNS:-3}"
 
 # A format 0 groove of N bars of 4/4: eighth hi-hats, kick on 1 and 3, snare on 2 and 4.
 write_groove() {
@@ -87,7 +90,7 @@ median_ms() {
 }
 
 printf '%8s %12s %12s %8s\n' "bars" "tamberlyne" "mscore3" "ratio"
-for bars in 100 1000 10000; do
+for bars in ${BARS:-100 1000 10000}; do
     groove="$work/Tamberlyne/Groove $bars.mid"
     write_groove "$bars" "$groove"
     ours=$(median_ms env XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" "$tamberlyne" fill \
