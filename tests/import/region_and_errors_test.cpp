@@ -138,6 +138,16 @@ TEST(ImportErrors, DamagedFilesGiveTheNotesBeforeTheFault)
         ASSERT_TRUE(ImportMidiBytes(doc, Region(1, 1, 1), damaged, "damaged.mid", error)) << error;
         EXPECT_EQ(Describe(doc, 1, 1), "0+1024:36 | 1024+1024:r | 2048+2048:r");
     }
+    // After a neutralised message neither reading of the run gets to the end; the two-byte one
+    // gets further (to the kick at tick 128 and the 0xF3 after it) and is the one kept, though
+    // the one-byte reading (0x81 0x00 then 0x99) fails last.
+    const Bytes unsure{0x00, 0x89, 0x00, 0x40, 0x00, 0x30, 0x40, 0x81, 0x00, 0x99, 0x24, 0x64, 0x00, 0xF3};
+    Document doc = DrumDocument(1);
+    std::string error;
+    ASSERT_TRUE(
+        ImportMidiBytes(doc, Region(1, 1, 1), Concat({Header(0, 1, 480), Chunk("MTrk", unsure)}), "unsure.mid", error))
+        << error;
+    EXPECT_EQ(Describe(doc, 1, 1), "0+256:r | 256+768:36 | 1024+1024:r | 2048+2048:r");
 
     int cutsWithNotes = 0;
     for (const char* name : {"Rock 8ths", "Funk 16ths Ghost Notes", "Waltz 3-4", "Ballad 12-8"}) {
