@@ -8,6 +8,7 @@
 #include "stavio/app/score_fill.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
+#include "stavio/document/host_tags.h"
 #include "stavio/host.h"
 #include "toolbox/folders.h"
 
@@ -19,6 +20,7 @@
 #include <iostream>
 #include <memory>
 #include <ostream>
+#include <regex>
 
 namespace stavio::app {
 
@@ -41,15 +43,71 @@ std::string AnswerWord(int32_t answer)
     return answer == kAlertAnswerYes ? "yes" : answer == kAlertAnswerNo ? "no" : "ok";
 }
 
-// Why nothing changed, in the plug-in's own words where it gave any.
-std::string RefusalMessage(const std::vector<AlertRecord>& alerts, const std::vector<DialogOutcome>& dialogs)
+// An alert the plug-in gave several times in a row is told once, with how often.
+struct ToldAlert {
+    AlertRecord alert;
+    size_t times = 1;
+
+    std::string Text() const
+    {
+        return alert.request.text + (times > 1 ? " (repeated " + std::to_string(times) + " times)" : "");
+    }
+};
+
+std::vector<ToldAlert> CollapseRepeats(const std::vector<AlertRecord>& alerts)
 {
-    std::string message;
+    std::vector<ToldAlert> told;
     for (const AlertRecord& alert : alerts) {
-        if (!IsQuestion(alert.request.style)) {
-            message += (message.empty() ? "" : " ") + alert.request.text;
+        if (!told.empty() && told.back().alert.request.style == alert.request.style &&
+            told.back().alert.request.text == alert.request.text && told.back().alert.answer == alert.answer) {
+            ++told.back().times;
+        } else {
+            told.push_back(ToldAlert{alert});
         }
     }
+    return told;
+}
+
+// A note of the host's dialog runner in a person's words: what went wrong, without the
+// runner's item and dialog numbers.
+std::string ForAPerson(const std::string& note)
+{
+    std::string text = note;
+    const std::string couldNot = "could not ";
+    const size_t why = text.find(": ");
+    if (text.rfind(couldNot, 0) == 0 && why != std::string::npos) {
+        text = text.substr(why + 2);   // what stood in the way says more than the action
+    }
+    for (const char* cancelled : {"; the dialog was cancelled", "; it was cancelled"}) {
+        const size_t at = text.find(cancelled);
+        if (at != std::string::npos) {
+            text.erase(at);
+        }
+    }
+    static const std::regex labelledItem(R"(item \d+ \(("[^"]*")\))");
+    static const std::regex itemAfterLabel(R"( \(item \d+\))");
+    static const std::regex numbered(R"(\b(item|pop-up|dialog) \d+)");
+    text = std::regex_replace(text, labelledItem, "$1");
+    text = std::regex_replace(text, itemAfterLabel, "");
+    return std::regex_replace(text, numbered, "the $1");
+}
+
+// The texts of the plug-in's notices (not its questions), repeats told once.
+std::string NoticesText(const std::vector<AlertRecord>& alerts)
+{
+    std::string text;
+    for (const ToldAlert& told : CollapseRepeats(alerts)) {
+        if (!IsQuestion(told.alert.request.style)) {
+            text += (text.empty() ? "" : " ") + told.Text();
+        }
+    }
+    return text;
+}
+
+// Why the measures were not filled, in the plug-in's own words where it gave any.
+std::string RefusalReason(const std::vector<AlertRecord>& alerts, const std::vector<DialogOutcome>& dialogs)
+{
+    const std::string message = NoticesText(alerts);
     if (!message.empty()) {
         return message;
     }
@@ -60,14 +118,41 @@ std::string RefusalMessage(const std::vector<AlertRecord>& alerts, const std::ve
     }
     for (const DialogOutcome& dialog : dialogs) {
         if (!dialog.problem.empty()) {
-            return "the dialog could not be opened: " + dialog.problem;
+            return "its dialog could not be opened: " + ForAPerson(dialog.problem);
         }
         if (!dialog.notes.empty()) {
-            return dialog.notes.back();
+            return ForAPerson(dialog.notes.back());
         }
-        return "the dialog was cancelled";
+        return "its dialog was cancelled";
     }
     return "the plug-in changed nothing";
+}
+
+std::string NotFilled(const std::string& reason)
+{
+    return "The plug-in did not fill the measures: " + reason;
+}
+
+// Whether the plug-in put any note into the measures: a frame of `measures` that changed and
+// holds a note.
+bool NotesLanded(const Document& before, const Document& after, const EREGION& measures)
+{
+    for (const auto& [key, bytes] : after.Records().All(kHostTagEntries)) {
+        const int32_t meas = key.group2;
+        if (meas < measures.start.meas || meas > measures.end.meas) {
+            continue;
+        }
+        const RecordStore::Bytes* was = before.Records().Find(kHostTagEntries, key);
+        if (was != nullptr && *was == bytes) {
+            continue;
+        }
+        const std::optional<FrameContent> frame = after.Frame(key.group1, meas, key.inci);
+        if (frame && std::any_of(frame->entries.begin(), frame->entries.end(),
+                                 [](const EXENTRY& entry) { return (entry.ef & kEntryIsNote) != 0; })) {
+            return true;
+        }
+    }
+    return false;
 }
 
 EREGION SelectionRegion(const MeasureRange& range, int32_t staves)
@@ -100,7 +185,8 @@ struct FillReport {
     int32_t result = 0;
     std::vector<AlertRecord> alerts;
     std::vector<DialogOutcome> dialogs;
-    std::string message;   // why nothing changed
+    bool notesLanded = false;
+    std::string message;   // why the measures were not filled, for a person
 };
 
 void WriteTextReport(std::ostream& out, const FillReport& report)
@@ -116,25 +202,24 @@ void WriteTextReport(std::ostream& out, const FillReport& report)
     } else {
         out << "Selection: nothing selected\n";
     }
-    for (const AlertRecord& alert : report.alerts) {
-        std::string style = StyleWord(alert.request.style);
+    for (const ToldAlert& told : CollapseRepeats(report.alerts)) {
+        std::string style = StyleWord(told.alert.request.style);
         style[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(style[0])));
-        out << style << ": " << alert.request.text;
-        if (IsQuestion(alert.request.style)) {
-            out << " -> " << (alert.answer == kAlertAnswerYes ? "Yes" : "No");
+        out << style << ": " << told.Text();
+        if (IsQuestion(told.alert.request.style)) {
+            out << " -> " << (told.alert.answer == kAlertAnswerYes ? "Yes" : "No");
         }
         out << "\n";
     }
-    for (const DialogOutcome& dialog : report.dialogs) {
-        if (!dialog.problem.empty()) {
-            out << "Dialog " << dialog.dialogId << " not opened: " << dialog.problem << "\n";
-        }
-        for (const std::string& note : dialog.notes) {
-            out << "Dialog " << dialog.dialogId << ": " << note << "\n";
-        }
+    out << "Plug-in result: " << report.result;
+    if (report.result != 1) {
+        out << " (the score did not change)\n";
+    } else {
+        out << (report.notesLanded ? " (the score changed)" : " (no notes landed)") << "\n";
     }
-    out << "Plug-in result: " << report.result
-        << (report.result == 1 ? " (the score changed)" : " (the score did not change)") << "\n";
+    if (!report.message.empty()) {
+        out << report.message << "\n";
+    }
 }
 
 void WriteJsonReport(std::ostream& out, const FillReport& report, const Document& before, const Document& after,
@@ -148,7 +233,7 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
     } else {
         out << "null";
     }
-    out << ",\"result\":" << report.result << ",\"changed\":" << (report.result == 1 ? "true" : "false");
+    out << ",\"result\":" << report.result << ",\"changed\":" << (report.message.empty() ? "true" : "false");
     out << ",\"alerts\":[";
     for (size_t i = 0; i < report.alerts.size(); ++i) {
         const AlertRecord& alert = report.alerts[i];
@@ -271,21 +356,29 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         }
         report.selection = MeasureRange{selection.start.meas, selection.end.meas};
     }
+    terminal.EndRepeats();
     report.alerts = interactive ? terminal.Alerts() : scripted.Alerts();
     report.dialogs = frontEnd.DialogLog();
+    const EREGION measures = options.measures ? selection : before.WholeRegion();
+    report.notesLanded = report.result == 1 && NotesLanded(before, host.document(), measures);
     if (report.result != 1) {
-        report.message = RefusalMessage(report.alerts, report.dialogs);
+        report.message = NotFilled(RefusalReason(report.alerts, report.dialogs));
+    } else if (!report.notesLanded) {
+        const std::string said = NoticesText(report.alerts);
+        report.message = NotFilled("no note of the groove landed in the measures" +
+                                   (said.empty() ? std::string() : " (the plug-in said: " + said + ")"));
     }
 
-    const EREGION measures = options.measures ? selection : before.WholeRegion();
     if (options.json) {
         WriteJsonReport(out, report, before, host.document(), measures);
     } else {
         WriteTextReport(out, report);
-        PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
+        if (report.message.empty()) {
+            PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
+        }
     }
-    if (report.result != 1) {
-        err << "tamberlyne: nothing was filled: " << report.message << "\n";
+    if (!report.message.empty()) {
+        err << "tamberlyne: " << report.message << "\n";
         return kExitFailure;
     }
     return scoreFill ? FinishScoreFill(*scoreFill, host.document(), out, err) : kExitOk;

@@ -228,8 +228,9 @@ std::string FillUsageText()
            "  --json                 print the result as JSON (an interactive dialog is then shown\n"
            "                         on the error stream)\n"
            "\n"
-           "Exit status: 0 when the score changed, 1 when the plug-in refused or nothing changed\n"
-           "(its message is printed), 2 for wrong usage.\n";
+           "Exit status: 0 when the groove's notes landed, 1 when the plug-in did not fill the\n"
+           "measures (it refused, or no note of the groove landed; the reason is printed), 2 for\n"
+           "wrong usage.\n";
 }
 
 }   // namespace stavio::app

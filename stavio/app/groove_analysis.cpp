@@ -39,16 +39,17 @@ struct Meter {
 };
 
 // The time signature at the start of a track (4/4 without one), as the plug-in counts bars.
-Meter StartMeter(const SmfTrack& track)
+Meter StartMeter(const SmfFile& smf, const SmfTrack& track)
 {
     Meter meter;
     for (const SmfEvent& event : track.events) {
         if (event.tick > 0) {
             break;
         }
-        if (event.IsMeta(midi_import::kMetaTimeSignature) && event.payload.size() >= 2) {
-            meter.numerator = event.payload[0];
-            meter.denominator = 1 << std::min<int>(event.payload[1], 7);
+        const midi_import::EventData data = smf.DataOf(event);
+        if (event.IsMeta(midi_import::kMetaTimeSignature) && data.size >= 2) {
+            meter.numerator = data[0];
+            meter.denominator = 1 << std::min<int>(data[1], 7);
         }
     }
     return meter;
@@ -63,13 +64,14 @@ int64_t BarTicks(const Meter& meter, int ticksPerQuarter)
 std::optional<std::string> MeterChange(const SmfFile& smf)
 {
     for (const SmfTrack& track : smf.tracks) {
-        const Meter start = StartMeter(track);
+        const Meter start = StartMeter(smf, track);
         const int64_t barTicks = std::max<int64_t>(1, BarTicks(start, smf.ticksPerQuarter));
         for (const SmfEvent& event : track.events) {
-            if (event.tick == 0 || !event.IsMeta(midi_import::kMetaTimeSignature) || event.payload.size() < 2) {
+            const midi_import::EventData data = smf.DataOf(event);
+            if (event.tick == 0 || !event.IsMeta(midi_import::kMetaTimeSignature) || data.size < 2) {
                 continue;
             }
-            const Meter next{event.payload[0], 1 << std::min<int>(event.payload[1], 7)};
+            const Meter next{data[0], 1 << std::min<int>(data[1], 7)};
             const std::string bar = "bar " + std::to_string(event.tick / barTicks + 1);
             if (next.numerator == start.numerator && next.denominator == start.denominator) {
                 return "it sets its time signature again in " + bar +
@@ -88,9 +90,9 @@ double StartTempo(const SmfFile& smf)
     std::optional<std::pair<int64_t, double>> first;   // tick, quarter notes per minute
     for (const SmfTrack& track : smf.tracks) {
         for (const SmfEvent& event : track.events) {
-            if (event.IsMeta(midi_import::kMetaTempo) && event.payload.size() >= 3 &&
-                (!first || event.tick < first->first)) {
-                const long micros = (long{event.payload[0]} << 16) | (long{event.payload[1]} << 8) | event.payload[2];
+            const midi_import::EventData data = smf.DataOf(event);
+            if (event.IsMeta(midi_import::kMetaTempo) && data.size >= 3 && (!first || event.tick < first->first)) {
+                const long micros = (long{data[0]} << 16) | (long{data[1]} << 8) | data[2];
                 if (micros > 0) {
                     first = std::make_pair(event.tick, 60000000.0 / static_cast<double>(micros));
                 }
@@ -244,7 +246,7 @@ GrooveSummary AnalyseGrooveFile(const std::string& path, const std::string& file
         groove.refusal = *change;
         return groove;
     }
-    const Meter meter = StartMeter(smf.tracks.front());
+    const Meter meter = StartMeter(smf, smf.tracks.front());
     if (meter.numerator < 1) {
         groove.refusal = "its time signature has no beats (0/" + std::to_string(meter.denominator) + ")";
         return groove;
@@ -270,7 +272,7 @@ GrooveSummary AnalyseGrooveFile(const std::string& path, const std::string& file
     // Bars are counted with the drum track's own meter; the closing-hit test measures against
     // the groove's meter, as the plug-in does.
     const auto last = std::find_if(drums->events.rbegin(), drums->events.rend(), IsDrumMessage);
-    const int64_t trackBar = std::max<int64_t>(1, BarTicks(StartMeter(*drums), smf.ticksPerQuarter));
+    const int64_t trackBar = std::max<int64_t>(1, BarTicks(StartMeter(smf, *drums), smf.ticksPerQuarter));
     const int64_t grooveBar = std::max<int64_t>(1, BarTicks(meter, smf.ticksPerQuarter));
     groove.bars = static_cast<int>(last->tick / trackBar + 1);
     const int64_t tickInBar = last->tick % trackBar;

@@ -85,17 +85,40 @@ bool TerminalFrontEnd::ReadLine(std::string& line)
     return static_cast<bool>(std::getline(in_, line));
 }
 
+std::ostream& TerminalFrontEnd::Out()
+{
+    if (repeats_ > 1) {
+        out_ << "(repeated " << repeats_ << " times)\n";
+    }
+    repeats_ = 0;
+    return out_;
+}
+
+void TerminalFrontEnd::EndRepeats()
+{
+    Out() << std::flush;
+}
+
 int32_t TerminalFrontEnd::Alert(const AlertRequest& request)
 {
-    out_ << "\n" << StyleName(request.style) << ": " << request.text << "\n";
+    // A notice given again right after itself is told once, with its count when the run ends.
+    const bool again = repeats_ > 0 && !IsQuestion(request.style) && !alerts_.empty() &&
+                       alerts_.back().request.style == request.style && alerts_.back().request.text == request.text;
+    if (again) {
+        ++repeats_;
+        alerts_.push_back(AlertRecord{request, kAlertAnswerOk});
+        return kAlertAnswerOk;
+    }
+    Out() << "\n" << StyleName(request.style) << ": " << request.text << "\n";
+    repeats_ = IsQuestion(request.style) ? 0 : 1;
     int32_t answer = kAlertAnswerOk;
     if (IsQuestion(request.style)) {
         answer = 0;
         while (answer == 0) {
-            out_ << "Yes or No? [y/n] " << std::flush;
+            Out() << "Yes or No? [y/n] " << std::flush;
             std::string line;
             if (!ReadLine(line)) {
-                out_ << "\n(no answer: No)\n";
+                Out() << "\n(no answer: No)\n";
                 answer = kAlertAnswerNo;
                 break;
             }
@@ -141,31 +164,31 @@ void TerminalFrontEnd::RunDialog(DialogSession& session)
         return;
     }
     if (!session.Shown()) {
-        out_ << "(the dialog did not appear; it is closed)\n";
+        Out() << "(the dialog did not appear; it is closed)\n";
         session.Note("the dialog's program did not show the dialog; it was closed");
         session.CloseBox();
         return;
     }
     session.Paint();
-    out_ << "\n" << DescribeDialog(session.Dialog()) << kHelp;
+    Out() << "\n" << DescribeDialog(session.Dialog()) << kHelp;
     while (!session.Ended()) {
         session.FireDueTimers(toolbox::NowMilliseconds());
         if (session.Ended()) {
             break;
         }
-        out_ << "> " << std::flush;
+        Out() << "> " << std::flush;
         std::string line;
         if (!WaitForInput(session)) {
             break;
         }
         if (!ReadLine(line)) {
-            out_ << "\n(end of input: the dialog is closed)\n";
+            Out() << "\n(end of input: the dialog is closed)\n";
             session.CloseBox();
             break;
         }
         Act(session, Trimmed(line));
     }
-    out_ << std::flush;
+    Out() << std::flush;
 }
 
 void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
@@ -181,11 +204,11 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
         return;
     }
     if (command == "help" || command == "?") {
-        out_ << kHelp;
+        Out() << kHelp;
         return;
     }
     if (command == "show") {
-        out_ << DescribeDialog(session.Dialog());
+        Out() << DescribeDialog(session.Dialog());
         return;
     }
     if (command == "ok" || command == "cancel") {
@@ -220,17 +243,17 @@ void TerminalFrontEnd::Act(DialogSession& session, const std::string& line)
                              : session.ClickListRow(*lists.front(), number - 1, toolbox::kNoModifiers);
     }
     if (!acted) {
-        out_ << "Unknown command \"" << line << "\". " << kHelp;
+        Out() << "Unknown command \"" << line << "\". " << kHelp;
         return;
     }
     if (!done) {
-        out_ << "Cannot do that: " << done.Message() << "\n";
+        Out() << "Cannot do that: " << done.Message() << "\n";
         return;
     }
     session.FireDueTimers(toolbox::NowMilliseconds());
     WaitWhileHidden(session);
     if (!session.Ended()) {
-        out_ << DescribeDialog(session.Dialog());
+        Out() << DescribeDialog(session.Dialog());
     }
 }
 

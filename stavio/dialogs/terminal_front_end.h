@@ -30,8 +30,14 @@ public:
     void RunDialog(DialogSession& session) override;
 
     const std::vector<AlertRecord>& Alerts() const { return alerts_; }
+    // Tells how often the last notice was given in a row, if more than once (a notice given
+    // again right after itself is not printed again).
+    void EndRepeats();
 
 private:
+    // The output, after the count of a run of repeated notices that has ended.
+    std::ostream& Out();
+
     bool ReadLine(std::string& line);
     bool WaitForInput(DialogSession& session);
     void Act(DialogSession& session, const std::string& line);
@@ -40,6 +46,7 @@ private:
     std::ostream& out_;
     int inputFd_;
     std::vector<AlertRecord> alerts_;
+    int repeats_ = 0;   // times the last notice printed was given in a row (0: something else came after)
 };
 
 }   // namespace stavio

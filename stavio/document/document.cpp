@@ -267,12 +267,7 @@ void Document::AfterCreate(EXTAG tag, const RecordKey& key)
 
 int32_t Document::MeasureCount() const
 {
-    int32_t count = 0;
-    while (count < 0xFFFE &&
-           records_.Find(kTagMeasureSpec, RecordKey::Other(static_cast<uint16_t>(count + 1), 0)) != nullptr) {
-        ++count;
-    }
-    return count;
+    return std::min<int32_t>(records_.NumberedRun(kTagMeasureSpec), 0xFFFE);
 }
 
 TIME_EDU Document::MeasureDuration(int32_t meas) const

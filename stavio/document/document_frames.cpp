@@ -104,10 +104,15 @@ uint32_t Document::NextNumber(uint16_t counter, uint32_t limit)
 {
     const RecordKey key = RecordKey::Number(counter);
     uint32_t last = 0;
-    if (const RecordStore::Bytes* bytes = records_.Find(kHostTagCounters, key)) {
+    RecordStore::Bytes* bytes = records_.Find(kHostTagCounters, key);
+    if (bytes != nullptr) {
         std::memcpy(&last, bytes->data(), std::min(sizeof(last), bytes->size()));
     }
     const uint32_t next = last >= limit ? 1 : last + 1;
+    if (bytes != nullptr && bytes->size() == sizeof(next)) {
+        std::memcpy(bytes->data(), &next, sizeof(next));   // in place: one number per entry written
+        return next;
+    }
     RecordStore::Bytes stored(sizeof(next));
     std::memcpy(stored.data(), &next, sizeof(next));
     records_.Put(kHostTagCounters, key, std::move(stored));

@@ -9,6 +9,11 @@ bool HasIncidences(KeyKind kind)
 {
     return kind != KeyKind::Number;
 }
+
+bool InNumberedRun(const RecordKey& key)
+{
+    return key.group1 != 0 && key.group2 == 0 && key.inci == 0;
+}
 }   // namespace
 
 const RecordStore::Bytes* RecordStore::Find(EXTAG tag, const RecordKey& key) const
@@ -28,7 +33,9 @@ RecordStore::Bytes* RecordStore::Find(EXTAG tag, const RecordKey& key)
 
 void RecordStore::Put(EXTAG tag, const RecordKey& key, Bytes bytes)
 {
-    tags_[tag][key] = std::move(bytes);
+    if (tags_[tag].insert_or_assign(key, std::move(bytes)).second) {
+        Added(tag, key);
+    }
 }
 
 bool RecordStore::Create(EXTAG tag, KeyKind kind, RecordKey& key, Bytes bytes)
@@ -61,6 +68,7 @@ bool RecordStore::Create(EXTAG tag, KeyKind kind, RecordKey& key, Bytes bytes)
         return false;
     }
     tags_[tag].emplace(chosen, std::move(bytes));
+    Added(tag, chosen);
     key = chosen;
     return true;
 }
@@ -79,9 +87,12 @@ bool RecordStore::Delete(EXTAG tag, KeyKind kind, const RecordKey& key)
     for (auto later = records.upper_bound(key); later != records.end() && later->first.SameGroup(key);) {
         RecordKey lower = later->first;
         lower.inci = static_cast<uint16_t>(lower.inci - 1);
+        const RecordKey higher = later->first;
         Bytes bytes = std::move(later->second);
         later = records.erase(later);
+        Removed(tag, higher);
         records.emplace(lower, std::move(bytes));
+        Added(tag, lower);
     }
     return true;
 }
@@ -92,6 +103,7 @@ bool RecordStore::Erase(EXTAG tag, const RecordKey& key)
     if (found == tags_.end() || found->second.erase(key) == 0) {
         return false;
     }
+    Removed(tag, key);
     if (found->second.empty()) {
         tags_.erase(found);
     }
@@ -141,6 +153,39 @@ uint16_t RecordStore::IncidenceCount(EXTAG tag, const RecordKey& key) const
         count = static_cast<uint16_t>(record->first.inci + 1);
     }
     return count;
+}
+
+uint16_t RecordStore::NumberedRun(EXTAG tag) const
+{
+    auto run = runs_.find(tag);
+    return run == runs_.end() ? 0 : run->second;
+}
+
+void RecordStore::Added(EXTAG tag, const RecordKey& key)
+{
+    uint16_t run = NumberedRun(tag);
+    if (!InNumberedRun(key) || key.group1 != run + 1) {
+        return;   // the run from 1 is as it was
+    }
+    // The gap after the run is closed: the run now reaches the next gap.
+    const Records& records = tags_[tag];
+    while (run < kPickNumber && records.count(RecordKey::Number(static_cast<uint16_t>(run + 1))) != 0) {
+        ++run;
+    }
+    runs_[tag] = run;
+}
+
+void RecordStore::Removed(EXTAG tag, const RecordKey& key)
+{
+    auto run = runs_.find(tag);
+    if (run == runs_.end() || !InNumberedRun(key) || key.group1 > run->second) {
+        return;
+    }
+    if (key.group1 == 1) {
+        runs_.erase(run);
+    } else {
+        run->second = static_cast<uint16_t>(key.group1 - 1);
+    }
 }
 
 std::vector<EXTAG> RecordStore::Tags() const

@@ -43,11 +43,18 @@ public:
     // The number of incidences in the group of `key` (kinds with incidences).
     uint16_t IncidenceCount(EXTAG tag, const RecordKey& key) const;
     std::vector<EXTAG> Tags() const;
+    // How many records numbered 1, 2, 3... follow each other from 1 (keys (n, 0, 0)): kept in
+    // step with every change, so that asking costs one look-up however many there are.
+    uint16_t NumberedRun(EXTAG tag) const;
 
     bool operator==(const RecordStore& other) const { return tags_ == other.tags_; }
 
 private:
+    void Added(EXTAG tag, const RecordKey& key);
+    void Removed(EXTAG tag, const RecordKey& key);
+
     std::map<EXTAG, Records> tags_;
+    std::map<EXTAG, uint16_t> runs_;   // NumberedRun of each tag that has one
 };
 
 }   // namespace stavio

@@ -5,7 +5,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <map>
+#include <utility>
 
 namespace stavio::midi_import {
 
@@ -35,18 +35,22 @@ int32_t StepFor(int32_t beat)
     return beat;
 }
 
-// The hits of one grid point, ascending and distinct, as many as an entry holds.
-std::vector<QuantisedBeat::Slot> Collect(const std::map<int, std::vector<int>>& bySlot)
+// (grid point, key) of each hit of a beat.
+using PlacedKeys = std::vector<std::pair<int, int>>;
+
+// The hits of each grid point, ascending and distinct, as many as an entry holds.
+std::vector<QuantisedBeat::Slot> Collect(PlacedKeys& placed)
 {
+    std::sort(placed.begin(), placed.end());
+    placed.erase(std::unique(placed.begin(), placed.end()), placed.end());
     std::vector<QuantisedBeat::Slot> slots;
-    for (const auto& [slot, keys] : bySlot) {
-        std::vector<int> sorted = keys;
-        std::sort(sorted.begin(), sorted.end());
-        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
-        if (sorted.size() > static_cast<size_t>(kMaxNotesPerEntry)) {
-            sorted.resize(kMaxNotesPerEntry);
+    for (const auto& [slot, key] : placed) {
+        if (slots.empty() || slots.back().slot != slot) {
+            slots.push_back(QuantisedBeat::Slot{slot, {}});
         }
-        slots.push_back(QuantisedBeat::Slot{slot, std::move(sorted)});
+        if (slots.back().keys.size() < static_cast<size_t>(kMaxNotesPerEntry)) {
+            slots.back().keys.push_back(key);
+        }
     }
     return slots;
 }
@@ -83,8 +87,10 @@ QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid
     const int64_t beat = grid.beat;
     const int64_t step = grid.step;
     const int64_t straightSlots = beat / step;
-    std::map<int, std::vector<int>> straight;
-    std::map<int, std::vector<int>> thirds;
+    PlacedKeys straight;
+    PlacedKeys thirds;
+    straight.reserve(hits.size());
+    thirds.reserve(grid.tripletBeats ? hits.size() : 0);
     int64_t straightError = 0;   // in EDU x 3, to compare with the thirds exactly
     int64_t tripletError = 0;
     bool offTheBeat = false;   // a hit lands on the second or third third
@@ -92,11 +98,11 @@ QuantisedBeat QuantiseBeat(const std::vector<Hit>& hits, const MeasureGrid& grid
         const int64_t r = hit.offset;
         const int64_t k = std::clamp<int64_t>(FloorDiv(2 * r + step, 2 * step), 0, straightSlots - 1);
         straightError += 3 * std::llabs(r - k * step);
-        straight[static_cast<int>(k)].push_back(hit.key);
+        straight.emplace_back(static_cast<int>(k), hit.key);
         if (grid.tripletBeats) {
             const int64_t t = std::clamp<int64_t>(FloorDiv(6 * r + beat, 2 * beat), 0, kTripletSlots - 1);
             tripletError += std::llabs(3 * r - t * beat);
-            thirds[static_cast<int>(t)].push_back(hit.key);
+            thirds.emplace_back(static_cast<int>(t), hit.key);
             offTheBeat = offTheBeat || t > 0;
         }
     }

@@ -18,9 +18,10 @@ struct TimeSignature {
     int denominator = 4;   // a power of two
 };
 
+// Eight bytes: a long file holds a million of them.
 struct DrumOnset {
-    int64_t edu = 0;   // from the file's start: tick * 1024 / ticks per quarter
-    int key = 0;
+    int64_t edu : 56;   // from the file's start: tick * 1024 / ticks per quarter
+    int64_t key : 8;
 };
 
 struct DrumGroove {

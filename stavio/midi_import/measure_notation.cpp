@@ -156,6 +156,7 @@ FrameContent NotateMeasure(const std::vector<Hit>& hits, const MeasureGrid& grid
             anyHit = true;
         }
     }
+    content.entries.reserve(hits.size() + 2 * static_cast<size_t>(beats));   // hits and a few rests
     MeasureWriter writer(grid, content);
     if (!anyHit) {
         writer.WholeMeasureRest();

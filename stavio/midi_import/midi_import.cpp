@@ -46,45 +46,36 @@ MeasureGrid GridOfMeasure(const Document& doc, int32_t meas, const TimeSignature
     return GridFor(spec.beats, spec.divbeat, meter);
 }
 
-// The hits of each groove bar that lands in the region (bar i into the region's measure i),
-// as offsets from the bar's start. A hit just before a bar line counts for the bar after it.
-std::vector<std::vector<Hit>> HitsPerBar(const DrumGroove& groove, size_t bars)
+// Notates and writes the region's measures one by one: groove bar i into the region's measure
+// i, its hits as offsets from the bar's start. A hit just before a bar line counts for the bar
+// after it. The onsets are in time order, so one walk over them serves the whole region.
+bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const DrumGroove& groove)
 {
-    std::vector<std::vector<Hit>> perBar(bars);
-    if (groove.barLength <= 0) {
-        return perBar;
-    }
+    const int64_t measures = region.end.meas - region.start.meas + 1;
     const int64_t early = MeasureGrid{}.EarlyWindow();
-    for (const DrumOnset& onset : groove.onsets) {
-        const int64_t bar = FloorDiv(onset.edu + early, groove.barLength);
-        if (bar < 0 || bar >= static_cast<int64_t>(bars)) {
-            continue;
-        }
-        perBar[static_cast<size_t>(bar)].push_back(
-            Hit{static_cast<int32_t>(onset.edu - bar * groove.barLength), onset.key});
-    }
-    return perBar;
-}
-
-bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const SmfFile& file)
-{
-    const DrumGroove groove = DrumGrooveOf(file);
-    const auto measures = static_cast<size_t>(region.end.meas - region.start.meas + 1);
-    const std::vector<std::vector<Hit>> perBar = HitsPerBar(groove, measures);
-    std::vector<FrameContent> frames;
-    frames.reserve(measures);
-    for (size_t i = 0; i < measures; ++i) {
-        const int32_t meas = region.start.meas + static_cast<int32_t>(i);
-        frames.push_back(NotateMeasure(perBar[i], GridOfMeasure(doc, meas, groove.meter)));
-    }
+    const auto barOf = [&](const DrumOnset& onset) {
+        return groove.barLength > 0 ? FloorDiv(onset.edu + early, groove.barLength) : measures;
+    };
+    auto onset = groove.onsets.begin();
+    std::vector<Hit> hits;
     bool written = true;
-    for (size_t i = 0; i < measures; ++i) {
-        written = doc.SetFrame(inst, region.start.meas + static_cast<int32_t>(i), kImportLayer, frames[i]) && written;
+    for (int64_t bar = 0; bar < measures; ++bar) {
+        hits.clear();
+        for (; onset != groove.onsets.end() && barOf(*onset) <= bar; ++onset) {
+            if (barOf(*onset) == bar) {
+                hits.push_back(
+                    Hit{static_cast<int32_t>(onset->edu - bar * groove.barLength), static_cast<int>(onset->key)});
+            }
+        }
+        const int32_t meas = region.start.meas + static_cast<int32_t>(bar);
+        FrameContent frame = NotateMeasure(hits, GridOfMeasure(doc, meas, groove.meter));
+        written = doc.SetFrame(inst, meas, kImportLayer, frame) && written;
     }
     return written;
 }
 
-// Checks the region, reads the file with `read` (SmfFile&, error&) -> bool, then writes.
+// Checks the region, reads the file with `read` (SmfFile&, error&) -> bool, then writes. A
+// damaged file gives what could be read of it; one that gives no hit at all is refused.
 template <typename ReadFile>
 bool Import(Document& doc, const EREGION& region, const std::string& name, std::string& error, ReadFile read)
 {
@@ -93,11 +84,19 @@ bool Import(Document& doc, const EREGION& region, const std::string& name, std::
         error = name + ": cannot import into " + error;
         return false;
     }
-    SmfFile file;
-    if (!read(file, error)) {
-        return false;
+    DrumGroove groove;
+    {
+        SmfFile file;   // let go before the measures are written: only the hits are needed
+        if (!read(file, error)) {
+            return false;
+        }
+        groove = DrumGrooveOf(file);
+        if (groove.onsets.empty() && !file.damage.empty()) {
+            error = name + ": " + file.damage;
+            return false;
+        }
     }
-    if (!WriteMeasures(doc, inst, region, file)) {
+    if (!WriteMeasures(doc, inst, region, groove)) {
         error = name + ": the staff's frames in " + RegionText(region) + " could not be written";
         return false;
     }

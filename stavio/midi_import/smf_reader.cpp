@@ -70,6 +70,16 @@ bool ReadHeader(const std::vector<uint8_t>& bytes, SmfFile& file, uint32_t& trac
 
 }   // namespace
 
+EventData SmfFile::DataOf(const SmfEvent& event) const
+{
+    uint32_t size = 0;
+    if (static_cast<size_t>(event.dataAt) + sizeof(size) > dataStore.size()) {
+        return EventData{};
+    }
+    std::memcpy(&size, dataStore.data() + event.dataAt, sizeof(size));
+    return EventData{dataStore.data() + event.dataAt + sizeof(size), size};
+}
+
 bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile& file, std::string& error)
 {
     file = SmfFile{};
@@ -80,29 +90,36 @@ bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile
         error = name + ": " + fault;
         return false;
     }
+    const auto damaged = [&file](std::string what) {
+        if (file.damage.empty()) {
+            file.damage = std::move(what);
+        }
+    };
     while (file.tracks.size() < trackCount) {
         const size_t left = bytes.size() - pos;
         if (left < kChunkHeaderSize) {
-            error = name + ": the header announces " + std::to_string(trackCount) + " tracks; the file ends after " +
-                    std::to_string(file.tracks.size());
-            return false;
+            damaged("the header announces " + std::to_string(trackCount) + " tracks; the file ends after " +
+                    std::to_string(file.tracks.size()));
+            break;
         }
         const uint32_t length = BigEndian(bytes, pos + 4, 4);
         const size_t body = pos + kChunkHeaderSize;
-        if (length > left - kChunkHeaderSize) {
-            error = name + ": the chunk at byte " + std::to_string(pos) + " claims " + std::to_string(length) +
-                    " bytes; the file has " + std::to_string(left - kChunkHeaderSize) + " after it";
-            return false;
+        const bool cut = length > left - kChunkHeaderSize;
+        if (cut) {
+            damaged("the chunk at byte " + std::to_string(pos) + " claims " + std::to_string(length) +
+                    " bytes; the file has " + std::to_string(left - kChunkHeaderSize) + " after it");
         }
+        const size_t end = cut ? bytes.size() : body + length;
         if (ChunkIs(bytes, pos, "MTrk")) {
-            SmfTrack track;
-            if (!ReadTrackEvents(bytes, body, body + length, track.events, fault)) {
-                error = name + ": track " + std::to_string(file.tracks.size() + 1) + " " + fault;
-                return false;
+            file.tracks.emplace_back();
+            if (!ReadTrackEvents(bytes, body, end, file.tracks.back(), file.dataStore, fault)) {
+                damaged("track " + std::to_string(file.tracks.size()) + " " + fault);
             }
-            file.tracks.push_back(std::move(track));
         }
-        pos = body + length;   // a chunk of another kind is skipped
+        if (cut) {
+            break;
+        }
+        pos = end;   // a chunk of another kind is skipped
     }
     return true;
 }

@@ -1,6 +1,8 @@
 #include "stavio/midi_import/track_reader.h"
 
+#include <cstdint>
 #include <cstdio>
+#include <cstring>
 #include <unordered_set>
 
 namespace stavio::midi_import {
@@ -41,6 +43,7 @@ enum class Step {
 };
 
 constexpr uint8_t kStatusBit = 0x80;
+constexpr int64_t kLastTick = UINT32_MAX;   // an event's tick is kept in 32 bits
 constexpr uint8_t kNeutralisedStatus = 0x89;
 constexpr uint8_t kNeutralisedKey = 0x00;
 constexpr uint8_t kNeutralisedVelocity = 0x40;
@@ -60,7 +63,9 @@ std::string Hex(unsigned value, int digits)
 
 class TrackReader {
 public:
-    TrackReader(const std::vector<uint8_t>& bytes, size_t end) : bytes_(bytes), end_(end) {}
+    TrackReader(const std::vector<uint8_t>& bytes, size_t end, std::vector<uint8_t>& dataStore)
+        : bytes_(bytes), end_(end), dataStore_(dataStore)
+    {}
 
     // Reads one event at `at`, moving it on. `branched` tells that an unsure run was read with
     // two data bytes and one data byte remains to be tried from the same cursor.
@@ -75,8 +80,11 @@ public:
             return Step::Fault;
         }
         at.tick += delta;
+        if (at.tick > kLastTick) {
+            return Fail(fault, at.pos, "the track runs past tick " + std::to_string(kLastTick));
+        }
         event = SmfEvent{};
-        event.tick = at.tick;
+        event.tick = static_cast<uint32_t>(at.tick);
         if (at.pos == end_) {
             return Fail(fault, at.pos, "the track ends after a delta time, without an event");
         }
@@ -138,8 +146,7 @@ private:
                             " claims " + std::to_string(length) + " bytes; the track has " +
                             std::to_string(end_ - at.pos) + " left");
         }
-        event.payload.assign(bytes_.begin() + static_cast<std::ptrdiff_t>(at.pos),
-                             bytes_.begin() + static_cast<std::ptrdiff_t>(at.pos + static_cast<size_t>(length)));
+        StoreData(event, at.pos, static_cast<uint32_t>(length));
         at.pos += static_cast<size_t>(length);
         return status == 0xFF && event.data1 == kMetaEndOfTrack ? Step::End : Step::Event;
     }
@@ -186,6 +193,17 @@ private:
         return false;
     }
 
+    // The event's data, after its length, at the end of the data store.
+    void StoreData(SmfEvent& event, size_t pos, uint32_t length)
+    {
+        event.dataAt = static_cast<uint32_t>(dataStore_.size());
+        uint8_t size[sizeof(length)];
+        std::memcpy(size, &length, sizeof(length));
+        dataStore_.insert(dataStore_.end(), size, size + sizeof(size));
+        dataStore_.insert(dataStore_.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(pos),
+                          bytes_.begin() + static_cast<std::ptrdiff_t>(pos + length));
+    }
+
     static Step Fail(Fault& fault, size_t pos, std::string what)
     {
         fault.pos = pos;
@@ -195,6 +213,7 @@ private:
 
     const std::vector<uint8_t>& bytes_;
     size_t end_;
+    std::vector<uint8_t>& dataStore_;
 };
 
 // A decision still open: the unsure run at `alternative` read with one data byte each.
@@ -202,59 +221,70 @@ struct OpenChoice {
     Cursor alternative;
     size_t events;    // events read before it
     size_t visited;   // states visited before it (those after it die when it is taken)
+    size_t data;      // the data store's size before it
 };
 
-}   // namespace
+constexpr size_t kNoFault = SIZE_MAX;
 
-bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end, std::vector<SmfEvent>& events,
-                     std::string& error)
+struct Search {
+    bool complete = false;            // a reading reached the track's end
+    Fault furthest;                   // else the fault furthest into the track
+    size_t furthestIndex = 0;         // which fault of the search that was (from 0)
+    bool eventsAreFurthest = false;   // the events read are those of that reading
+};
+
+// The search over the readings of unsure runs, newest decision first. With `stopAt` it
+// returns at that fault, with the events of the reading that met it.
+Search SearchReadings(TrackReader& reader, size_t begin, std::vector<SmfEvent>& events, std::vector<uint8_t>& dataStore,
+                      size_t stopAt)
 {
-    events.clear();
-    if (begin > end || end > bytes.size()) {
-        error = "track bounds lie outside the file";
-        return false;
-    }
-    TrackReader reader(bytes, end);
     std::vector<OpenChoice> choices;
     std::vector<uint64_t> visited;       // states on the current reading since the first choice
     std::unordered_set<uint64_t> dead;   // states from which no reading reaches the track's end
-    Fault furthest;
-    bool faulted = false;
+    Search search;
+    size_t faults = 0;
     Cursor at;
     at.pos = begin;
     for (;;) {
-        Step step = Step::Fault;
-        Fault fault;
-        if (dead.count(at.State()) == 0) {
+        if (dead.empty() || dead.count(at.State()) == 0) {
             if (!choices.empty()) {
                 visited.push_back(at.State());
             }
             const Cursor before = at;
             SmfEvent event;
             bool branched = false;
-            step = reader.Read(at, event, branched, fault);
+            Fault fault;
+            const Step step = reader.Read(at, event, branched, fault);
             if (branched) {
                 Cursor alternative = before;
                 alternative.reading = Reading::OneByte;
-                choices.push_back(OpenChoice{alternative, events.size(), visited.size()});
+                choices.push_back(OpenChoice{alternative, events.size(), visited.size(), dataStore.size()});
             }
             if (step == Step::Event || (step == Step::End && event.status == 0xFF)) {
-                events.push_back(std::move(event));
+                events.push_back(event);
             }
             if (step == Step::End) {
-                return true;
+                search.complete = true;
+                return search;
             }
             if (step == Step::Event) {
                 continue;
             }
-            if (!faulted || fault.pos >= furthest.pos) {
-                furthest = fault;
-                faulted = true;
+            if (faults == stopAt) {
+                search.furthest = fault;
+                search.furthestIndex = faults;
+                search.eventsAreFurthest = true;
+                return search;
             }
+            if (faults == 0 || fault.pos >= search.furthest.pos) {
+                search.furthest = fault;
+                search.furthestIndex = faults;
+                search.eventsAreFurthest = true;
+            }
+            ++faults;
         }
         if (choices.empty()) {
-            error = "at byte " + Hex(static_cast<unsigned>(furthest.pos), 8) + ": " + furthest.what;
-            return false;
+            return search;
         }
         const OpenChoice choice = choices.back();
         choices.pop_back();
@@ -263,8 +293,38 @@ bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end
         }
         visited.resize(choice.visited);
         events.resize(choice.events);
+        dataStore.resize(choice.data);
+        search.eventsAreFurthest = false;
         at = choice.alternative;
     }
+}
+
+}   // namespace
+
+bool ReadTrackEvents(const std::vector<uint8_t>& bytes, size_t begin, size_t end, SmfTrack& track,
+                     std::vector<uint8_t>& dataStore, std::string& error)
+{
+    std::vector<SmfEvent>& events = track.events;
+    events.clear();
+    if (begin > end || end > bytes.size()) {
+        error = "track bounds lie outside the file";
+        return false;
+    }
+    // No event is shorter than two bytes; what is reserved and never reached is never touched.
+    events.reserve((end - begin) / 2 + 1);
+    const size_t dataBefore = dataStore.size();
+    TrackReader reader(bytes, end, dataStore);
+    Search search = SearchReadings(reader, begin, events, dataStore, kNoFault);
+    if (search.complete) {
+        return true;
+    }
+    if (!search.eventsAreFurthest) {
+        events.clear();
+        dataStore.resize(dataBefore);
+        search = SearchReadings(reader, begin, events, dataStore, search.furthestIndex);
+    }
+    error = "at byte " + Hex(static_cast<unsigned>(search.furthest.pos), 8) + ": " + search.furthest.what;
+    return false;
 }
 
 }   // namespace stavio::midi_import

@@ -52,7 +52,8 @@ bool TemporaryMidiFile::Write(const char* data, int32_t size)
     if (toolbox::CreateFile(spec_, kCreator, kFileType) == toolbox::kNoErr) {
         placed_ = true;
     }
-    if (size < 0 || toolbox::WriteWholeFile(spec_, data, static_cast<size_t>(size)) != toolbox::kNoErr) {
+    // The file lives only until the import has read it: no need to make it last through a crash.
+    if (size < 0 || toolbox::WriteScratchFile(spec_, data, static_cast<size_t>(size)) != toolbox::kNoErr) {
         return false;
     }
     placed_ = true;

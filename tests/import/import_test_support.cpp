@@ -8,9 +8,9 @@
 
 namespace import_test {
 
-Listing ListDrumHits(const Bytes& file)
+Listing ListDrumHits(const Bytes& file, bool asFarAsItGoes)
 {
-    const support::SmfListing smf = support::ListSmf(file);
+    const support::SmfListing smf = support::ListSmf(file, asFarAsItGoes);
     Listing listing;
     listing.tpq = smf.division;
     bool meterFound = false;

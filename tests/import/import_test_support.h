@@ -19,6 +19,7 @@ using support::DrumFile;
 using support::DrumHit;
 using support::GrooveLibrary;
 using support::Header;
+using support::kEndOfTrack;
 using support::ReadBytes;
 
 // Ticks per quarter, the meter at tick 0, the sounding channel-10 notes of every track in time order.
@@ -26,7 +27,7 @@ struct Listing {
     int tpq = 0, numerator = 4, denominator = 4;
     std::vector<DrumHit> hits;
 };
-Listing ListDrumHits(const Bytes& file);
+Listing ListDrumHits(const Bytes& file, bool asFarAsItGoes = false);   // see support::ListSmf
 
 std::vector<std::string> GrooveFiles();   // paths, in name order
 

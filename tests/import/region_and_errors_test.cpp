@@ -89,8 +89,6 @@ TEST(ImportErrors, MalformedFilesNameTheFileAndTheFaultAndChangeNothing)
 {
     auto track = [](Bytes body) { return Concat({Header(0, 1, 480), Chunk("MTrk", body)}); };
     const Bytes end{0x00, 0xFF, 0x2F, 0x00};
-    Bytes truncated = track(Concat({{0x00, 0x99, 0x24, 0x64}, end}));
-    truncated.resize(truncated.size() - 3);
     const std::vector<std::pair<Bytes, std::string>> cases{
         {{}, "not a Standard MIDI File"},
         {{'R', 'I', 'F', 'F', 0, 0, 0, 4, 'W', 'A', 'V', 'E'}, "not a Standard MIDI File"},
@@ -99,13 +97,13 @@ TEST(ImportErrors, MalformedFilesNameTheFileAndTheFaultAndChangeNothing)
         {Header(0, 0, 480), "announces no tracks"},
         {Concat({Header(1, 1, 0xE728), Chunk("MTrk", end)}), "time-code division"},
         {Concat({Header(1, 2, 480), Chunk("MTrk", end)}), "announces 2 tracks; the file ends after 1"},
-        {truncated, "claims 8 bytes; the file has 5"},
+        {Concat({Header(0, 1, 480), Chunk("MTrk", {0x00, 0x99})}), "the track ends inside a message of status 0x99"},
         {track(Concat({{0x00, 0x24, 0x64}, end})), "track 1 at byte 0x00000017: running status is used before"},
         {track(Concat({{0x00, 0x99, 0x24, 0x90}, end})), "data byte expected in a message of status 0x99, found 0x90"},
         {track({0x00, 0xFF, 0x51, 0x10, 0x07}), "meta event 0x51 claims 16 bytes; the track has 1 left"},
         {track(Concat({{0x00, 0xF3, 0x01}, end})), "system message 0xF3 has no place in a file"},
         {track(Concat({{0x80, 0x80, 0x80, 0x80, 0x00, 0x99, 0x24, 0x64}, end})), "longer than four bytes"},
-        {track({0x00, 0x99, 0x24, 0x64, 0x00}), "the track ends after a delta time"},
+        {track({0x00, 0xFF, 0x58, 0x04, 0x04, 0x02, 0x18, 0x08, 0x00}), "the track ends after a delta time"},
     };
     const Document before = FilledDocument();
     for (const auto& [bytes, fault] : cases) {
@@ -121,6 +119,67 @@ TEST(ImportErrors, MalformedFilesNameTheFileAndTheFaultAndChangeNothing)
     std::string error;
     EXPECT_FALSE(ImportMidiFile(doc, Region(1, 1, 2), "/nonexistent/groove.mid", error));
     EXPECT_EQ(error, "/nonexistent/groove.mid: cannot be read (no such file)");
+}
+
+// A damaged file is read as far as it goes: the notes before the fault land. Copies of library
+// grooves cut short at every byte import what an independent reading of the same bytes finds
+// before the cut; a copy cut before its first note is refused and changes nothing.
+TEST(ImportErrors, DamagedFilesGiveTheNotesBeforeTheFault)
+{
+    Bytes chunkPastTheEnd = Concat({Header(0, 1, 480), Chunk("MTrk", Concat({{0x00, 0x99, 0x24, 0x64}, kEndOfTrack}))});
+    chunkPastTheEnd.resize(chunkPastTheEnd.size() - 3);
+    for (const Bytes& damaged :
+         {chunkPastTheEnd, Concat({Header(0, 1, 480), Chunk("MTrk", {0x00, 0x99, 0x24, 0x64, 0x00})}),
+          Concat({Header(0, 1, 480), Chunk("MTrk", {0x00, 0x99, 0x24, 0x64, 0x83, 0x60, 0x99, 0x26, 0xC0})}),
+          Concat(
+              {Header(1, 3, 480), Chunk("MTrk", {0x00, 0x99, 0x24, 0x64, 0x00, 0xF3}), Chunk("MTrk", kEndOfTrack)})}) {
+        Document doc = DrumDocument(1);
+        std::string error;
+        ASSERT_TRUE(ImportMidiBytes(doc, Region(1, 1, 1), damaged, "damaged.mid", error)) << error;
+        EXPECT_EQ(Describe(doc, 1, 1), "0+1024:36 | 1024+1024:r | 2048+2048:r");
+    }
+    // After a neutralised message neither reading of the run gets to the end; the two-byte one
+    // gets further (to the kick at tick 128 and the 0xF3 after it) and is the one kept, though
+    // the one-byte reading (0x81 0x00 then 0x99) fails last.
+    const Bytes unsure{0x00, 0x89, 0x00, 0x40, 0x00, 0x30, 0x40, 0x81, 0x00, 0x99, 0x24, 0x64, 0x00, 0xF3};
+    Document doc = DrumDocument(1);
+    std::string error;
+    ASSERT_TRUE(
+        ImportMidiBytes(doc, Region(1, 1, 1), Concat({Header(0, 1, 480), Chunk("MTrk", unsure)}), "unsure.mid", error))
+        << error;
+    EXPECT_EQ(Describe(doc, 1, 1), "0+256:r | 256+768:36 | 1024+1024:r | 2048+2048:r");
+
+    int cutsWithNotes = 0;
+    for (const char* name : {"Rock 8ths", "Funk 16ths Ghost Notes", "Waltz 3-4", "Ballad 12-8"}) {
+        const Bytes whole = ReadBytes(GrooveLibrary() + "/" + name + ".mid");
+        const Listing full = ListDrumHits(whole);
+        const auto beats = static_cast<int16_t>(full.numerator);
+        const auto divbeat = static_cast<int16_t>(4096 / full.denominator);
+        constexpr int kMeasures = 6;
+        const Document before = DrumDocument(kMeasures, beats, divbeat);
+        for (size_t size = 14; size < whole.size(); ++size) {
+            SCOPED_TRACE(std::string(name) + " cut to " + std::to_string(size) + " bytes");
+            const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+            const Listing readable = ListDrumHits(cut, true);
+            Document doc = before;
+            std::string error;
+            const bool imported = ImportMidiBytes(doc, Region(1, 1, kMeasures), cut, "cut.mid", error);
+            ASSERT_EQ(imported, !readable.hits.empty()) << error;
+            if (!imported) {
+                EXPECT_EQ(error.rfind("cut.mid: ", 0), 0u) << error;
+                EXPECT_TRUE(doc.Records() == before.Records());
+                continue;
+            }
+            ++cutsWithNotes;
+            Document expected = before;
+            const Bytes sound = DrumFile(readable.tpq, full.numerator, full.denominator, readable.hits);
+            ASSERT_TRUE(ImportMidiBytes(expected, Region(1, 1, kMeasures), sound, "sound.mid", error)) << error;
+            for (int meas = 1; meas <= kMeasures; ++meas) {
+                EXPECT_EQ(Describe(doc, 1, meas), Describe(expected, 1, meas)) << "measure " << meas;
+            }
+        }
+    }
+    EXPECT_GT(cutsWithNotes, 400) << cutsWithNotes;
 }
 
 // A file as a plug-in's cleaner leaves it: a program change and a controller on channel 1

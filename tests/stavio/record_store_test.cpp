@@ -7,6 +7,7 @@
 #include "tests/support/test_support.h"
 
 #include <cstring>
+#include <random>
 
 namespace stavio {
 namespace {
@@ -280,4 +281,35 @@ TEST(StavioRecordStore, CreatingAStaffSpecAddsAStaffToTheMainList)
 }
 
 }   // namespace
+// The run of numbered records from 1 is kept in step with every change (the document's measure
+// count asks it once per import): checked against counting after each of many random changes.
+TEST(StavioRecordStore, TheNumberedRunFollowsEveryChange)
+{
+    RecordStore store;
+    std::mt19937 random(11);
+    std::uniform_int_distribution<int> number(1, 12), change(0, 4), inci(0, 2);
+    const auto counted = [&store] {
+        uint16_t run = 0;
+        while (store.Find(kOtherTag, RecordKey::Number(uint16_t(run + 1))) != nullptr) ++run;
+        return run;
+    };
+    for (int step = 0; step < 3000; ++step) {
+        RecordKey key = RecordKey::Other(uint16_t(number(random)), uint16_t(inci(random) == 0 ? inci(random) : 0));
+        switch (change(random)) {
+            case 0:
+            case 1: store.Put(kOtherTag, key, {1}); break;
+            case 2: store.Erase(kOtherTag, key); break;
+            case 3: store.Delete(kOtherTag, KeyKind::Other, key); break;
+            default: {
+                RecordKey picked = RecordKey::Other(kPickNumber, kAppendIncidence);
+                if (store.Count(kOtherTag) < 10)
+                    store.Create(kOtherTag, KeyKind::Other, picked, {2});
+                else
+                    store = RecordStore();
+            }
+        }
+        ASSERT_EQ(store.NumberedRun(kOtherTag), counted()) << "after step " << step;
+    }
+}
+
 }   // namespace stavio

@@ -93,9 +93,9 @@ struct Cursor {
     }
 };
 
-std::vector<SmfEvent> ListTrack(Cursor& in)
+// Lists the track into `events`; throws at a fault, the events before it listed.
+void ListTrack(Cursor& in, std::vector<SmfEvent>& events)
 {
-    std::vector<SmfEvent> events;
     int32_t tick = 0;
     uint8_t running = 0;
     while (in.pos < in.end) {
@@ -114,7 +114,7 @@ std::vector<SmfEvent> ListTrack(Cursor& in)
             events.push_back(ev);
             if (ev.status == 0xFF && ev.data1 == 0x2F) {
                 if (in.pos != in.end) throw std::runtime_error("bytes after end of track");
-                return events;
+                return;
             }
             continue;
         }
@@ -137,7 +137,7 @@ std::vector<SmfEvent> ListTrack(Cursor& in)
 
 }   // namespace
 
-SmfListing ListSmf(const Bytes& bytes)
+SmfListing ListSmf(const Bytes& bytes, bool asFarAsItGoes)
 {
     SmfListing file;
     Cursor in{bytes, 0, bytes.size()};
@@ -146,11 +146,20 @@ SmfListing ListSmf(const Bytes& bytes)
     file.trackCountField = static_cast<int>(in.Fixed(2));
     file.division = static_cast<int>(in.Fixed(2));
     while (in.pos < bytes.size()) {
+        if (asFarAsItGoes && bytes.size() - in.pos < 8) break;
         if (in.Fixed(4) != 0x4D54726B) throw std::runtime_error("chunk is not a track");
-        const uint32_t length = in.Fixed(4);
-        if (length > bytes.size() - in.pos) throw std::runtime_error("track chunk runs past the file");
+        uint32_t length = in.Fixed(4);
+        if (length > bytes.size() - in.pos) {
+            if (!asFarAsItGoes) throw std::runtime_error("track chunk runs past the file");
+            length = static_cast<uint32_t>(bytes.size() - in.pos);
+        }
         Cursor track{bytes, in.pos, in.pos + length};
-        file.tracks.push_back(ListTrack(track));
+        file.tracks.emplace_back();
+        try {
+            ListTrack(track, file.tracks.back());
+        } catch (const std::runtime_error&) {
+            if (!asFarAsItGoes) throw;
+        }
         in.pos += length;
     }
     return file;

@@ -44,7 +44,9 @@ struct SmfListing {
 };
 
 // Throws std::runtime_error when the bytes are not a well-formed file (every chunk must be
-// whole and every track must end with its end-of-track event).
-SmfListing ListSmf(const Bytes& bytes);
+// whole and every track must end with its end-of-track event). `asFarAsItGoes` lists a damaged
+// file as a player reads it: each track up to its first fault, a chunk that runs past the file
+// to the file's end (only the header must be whole).
+SmfListing ListSmf(const Bytes& bytes, bool asFarAsItGoes = false);
 
 }   // namespace support

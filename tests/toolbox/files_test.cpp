@@ -54,6 +54,14 @@ TEST(Files, WholeFilesAndTheirErrors)
     EXPECT_EQ(info.st_size, 0);
     EXPECT_EQ(FolderItemAt(folder.Path(), 2), std::nullopt);
 
+    // A scratch file is written in place: a shorter one leaves nothing of the longer behind.
+    ASSERT_EQ(WriteScratchFile(spec, written.data(), written.size()), kNoErr);
+    ASSERT_EQ(WriteScratchFile(spec, "ab", 2), kNoErr);
+    ASSERT_EQ(ReadWholeFile(spec, bytes), kNoErr);
+    EXPECT_EQ(bytes, (std::vector<uint8_t>{'a', 'b'}));
+    EXPECT_EQ(WriteScratchFile(FileSpec{folder / "gone", "data.bin"}, "x", 1), kDirNotFound);
+    EXPECT_EQ(WriteScratchFile(FileSpec{folder.Path(), "a/b"}, "x", 1), kBadName);
+
     EXPECT_EQ(CreateFile(spec, 0, 0), kDuplicateFile);
     EXPECT_EQ(DeleteFile(spec), kNoErr);
     EXPECT_EQ(DeleteFile(spec), kFileNotFound);

@@ -146,6 +146,17 @@ TEST_F(ResourceChain, SettingsAreAddedChangedAndWritten)
     EXPECT_EQ(WriteResFile(ref + 100), kResFileNotOpen);
     EXPECT_NE(ReadFile(prefs.Path()).find("resource 'VRNX' 20000 \"tamberlyne\" {\n    text = \"0\\0\"\n}"),
               std::string::npos);
+    // Saved again unchanged, the file is left as it is (a write puts a new file in its place).
+    const auto inode = [&prefs] {
+        struct stat info {};
+        return stat(prefs.Path().c_str(), &info) == 0 ? info.st_ino : 0;
+    };
+    const auto saved = inode();
+    EXPECT_EQ(WriteResFile(ref), kNoErr);
+    EXPECT_EQ(inode(), saved);
+    EXPECT_EQ(ChangeResource(kVrnx, 20000, Bytes(std::string("0\0", 2))), kNoErr);
+    EXPECT_EQ(WriteResFile(ref), kNoErr);
+    EXPECT_EQ(inode(), saved);
 
     CloseAllResFiles();
     ASSERT_GT(OpenResFile(prefs, true), 0);

@@ -1,5 +1,6 @@
 // `tamberlyne fill` as a person runs it: its help, its complaints, the groove library it uses,
 // what it prints and its exit status.
+#include "tests/support/smf.h"
 #include "tests/ui/ui_test_support.h"
 
 #include <sys/stat.h>
@@ -93,11 +94,15 @@ TEST_F(FillCommand, RefusalsExitWithOneAndThePlugInsMessage)
     CommandRun run = Fill("--measures 5-12 --library " + library_);
     EXPECT_EQ(run.status, 1);
     ExpectHas(run.out, {"Stop: Please choose a groove from the list first."});
-    ExpectHas(run.err, {"tamberlyne: nothing was filled: Please choose a groove from the list first."});
+    ExpectHas(run.out, {"The plug-in did not fill the measures: Please choose a groove from the list first."});
+    ExpectHas(run.err,
+              {"tamberlyne: The plug-in did not fill the measures: Please choose a groove from the list first."});
+    EXPECT_FALSE(Has(run.out + run.err, "Dialog 2")) << "no line a person reads names the dialog's number";
 
     run = Fill("--measures 5-12 --groove Samba --library " + library_);
     EXPECT_EQ(run.status, 1);
-    ExpectHas(run.err, {"no row reads \"Samba\" (rows: Funk, Rock)"});
+    ExpectHas(run.err, {"The plug-in did not fill the measures: no row reads \"Samba\" (rows: Funk, Rock)"});
+    EXPECT_FALSE(Has(run.out + run.err, "item")) << run.out << run.err;
 
     run = Fill("--groove Rock --library " + library_);   // nothing selected, and no --yes
     EXPECT_EQ(run.status, 1);
@@ -109,6 +114,40 @@ TEST_F(FillCommand, RefusalsExitWithOneAndThePlugInsMessage)
     run = Fill("--measures 1-2 --groove Rock --library " + library_);
     EXPECT_EQ(run.status, 1);
     ExpectHas(run.err, {"No grooves were found."});
+}
+
+// Damaged grooves: a copy cut short fills what it holds; a copy cut early is refused with the
+// plug-in's alerts, each run of the same alert told once; a groove whose notes do not sound
+// (velocity 0) lands no note, which is no fill.
+TEST_F(FillCommand, DamagedGroovesFillWhatTheyHoldOrSaySoPlainly)
+{
+    std::vector<uint8_t> rock = support::ReadBytes(BuildDir() + "/bin/Tamberlyne/Rock 8ths.mid");
+    rock.resize(rock.size() - 20);
+    WriteFile(library_ + "/Rock.mid", std::string(rock.begin(), rock.end()));
+    CommandRun run = Fill("--measures 1-4 --groove Rock --staff Drums --yes --library " + library_);
+    EXPECT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"Notice: End of track meta event missing", "Plug-in result: 1 (the score changed)",
+                        "  Acoustic Snare |----o-------o---|----o-------o---|"});
+
+    rock.resize(40);
+    WriteFile(library_ + "/Rock.mid", std::string(rock.begin(), rock.end()));
+    run = Fill("--measures 1-4 --groove Rock --staff Drums --yes --library " + library_);
+    EXPECT_EQ(run.status, 1);
+    ExpectHas(run.out, {"Notice: Parsing error - trying to read beyond EOF. (repeated 5 times)\n"});
+    ExpectHas(run.err, {"tamberlyne: The plug-in did not fill the measures: Parsing error"});
+    run = Fill("--interactive --measures 1-4 --library " + library_, "2\nok\n");   // told as they come
+    ExpectHas(run.out, {"Parsing error - trying to read beyond EOF.\n(repeated 5 times)\n"});
+
+    std::vector<uint8_t> silent = support::DrumFile(480, 4, 4, {{0, 36}, {480, 38}});
+    for (size_t i = 0; i + 2 < silent.size(); ++i) {
+        if (silent[i] == 0x99) silent[i + 2] = 0;   // every note-on at velocity 0
+    }
+    WriteFile(library_ + "/Rock.mid", std::string(silent.begin(), silent.end()));
+    run = Fill("--measures 1-4 --groove Rock --staff Drums --yes --library " + library_);
+    EXPECT_EQ(run.status, 1);
+    ExpectHas(run.out, {"Plug-in result: 1 (no notes landed)"});
+    ExpectHas(run.err, {"tamberlyne: The plug-in did not fill the measures: no note of the groove landed"});
+    EXPECT_FALSE(Has(run.out, "Staff 2")) << "nothing is reported as filled";
 }
 
 // A real groove fills the drum staff: the report names the staves, shows what changed and
@@ -163,7 +202,7 @@ TEST_F(FillCommand, InteractiveShowsTheDialogAndReadsThePersonsChoices)
     EXPECT_EQ(run.status, 1);
     ExpectHas(run.out, {"== Fill with Drum Groove ==", "      1  Funk\n      2  Rock\n", "   >  2  Rock\n",
                         "[11] Style: Slash notation", "[8] Staff: Drums   [1 Piano, 2 Drums]"});
-    ExpectHas(run.err, {"nothing was filled"});
+    ExpectHas(run.err, {"The plug-in did not fill the measures"});
 
     // A question at the terminal: nothing selected.
     const CommandRun asked = Fill("--interactive --library " + library_, "n\n");

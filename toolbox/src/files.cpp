@@ -202,6 +202,22 @@ OSErr ReadWholeFile(const FileSpec& spec, std::vector<uint8_t>& bytes)
     }
 }
 
+OSErr WriteScratchFile(const FileSpec& spec, const void* data, size_t size)
+{
+    if (data == nullptr && size > 0) return kParamErr;
+    try {
+        if (!IsValidName(spec.name)) return kBadName;
+        FileDescriptor file(open(spec.Path().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666));
+        if (file.Get() < 0) return LastError(spec);
+        const bool written = WriteAll(file.Get(), static_cast<const uint8_t*>(data), size);
+        const int writeError = errno;
+        if (!file.Close() || !written) return OSErrFromErrno(written ? errno : writeError, FolderOf(spec));
+        return kNoErr;
+    } catch (...) {
+        return kMemFull;
+    }
+}
+
 OSErr WriteWholeFile(const FileSpec& spec, const void* data, size_t size)
 {
     if (data == nullptr && size > 0) return kParamErr;

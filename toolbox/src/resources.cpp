@@ -5,6 +5,7 @@
 #include "os_errors.h"
 #include "text_syntax.h"
 
+#include <algorithm>
 #include <map>
 #include <optional>
 #include <utility>
@@ -356,6 +357,14 @@ Status SaveResourceFile(const std::string& path, const ResourceFile& file)
 {
     try {
         const std::string text = PrintAll(file.All());
+        // A file that already says this stays as it is: saved unchanged on every run, it
+        // would cost two flushes to disk each time.
+        std::vector<uint8_t> onDisk;
+        if (ReadWholeFile(FileSpecFromPath(path), onDisk) == kNoErr && onDisk.size() == text.size() &&
+            std::equal(onDisk.begin(), onDisk.end(), text.begin(),
+                       [](uint8_t byte, char c) { return byte == static_cast<uint8_t>(c); })) {
+            return Status::Ok();
+        }
         const OSErr err = WriteWholeFile(FileSpecFromPath(path), text.data(), text.size());
         return err == kNoErr ? Status::Ok() : Status::Failure(path + ": " + DescribeOSErr(err), err);
     } catch (...) {

@@ -41,6 +41,12 @@ OSErr ReadWholeFile(const FileSpec& spec, std::vector<uint8_t>& bytes);
 // exists keeps its permissions.
 OSErr WriteWholeFile(const FileSpec& spec, const void* data, size_t size);
 
+// Writes a scratch file: one that lives only while the program runs (handed from one part to
+// another and deleted after). It is written in place, without the flushes to disk that make
+// WriteWholeFile's result last through a crash: a flush can keep a busy disk waiting for tens
+// of milliseconds.
+OSErr WriteScratchFile(const FileSpec& spec, const void* data, size_t size);
+
 // Creates an empty file; kDuplicateFile when it exists already. `creator` and `type` are kept
 // for the record only: the file system has no place for them.
 OSErr CreateFile(const FileSpec& spec, uint32_t creator, uint32_t type);
