@@ -118,7 +118,11 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
 
     for (size_t i = 0; i < voice.entries.size(); ++i) {
         const VoiceEntry& entry = voice.entries[i];
-        const auto [value, dots] = ValueAndDots(entry.notated);
+        // Plain variables, not a structured binding: the lambda below captures them, which C++17
+        // allows only for variables.
+        const std::pair<int32_t, int> valueAndDots = ValueAndDots(entry.notated);
+        const int32_t value = valueAndDots.first;
+        const int dots = valueAndDots.second;
         const char* type = TypeName(value);
         const TupletInfo* tuplet = entry.tuplet >= 0 ? &frame.tuplets[static_cast<size_t>(entry.tuplet)] : nullptr;
         auto tail = [&](std::string& note) {
