@@ -172,7 +172,7 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
             }
             note += "<duration>" + std::to_string(entry.duration) + "</duration>";
             const auto instrument = instrumentOf.find(key);
-            if (drum && instrument != instrumentOf.end() && instrumentOf.size() > 1) {
+            if (drum && instrument != instrumentOf.end()) {
                 note += "<instrument id=\"" + EscapeXml(instrument->second) + "\"/>";
             }
             tail(note);
@@ -199,6 +199,13 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
         }
     }
 }
+
+// A voice as written, with the frame (tuplets) and layer it comes from.
+struct WrittenVoice {
+    Voice voice;
+    FrameContent frame;
+    int layer = 0;
+};
 
 }   // namespace
 
@@ -233,10 +240,6 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
     // Layer 0 is split into hands (voice 1) and feet (voice 2) on a drum staff. Each other layer
     // that holds notes is a voice of its own after them; layers of rests only (slash notation
     // keeps such rests) are not written.
-    struct WrittenVoice {
-        Voice voice;
-        FrameContent frame;
-    };
     std::vector<WrittenVoice> voices;
     int nextVoice = firstVoice;
     for (int layer = 0; layer < kMaxLayers; ++layer) {
@@ -295,9 +298,9 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
             rest.wholeMeasureRest = true;
             upper.entries.push_back(rest);
         }
-        voices.push_back(WrittenVoice{upper, frame});
+        voices.push_back(WrittenVoice{upper, frame, layer});
         if (anyLower) {
-            voices.push_back(WrittenVoice{lower, frame});
+            voices.push_back(WrittenVoice{lower, frame, layer});
         }
     }
 

@@ -105,7 +105,7 @@ int main(int argc, char** argv)
     }
     for (const std::string& score : scores) {
         const std::string bytes = Score(score);
-        for (const std::string& problem : ScoreProblems(bytes)) {
+        for (const std::string& problem : ScoreProblems(bytes, allowed.measures)) {
             std::cout << score << ": " << problem << "\n";
             passed = false;
         }
