@@ -118,7 +118,11 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
 
     for (size_t i = 0; i < voice.entries.size(); ++i) {
         const VoiceEntry& entry = voice.entries[i];
-        const auto [value, dots] = ValueAndDots(entry.notated);
+        // Plain variables, not a structured binding: the lambda below captures them, which C++17
+        // allows only for variables.
+        const std::pair<int32_t, int> valueAndDots = ValueAndDots(entry.notated);
+        const int32_t value = valueAndDots.first;
+        const int dots = valueAndDots.second;
         const char* type = TypeName(value);
         const TupletInfo* tuplet = entry.tuplet >= 0 ? &frame.tuplets[static_cast<size_t>(entry.tuplet)] : nullptr;
         auto tail = [&](std::string& note) {
@@ -168,7 +172,7 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
             }
             note += "<duration>" + std::to_string(entry.duration) + "</duration>";
             const auto instrument = instrumentOf.find(key);
-            if (drum && instrument != instrumentOf.end() && instrumentOf.size() > 1) {
+            if (drum && instrument != instrumentOf.end()) {
                 note += "<instrument id=\"" + EscapeXml(instrument->second) + "\"/>";
             }
             tail(note);
@@ -194,6 +198,50 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
             lines.push_back(note + "</note>");
         }
     }
+}
+
+// A voice as written, with the frame (tuplets) and layer it comes from.
+struct WrittenVoice {
+    Voice voice;
+    FrameContent frame;
+    int layer = 0;
+};
+
+// A drum stroke sounds as long as its written note; a reader does not strike a piece again while
+// it still sounds, so a stroke of another voice inside that time is silently lost (MuseScore
+// drops it). The notes the fill wrote (layer 0) are the groove and must all be heard: a piece
+// that another layer plays while the groove plays it too is left out of that layer's note (a
+// note left with no piece becomes a rest), and a layer left with nothing to play is not written.
+void DropRestrikes(std::vector<WrittenVoice>& voices)
+{
+    auto overlaps = [](const VoiceEntry& a, const VoiceEntry& b) {
+        return a.position < b.position + b.actual && b.position < a.position + a.actual;
+    };
+    for (WrittenVoice& other : voices) {
+        if (other.layer == 0) {
+            continue;
+        }
+        for (VoiceEntry& entry : other.voice.entries) {
+            auto played = [&](int key) {
+                return std::any_of(voices.begin(), voices.end(), [&](const WrittenVoice& groove) {
+                    return groove.layer == 0 && std::any_of(groove.voice.entries.begin(), groove.voice.entries.end(),
+                                                            [&](const VoiceEntry& stroke) {
+                                                                return overlaps(stroke, entry) &&
+                                                                       std::find(stroke.keys.begin(), stroke.keys.end(),
+                                                                                 key) != stroke.keys.end();
+                                                            });
+                });
+            };
+            entry.keys.erase(std::remove_if(entry.keys.begin(), entry.keys.end(), played), entry.keys.end());
+        }
+    }
+    voices.erase(std::remove_if(voices.begin(), voices.end(),
+                                [](const WrittenVoice& written) {
+                                    return written.layer > 0 &&
+                                           std::none_of(written.voice.entries.begin(), written.voice.entries.end(),
+                                                        [](const VoiceEntry& entry) { return !entry.keys.empty(); });
+                                }),
+                 voices.end());
 }
 
 }   // namespace
@@ -229,10 +277,6 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
     // Layer 0 is split into hands (voice 1) and feet (voice 2) on a drum staff. Each other layer
     // that holds notes is a voice of its own after them; layers of rests only (slash notation
     // keeps such rests) are not written.
-    struct WrittenVoice {
-        Voice voice;
-        FrameContent frame;
-    };
     std::vector<WrittenVoice> voices;
     int nextVoice = firstVoice;
     for (int layer = 0; layer < kMaxLayers; ++layer) {
@@ -291,10 +335,13 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
             rest.wholeMeasureRest = true;
             upper.entries.push_back(rest);
         }
-        voices.push_back(WrittenVoice{upper, frame});
+        voices.push_back(WrittenVoice{upper, frame, layer});
         if (anyLower) {
-            voices.push_back(WrittenVoice{lower, frame});
+            voices.push_back(WrittenVoice{lower, frame, layer});
         }
+    }
+    if (drum) {
+        DropRestrikes(voices);
     }
 
     // Durations in divisions: the part's own where they are exact, else a multiple of them.

@@ -23,7 +23,8 @@ std::set<int> KeysInMeasure(const Document& doc, int32_t inst, int32_t meas);
 
 // The notes of staff `inst` in measure `meas`. `divisions` is the part's divisions there; the
 // result uses a multiple of it when the notes need finer units. `instrumentOf` names the
-// score-instrument of each key (left out of the notes when it holds fewer than two). A measure
+// score-instrument of each key (every note of a key it holds names it, since the part may have
+// other instruments that notes without <instrument> fall back to). A measure
 // without entries is a whole-measure rest of `restLength` EDU (0: the measure's meter). In a
 // part with several staves, `staff` is the staff's number (each note says it) and the voices
 // are numbered from `firstVoice`.

@@ -27,7 +27,6 @@ namespace stavio::musicxml {
 namespace {
 
 constexpr uint16_t kSlashStyleAltFlag = 0x7101;
-constexpr int kMidiDrumChannel = 10;
 
 struct Splice {
     size_t begin;
@@ -131,8 +130,7 @@ private:
                           const MeasureMusic& music) const;
     std::string InstrumentsText(const std::string& partId, const std::set<int>& keys,
                                 std::map<int, std::string>& instrumentOf, const std::string& indent, std::string& midi);
-    void WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
-                          bool becameDrum);
+    void WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf);
     // A new line inside the measure at `measureStart`, indented one step deeper than it.
     std::string ChildLine(size_t measureStart) const
     {
@@ -202,8 +200,11 @@ std::string Writer::InstrumentsText(const std::string& partId, const std::set<in
     return newInstruments;
 }
 
-void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf,
-                              bool becameDrum)
+// The kit pieces the written notes play, after the part's own instruments. The part's first
+// instrument and its MIDI settings stay first and unchanged: the measures the fill did not touch
+// keep their notes without <instrument>, and a reader gives those the part's first instrument, so
+// they sound as they did (a voice still sings) while the written measures name their kit pieces.
+void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<int, std::string>& instrumentOf)
 {
     const PartIndex& index = impl_.parts[part];
     for (const auto& [id, key] : index.keyOfInstrument) {
@@ -231,15 +232,6 @@ void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<i
             instrumentsAt = child.range.end;
         }
         midiAt = child.range.end;
-        if (child.name == "midi-instrument" && becameDrum) {
-            // The whole part now plays on the drum channel.
-            for (const ChildElement& setting : ChildrenOf(text, child.range)) {
-                if (setting.name == "midi-channel") {
-                    splices_.push_back(
-                        Splice{setting.range.begin, setting.range.end, "<midi-channel>10</midi-channel>"});
-                }
-            }
-        }
     }
     if (!newInstruments.empty()) {
         splices_.push_back(Splice{instrumentsAt, instrumentsAt, newInstruments});
@@ -254,8 +246,6 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
     const PartInfo& info = score_.Parts()[staff.part];
     const int32_t measures = static_cast<int32_t>(std::min(part.measures.size(), score_.Measures().size()));
     const bool drumAfter = DrumChannel(after_, inst) || staff.drum;
-    // A written drum staff plays on the drum channel: its part's MIDI instruments move there.
-    const bool becameDrum = DrumChannel(after_, inst) && info.midiChannel != kMidiDrumChannel;
 
     std::vector<bool> rewrite(static_cast<size_t>(measures) + 1, false);
     std::set<int> keys;
@@ -285,8 +275,8 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
     const std::string numbered = shared ? " number=\"" + staffNumber + "\"" : "";
     std::map<int, std::string> instrumentOf;
     if (drumAfter) {
-        // The other staves of a shared part keep their own sound; only the kit is on channel 10.
-        WriteInstruments(staff.part, keys, instrumentOf, becameDrum && !shared);
+        // The part's own instruments keep their sound; only the kit is on channel 10.
+        WriteInstruments(staff.part, keys, instrumentOf);
     }
 
     int16_t shownClef = 0;   // the clef in force in the written file

@@ -71,8 +71,10 @@ public:
         : partId_(partId), instruments_(instruments), problems_(problems), notes_(notes)
     {}
 
-    void Measure(pugi::xml_node measure, int index)
+    // `untouched`: the edit did not rewrite the measure's notes.
+    void Measure(pugi::xml_node measure, int index, bool untouched = false)
     {
+        untouched_ = untouched;
         number_ = measure.attribute("number").value();
         index_ = index;
         cursor_ = 0;
@@ -166,7 +168,7 @@ private:
                 Problem("<instrument id=\"" + timed.instrumentId + "\"> names no score-instrument of the part");
         } else if (instruments_.size() == 1) {
             timed.instrumentId = instruments_.begin()->first;
-        } else if (instruments_.size() > 1 && !timed.rest) {
+        } else if (instruments_.size() > 1 && !timed.rest && !untouched_) {
             Problem("a note without <instrument> in a part of several instruments");
         }
         auto found = instruments_.find(timed.instrumentId);
@@ -202,11 +204,13 @@ private:
     double cursor_ = 0;
     double longest_ = 0;
     double lastOnset_ = 0;
+    bool untouched_ = false;
     std::map<std::string, double> voiceEnds_;
 };
 
 // Parses and walks the score; the problems of the whole score, and the notes of `wantedPart`.
-std::vector<std::string> Walk(const std::string& bytes, const std::string& wantedPart, std::vector<TimedNote>* notes)
+std::vector<std::string> Walk(const std::string& bytes, const std::string& wantedPart, std::vector<TimedNote>* notes,
+                              const std::map<std::string, std::set<std::string>>& rewritten = {})
 {
     std::vector<std::string> problems;
     pugi::xml_document document;
@@ -243,10 +247,13 @@ std::vector<std::string> Walk(const std::string& bytes, const std::string& wante
         auto known = parts.find(id);
         PartWalk walk(id, known == parts.end() ? kNone : known->second.instruments, problems,
                       id == wantedPart ? notes : nullptr);
+        auto edited = rewritten.find(id);
         int index = 0;
         for (pugi::xml_node measure : part.children("measure")) {
             numbers.push_back(measure.attribute("number").value());
-            walk.Measure(measure, index++);
+            walk.Measure(measure, index,
+                         edited != rewritten.end() && !edited->second.count(measure.attribute("number").value()));
+            ++index;
         }
         if (first) firstNumbers = numbers;
         if (numbers != firstNumbers)
@@ -262,9 +269,10 @@ std::vector<std::string> Walk(const std::string& bytes, const std::string& wante
 
 }   // namespace
 
-std::vector<std::string> ScoreProblems(const std::string& bytes)
+std::vector<std::string> ScoreProblems(const std::string& bytes,
+                                       const std::map<std::string, std::set<std::string>>& rewritten)
 {
-    return Walk(bytes, "", nullptr);
+    return Walk(bytes, "", nullptr, rewritten);
 }
 
 std::vector<TimedNote> PartNotes(const std::string& bytes, const std::string& partId)

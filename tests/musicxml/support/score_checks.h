@@ -4,6 +4,8 @@
 // MuseScore comparison needs.
 #pragma once
 
+#include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -26,8 +28,12 @@ struct TimedNote {
 };
 
 // Every fault found, each naming its part and measure; empty for a sound score. Bytes may be
-// UTF-8 or UTF-16 with a byte-order mark.
-std::vector<std::string> ScoreProblems(const std::string& bytes);
+// UTF-8 or UTF-16 with a byte-order mark. `rewritten` (part id -> measure numbers) names the
+// measures an edit rewrote in a part it gave more instruments: that part's other measures kept
+// their notes as they were, and those may go without <instrument> (a reader gives them the
+// part's first instrument, as it did); rewritten measures and every other part must name theirs.
+std::vector<std::string> ScoreProblems(const std::string& bytes,
+                                       const std::map<std::string, std::set<std::string>>& rewritten = {});
 
 // The notes of one part in time order of the walk (chords and voices as written).
 std::vector<TimedNote> PartNotes(const std::string& bytes, const std::string& partId);
