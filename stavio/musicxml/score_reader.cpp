@@ -17,6 +17,7 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <iterator>
@@ -138,7 +139,7 @@ class Reader {
 public:
     Reader(ScoreFile::Impl& impl, const std::string& name) : impl_(impl), name_(name) {}
 
-    bool Run(pugi::xml_node root, std::string& error);
+    toolbox::Status Run(pugi::xml_node root);
 
     std::vector<PartInfo> parts;
     std::vector<StaffInfo> staves;
@@ -466,21 +467,20 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
     }
 }
 
-bool Reader::Run(pugi::xml_node root, std::string& error)
+toolbox::Status Reader::Run(pugi::xml_node root)
 {
     const std::string rootName = root.name();
     if (rootName == "score-timewise") {
-        error = name_ + ": a timewise MusicXML score (<score-timewise>); only partwise scores are read. Export it from "
-                        "your notation program as partwise MusicXML (the usual kind).";
-        return false;
+        return toolbox::Status::Failure(
+            name_ + ": a timewise MusicXML score (<score-timewise>); only partwise scores are read. Export it from "
+                    "your notation program as partwise MusicXML (the usual kind).");
     }
     if (rootName != "score-partwise") {
-        error = name_ + ": not a MusicXML score: its root element is <" + rootName + ">, not <score-partwise>";
-        return false;
+        return toolbox::Status::Failure(name_ + ": not a MusicXML score: its root element is <" + rootName +
+                                        ">, not <score-partwise>");
     }
     if (!root.child("part-list")) {
-        error = name_ + ": not a complete MusicXML score: it has no <part-list>";
-        return false;
+        return toolbox::Status::Failure(name_ + ": not a complete MusicXML score: it has no <part-list>");
     }
     ReadPartList(root.child("part-list"));
     std::vector<PartBuild> builds;
@@ -511,15 +511,14 @@ bool Reader::Run(pugi::xml_node root, std::string& error)
         builds.push_back(std::move(build));
     }
     if (builds.empty()) {
-        error = name_ + ": a MusicXML score without parts (no <part> element)";
-        return false;
+        return toolbox::Status::Failure(name_ + ": a MusicXML score without parts (no <part> element)");
     }
     if (measures.empty()) {
-        error = name_ + ": a MusicXML score without measures (its first part has no <measure>)";
-        return false;
+        return toolbox::Status::Failure(name_ +
+                                        ": a MusicXML score without measures (its first part has no <measure>)");
     }
     BuildDocument(builds);
-    return true;
+    return toolbox::Status::Ok();
 }
 
 void Reader::BuildDocument(std::vector<PartBuild>& builds)
@@ -619,25 +618,29 @@ void Reader::BuildDocument(std::vector<PartBuild>& builds)
     }
 }
 
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error)
+toolbox::Result<std::string> ReadWholeFile(const std::string& path)
 {
     if (path == "-") {
         std::ostringstream buffer;
         buffer << std::cin.rdbuf();
-        bytes = buffer.str();
-        return true;
+        return buffer.str();
     }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        error = path + ": cannot open: " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot open: " + std::strerror(errno),
+                                        errno == ENOENT ? toolbox::kFileNotFound : toolbox::kIOErr);
+    }
+    std::string bytes;
+    std::error_code sizeUnknown;
+    const std::uintmax_t size = std::filesystem::file_size(path, sizeUnknown);
+    if (!sizeUnknown) {
+        bytes.reserve(static_cast<size_t>(size));
     }
     bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     if (in.bad()) {
-        error = path + ": cannot read: " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot read: " + std::strerror(errno), toolbox::kIOErr);
     }
-    return true;
+    return bytes;
 }
 
 }   // namespace
@@ -652,37 +655,44 @@ ScoreFile::~ScoreFile() = default;
 ScoreFile::ScoreFile(ScoreFile&&) noexcept = default;
 ScoreFile& ScoreFile::operator=(ScoreFile&&) noexcept = default;
 
-std::optional<ScoreFile> ScoreFile::Read(const std::string& path, std::string& error)
+toolbox::Result<ScoreFile> ScoreFile::Read(const std::string& path)
 {
-    std::string bytes;
-    if (!ReadWholeFile(path, bytes, error)) {
-        return std::nullopt;
+    toolbox::Result<std::string> bytes = ReadWholeFile(path);
+    if (!bytes) {
+        return bytes.status();
     }
-    return FromBytes(std::move(bytes), path == "-" ? "standard input" : path, error);
+    return FromBytes(std::move(*bytes), path == "-" ? "standard input" : path);
 }
 
-std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::string& name, std::string& error)
+toolbox::Result<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::string& name)
 {
     ScoreFile score;
     score.name_ = name;
     score.impl_ = std::make_unique<Impl>();
     Impl& impl = *score.impl_;
+    // The file's bytes are kept once: as the text when they are it, apart only for an archive
+    // or UTF-16.
     std::string scoreBytes;
     if (LooksLikeArchive(bytes)) {
         score.container_ = Container::Compressed;
-        if (!ReadArchiveScore(bytes, impl.rootPath, scoreBytes, error)) {
-            error = name + ": " + error;
-            return std::nullopt;
+        toolbox::Result<ArchiveScore> archived = ReadArchiveScore(bytes);
+        if (!archived) {
+            return archived.status().Within(name);
         }
+        impl.rootPath = std::move(archived->rootPath);
+        scoreBytes = std::move(archived->score);
+        impl.original = std::move(bytes);
     } else {
-        scoreBytes = bytes;
+        scoreBytes = std::move(bytes);
     }
-    impl.original = std::move(bytes);
     impl.encoding = DetectEncoding(scoreBytes);
     if (impl.encoding != TextEncoding::Utf8) {
         if (!Utf16ToUtf8(scoreBytes, impl.encoding, impl.text)) {
-            error = name + ": broken UTF-16 text (the file starts with a UTF-16 byte-order mark)";
-            return std::nullopt;
+            return toolbox::Status::Failure(name +
+                                            ": broken UTF-16 text (the file starts with a UTF-16 byte-order mark)");
+        }
+        if (score.container_ == Container::Plain) {
+            impl.original = std::move(scoreBytes);
         }
     } else {
         impl.text = std::move(scoreBytes);
@@ -691,8 +701,7 @@ std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::stri
         }
     }
     if (impl.text.find_first_not_of(" \t\r\n", impl.textOffset) == std::string::npos) {
-        error = name + ": an empty file, not a MusicXML score";
-        return std::nullopt;
+        return toolbox::Status::Failure(name + ": an empty file, not a MusicXML score");
     }
 
     pugi::xml_document xml;
@@ -700,19 +709,18 @@ std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::stri
         xml.load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset, pugi::parse_default,
                         pugi::encoding_utf8);
     if (!parsed && score.container_ == Container::Plain && ContainerForPath(name) == Container::Compressed) {
-        error = name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text";
-        return std::nullopt;
+        return toolbox::Status::Failure(
+            name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text");
     }
     if (!parsed) {
-        error = name + ": not well-formed XML at line " +
-                LineColumn(impl.text, impl.textOffset + static_cast<size_t>(parsed.offset)) + ": " +
-                parsed.description();
-        return std::nullopt;
+        return toolbox::Status::Failure(name + ": not well-formed XML at line " +
+                                        LineColumn(impl.text, impl.textOffset + static_cast<size_t>(parsed.offset)) +
+                                        ": " + parsed.description());
     }
     impl.lineEnd = LineEndOf(impl.text);
     Reader reader(impl, name);
-    if (!reader.Run(xml.document_element(), error)) {
-        return std::nullopt;
+    if (toolbox::Status read = reader.Run(xml.document_element()); !read) {
+        return read;
     }
     for (pugi::xpath_node node : xml.select_nodes("//*[@id]")) {
         impl.ids.insert(node.node().attribute("id").as_string());
