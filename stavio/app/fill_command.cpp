@@ -97,6 +97,7 @@ void RunMoreFills(const FillOptions& options, int32_t staves, Invoke invoke)
 struct FillReport {
     GrooveLibrary library;
     std::optional<MeasureRange> selection;
+    std::vector<std::string> scoreNumbers;   // a score's own measure numbers, by position
     int32_t result = 0;
     std::vector<AlertRecord> alerts;
     std::vector<DialogOutcome> dialogs;
@@ -111,8 +112,8 @@ void WriteTextReport(std::ostream& out, const FillReport& report)
     }
     out << "\n";
     if (report.selection) {
-        out << "Selection: measures " << report.selection->first << "-" << report.selection->last
-            << " of every staff\n";
+        out << "Selection: measures " << MeasureName(report.scoreNumbers, report.selection->first) << "-"
+            << MeasureName(report.scoreNumbers, report.selection->last) << " of every staff\n";
     } else {
         out << "Selection: nothing selected\n";
     }
@@ -144,7 +145,10 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         << (report.library.filledFrom.empty() ? "null" : JsonString(report.library.filledFrom));
     out << ",\"selection\":";
     if (report.selection) {
-        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last << "}";
+        // first/last count the score's measures from 1; the numbers are the score's own.
+        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last
+            << ",\"firstNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->first))
+            << ",\"lastNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->last)) << "}";
     } else {
         out << "null";
     }
@@ -169,7 +173,7 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         out << "]}";
     }
     out << "],\"staves\":";
-    PrintStaffChanges(out, before, after, measures, ReportFormat::Json);
+    PrintStaffChanges(out, before, after, measures, ReportFormat::Json, report.scoreNumbers);
     out << ",\"message\":" << (report.message.empty() ? "null" : JsonString(report.message)) << "}\n";
 }
 
@@ -199,6 +203,11 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
 
     FillReport report;
     report.selection = options.measures;
+    if (scoreFill) {
+        for (const musicxml::MeasureInfo& measure : scoreFill->score.Measures()) {
+            report.scoreNumbers.push_back(measure.number);
+        }
+    }
     toolbox::Result<GrooveLibrary> library = ResolveGrooveLibrary(options.library, BundledLibraryFolder());
     if (!library) {
         err << "tamberlyne: " << library.Message() << "\n";
@@ -255,8 +264,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);
     RunMoreFills(options, staves, [&](const FillOptions& step, const EREGION& region) {
-        const toolbox::Result<DialogScript> stepScript =
-            GrooveDialogScript(step, host.Plugins()[plugin].resourcePath);
+        const toolbox::Result<DialogScript> stepScript = GrooveDialogScript(step, host.Plugins()[plugin].resourcePath);
         if (!stepScript) {
             return report.result = 0;
         }
@@ -282,7 +290,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         WriteJsonReport(out, report, before, host.document(), measures);
     } else {
         WriteTextReport(out, report);
-        PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
+        PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text, report.scoreNumbers);
     }
     if (report.result != 1) {
         err << "tamberlyne: nothing was filled: " << report.message << "\n";
