@@ -160,6 +160,7 @@ private:
     const Document& after_;
     std::vector<Splice> splices_;
     std::set<std::string> ids_;
+    std::set<std::string> staffNames_;   // every staff's name, so that a new part's name is its own
 };
 
 std::string Writer::InstrumentsText(const std::string& partId, const std::set<int>& keys,
@@ -502,6 +503,13 @@ void Writer::WriteNewPart(int32_t inst, int number)
     if (name.empty()) {
         name = "Drums";
     }
+    // A second staff of the same name is numbered, as a notation program numbers a second
+    // instrument of a kind ("Drums 2"), so that --staff can still tell the staves apart.
+    const std::string base = name;
+    for (int count = 2; staffNames_.count(name) != 0; ++count) {
+        name = base + " " + std::to_string(count);
+    }
+    staffNames_.insert(name);
 
     const auto measures = static_cast<int32_t>(score_.Measures().size());
     std::set<int> keys;
@@ -580,6 +588,9 @@ void Writer::WriteNewPart(int32_t inst, int number)
 toolbox::Status Writer::Collect()
 {
     ids_ = impl_.ids;
+    for (const StaffInfo& staff : score_.Staves()) {
+        staffNames_.insert(staff.name);
+    }
     for (const StaffInfo& staff : score_.Staves()) {
         if (toolbox::Status written = WriteStaff(staff); !written) {
             return written;

@@ -323,6 +323,7 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
     ASSERT_TRUE(filled) << filled.Message();
     ASSERT_EQ(filled->Staves().size(), 3U);
     EXPECT_TRUE(filled->Staves()[2].drum);
+    EXPECT_EQ(filled->Staves()[2].name, "Drums 2");   // the score has a "Drums": --staff still tells them apart
     EXPECT_EQ(KeysOf(filled->document(), 3, 3), (std::set<int>{36, 38, 42}));
     EXPECT_TRUE(KeysOf(filled->document(), 3, 4).empty());
     const std::string newText = ReadFile(folder / "new.musicxml");
