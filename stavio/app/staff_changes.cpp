@@ -185,7 +185,8 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
         } else {
             WriteText(out, slot, was, *now, measures, scoreNumbers);
             if (!was || !(*was == *now)) {   // the staff's notes as a drum grid
-                std::istringstream grid(views::RenderDrumGrid(after, inst, measures.start.meas, measures.end.meas));
+                std::istringstream grid(
+                    views::RenderDrumGrid(after, inst, measures.start.meas, measures.end.meas, scoreNumbers));
                 for (std::string line; std::getline(grid, line);) {
                     out << "  " << line << "\n";
                 }

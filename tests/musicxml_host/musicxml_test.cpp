@@ -309,7 +309,7 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
     ASSERT_EQ(run.status, 0) << run.err;
     // The report names the measures as the score numbers them (positions 2-3 here, after the pickup).
     ExpectHas(run.out, {"Wrote " + (folder / "song.drums.musicxml"), "Selection: measures 1-2 of every staff",
-                        "notes and rests in measures 1-2"});
+                        "notes and rests in measures 1-2", "Measure        |1               |2               |"});
     EXPECT_TRUE(ReadFile(score) == ReadFile(ScorePath("two_parts.musicxml")));
     toolbox::Result<ScoreFile> filled = ScoreFile::Read(folder / "song.drums.musicxml");
     ASSERT_TRUE(filled) << filled.Message();
