@@ -259,7 +259,13 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     }
     scripted.SetDialogScript(*script);
 
-    const Document before = host.document();
+    // What the score was before the plug-in ran: a score's own document is that already, so a
+    // big score is not held once more.
+    std::optional<Document> demoBefore;
+    if (!scoreFill) {
+        demoBefore = host.document();
+    }
+    const Document& before = scoreFill ? scoreFill->score.document() : *demoBefore;
     const int32_t staves = before.StaffCount(kMainInstrumentList);
     EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);

@@ -139,7 +139,14 @@ class Reader {
 public:
     Reader(ScoreFile::Impl& impl, const std::string& name) : impl_(impl), name_(name) {}
 
+    // Reads the parts and measures from the parsed score; Build() then makes the host document,
+    // so that the parsed tree can be let go first.
     toolbox::Status Run(pugi::xml_node root);
+    void Build()
+    {
+        BuildDocument(builds_);
+        builds_.clear();
+    }
 
     std::vector<PartInfo> parts;
     std::vector<StaffInfo> staves;
@@ -160,6 +167,7 @@ private:
     std::vector<std::string> partOrder_;
     const PercussionMap kit_ = GeneralMidiKit();
     const PartListEntry* currentEntry_ = nullptr;
+    std::vector<PartBuild> builds_;
 };
 
 void Reader::ReadPartList(pugi::xml_node list)
@@ -483,7 +491,7 @@ toolbox::Status Reader::Run(pugi::xml_node root)
         return toolbox::Status::Failure(name_ + ": not a complete MusicXML score: it has no <part-list>");
     }
     ReadPartList(root.child("part-list"));
-    std::vector<PartBuild> builds;
+    std::vector<PartBuild>& builds = builds_;
     for (pugi::xml_node part : root.children("part")) {
         PartIndex index;
         index.id = part.attribute("id").as_string();
@@ -517,7 +525,6 @@ toolbox::Status Reader::Run(pugi::xml_node root)
         return toolbox::Status::Failure(name_ +
                                         ": a MusicXML score without measures (its first part has no <measure>)");
     }
-    BuildDocument(builds);
     return toolbox::Status::Ok();
 }
 
@@ -704,10 +711,13 @@ toolbox::Result<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::st
         return toolbox::Status::Failure(name + ": an empty file, not a MusicXML score");
     }
 
-    pugi::xml_document xml;
+    // The parsed tree is the largest thing the host holds for a big score (several times the
+    // text): an element's text is kept in the element rather than in a node of its own, and the
+    // tree is let go before the host document is built.
+    auto xml = std::make_unique<pugi::xml_document>();
     const pugi::xml_parse_result parsed =
-        xml.load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset, pugi::parse_default,
-                        pugi::encoding_utf8);
+        xml->load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset,
+                         pugi::parse_default | pugi::parse_embed_pcdata, pugi::encoding_utf8);
     if (!parsed && score.container_ == Container::Plain && ContainerForPath(name) == Container::Compressed) {
         return toolbox::Status::Failure(
             name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text");
@@ -719,12 +729,14 @@ toolbox::Result<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::st
     }
     impl.lineEnd = LineEndOf(impl.text);
     Reader reader(impl, name);
-    if (toolbox::Status read = reader.Run(xml.document_element()); !read) {
+    if (toolbox::Status read = reader.Run(xml->document_element()); !read) {
         return read;
     }
-    for (pugi::xpath_node node : xml.select_nodes("//*[@id]")) {
+    for (pugi::xpath_node node : xml->select_nodes("//*[@id]")) {
         impl.ids.insert(node.node().attribute("id").as_string());
     }
+    xml.reset();
+    reader.Build();
     if (!impl.parts.empty() && !impl.parts[0].measures.empty()) {
         // The indentation step: how much deeper a measure sits than its part.
         const std::string partIndent = IndentBefore(impl.text, impl.parts[0].range.begin);
