@@ -145,10 +145,13 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         << (report.library.filledFrom.empty() ? "null" : JsonString(report.library.filledFrom));
     out << ",\"selection\":";
     if (report.selection) {
-        // first/last count the score's measures from 1; the numbers are the score's own.
-        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last
-            << ",\"firstNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->first))
-            << ",\"lastNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->last)) << "}";
+        // first/last count the document's measures from 1; a score adds its own numbers for them.
+        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last;
+        if (!report.scoreNumbers.empty()) {
+            out << ",\"firstNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->first))
+                << ",\"lastNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->last));
+        }
+        out << "}";
     } else {
         out << "null";
     }
