@@ -280,6 +280,9 @@ TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
     ASSERT_TRUE(withoutScore);
     for (const auto& [bytes, complaint] : std::vector<std::pair<std::string, std::string>>{
              {"<score-partwise>\n  <part-list>\n</score-partwise>", "not well-formed XML at line 3:"},
+             // A part is parsed on its own: its fault is still told at its place in the file.
+             {"<score-partwise>\n<part-list/>\n<part id=\"P1\">\n<measure>\n<note></measure></part>\n</score-partwise>",
+              "not well-formed XML at line 5:9: Start-end tags mismatch"},
              {"<score-timewise version=\"4.0\"/>", "a timewise MusicXML score"},
              {"<html><body/></html>", "not a MusicXML score: its root element is <html>"},
              {"", "an empty file"},
