@@ -5,7 +5,6 @@
 // without a change gives the input's bytes back.
 #include <cstdint>
 #include <cstdlib>
-#include <optional>
 #include <string>
 
 #include "stavio/musicxml/score_file.h"
@@ -22,10 +21,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     using stavio::musicxml::Container;
     using stavio::musicxml::ScoreFile;
     const std::string bytes(reinterpret_cast<const char*>(data), size);
-    std::string error;
-    std::optional<ScoreFile> score = ScoreFile::FromBytes(bytes, "fuzz.musicxml", error);
+    toolbox::Result<ScoreFile> score = ScoreFile::FromBytes(bytes, "fuzz.musicxml");
     if (!score) {
-        Expect(error.rfind("fuzz.musicxml: ", 0) == 0);
+        Expect(score.Message().rfind("fuzz.musicxml: ", 0) == 0);
         return 0;
     }
     size_t staves = 0;
@@ -37,8 +35,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     for (const auto& staff : score->Staves()) Expect(staff.part < score->Parts().size());
     for (size_t measure = 0; measure < score->Measures().size(); ++measure)
         Expect(!score->MeasuresNumbered(score->Measures()[measure].number).empty());
-    std::string written;
-    Expect(score->Write(score->document(), Container::Same, written, error));
-    Expect(written == bytes);
+    const toolbox::Result<std::string> written = score->Write(score->document(), Container::Same);
+    Expect(written && *written == bytes);
     return 0;
 }

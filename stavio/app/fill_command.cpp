@@ -182,6 +182,7 @@ void RunMoreFills(const FillOptions& options, int32_t staves, Invoke invoke)
 struct FillReport {
     GrooveLibrary library;
     std::optional<MeasureRange> selection;
+    std::vector<std::string> scoreNumbers;   // a score's own measure numbers, by position
     int32_t result = 0;
     std::vector<AlertRecord> alerts;
     std::vector<DialogOutcome> dialogs;
@@ -197,8 +198,8 @@ void WriteTextReport(std::ostream& out, const FillReport& report)
     }
     out << "\n";
     if (report.selection) {
-        out << "Selection: measures " << report.selection->first << "-" << report.selection->last
-            << " of every staff\n";
+        out << "Selection: measures " << MeasureName(report.scoreNumbers, report.selection->first) << "-"
+            << MeasureName(report.scoreNumbers, report.selection->last) << " of every staff\n";
     } else {
         out << "Selection: nothing selected\n";
     }
@@ -229,7 +230,13 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         << (report.library.filledFrom.empty() ? "null" : JsonString(report.library.filledFrom));
     out << ",\"selection\":";
     if (report.selection) {
-        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last << "}";
+        // first/last count the document's measures from 1; a score adds its own numbers for them.
+        out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last;
+        if (!report.scoreNumbers.empty()) {
+            out << ",\"firstNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->first))
+                << ",\"lastNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->last));
+        }
+        out << "}";
     } else {
         out << "null";
     }
@@ -254,7 +261,7 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         out << "]}";
     }
     out << "],\"staves\":";
-    PrintStaffChanges(out, before, after, measures, ReportFormat::Json);
+    PrintStaffChanges(out, before, after, measures, ReportFormat::Json, report.scoreNumbers);
     out << ",\"message\":" << (report.message.empty() ? "null" : JsonString(report.message)) << "}\n";
 }
 
@@ -284,6 +291,11 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
 
     FillReport report;
     report.selection = options.measures;
+    if (scoreFill) {
+        for (const musicxml::MeasureInfo& measure : scoreFill->score.Measures()) {
+            report.scoreNumbers.push_back(measure.number);
+        }
+    }
     toolbox::Result<GrooveLibrary> library = ResolveGrooveLibrary(options.library, BundledLibraryFolder());
     if (!library) {
         err << "tamberlyne: " << library.Message() << "\n";
@@ -335,13 +347,18 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     }
     scripted.SetDialogScript(*script);
 
-    const Document before = host.document();
+    // What the score was before the plug-in ran: a score's own document is that already, so a
+    // big score is not held once more.
+    std::optional<Document> demoBefore;
+    if (!scoreFill) {
+        demoBefore = host.document();
+    }
+    const Document& before = scoreFill ? scoreFill->score.document() : *demoBefore;
     const int32_t staves = before.StaffCount(kMainInstrumentList);
     EREGION selection = options.measures ? SelectionRegion(*options.measures, staves) : EREGION{};
     report.result = host.Invoke(plugin, options.measures ? &selection : nullptr);
     RunMoreFills(options, staves, [&](const FillOptions& step, const EREGION& region) {
-        const toolbox::Result<DialogScript> stepScript =
-            GrooveDialogScript(step, host.Plugins()[plugin].resourcePath);
+        const toolbox::Result<DialogScript> stepScript = GrooveDialogScript(step, host.Plugins()[plugin].resourcePath);
         if (!stepScript) {
             return report.result = 0;
         }
@@ -374,7 +391,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     } else {
         WriteTextReport(out, report);
         if (report.message.empty()) {
-            PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text);
+            PrintStaffChanges(out, before, host.document(), measures, ReportFormat::Text, report.scoreNumbers);
         }
     }
     if (!report.message.empty()) {

@@ -96,10 +96,9 @@ int RunInfoCommand(const CommandLine& line, std::ostream& out, std::ostream& err
             << InfoUsageText();
         return kExitUsage;
     }
-    std::string error;
-    const std::optional<musicxml::ScoreFile> score = musicxml::ScoreFile::Read(path, error);
+    const toolbox::Result<musicxml::ScoreFile> score = musicxml::ScoreFile::Read(path);
     if (!score) {
-        err << "tamberlyne: " << error << "\n";
+        err << "tamberlyne: " << score.Message() << "\n";
         return kExitFailure;
     }
     if (json) {
@@ -141,18 +140,17 @@ int RunConvertCommand(const CommandLine& line, std::ostream& /*out*/, std::ostre
         err << "tamberlyne: " << output << " exists; use --force to replace it\n";
         return kExitFailure;
     }
-    std::string error;
-    const std::optional<musicxml::ScoreFile> score = musicxml::ScoreFile::Read(input, error);
+    const toolbox::Result<musicxml::ScoreFile> score = musicxml::ScoreFile::Read(input);
     if (!score) {
-        err << "tamberlyne: " << error << "\n";
+        err << "tamberlyne: " << score.Message() << "\n";
         return kExitFailure;
     }
-    std::string bytes;
     const musicxml::Container container =
         output == "-" ? musicxml::Container::Same : musicxml::ContainerForPath(output);
-    if (!score->Write(score->document(), container, bytes, error) ||
-        !musicxml::WriteFileAtomically(output, bytes, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const toolbox::Result<std::string> bytes = score->Write(score->document(), container);
+    const toolbox::Status written = bytes ? musicxml::WriteFileAtomically(output, *bytes) : bytes.status();
+    if (!written) {
+        err << "tamberlyne: " << written.Message() << "\n";
         return kExitFailure;
     }
     return kExitOk;

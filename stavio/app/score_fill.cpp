@@ -16,33 +16,30 @@ std::string NumberList(const musicxml::ScoreFile& score)
     return measures.front().number + " to " + measures.back().number;
 }
 
-// One measure number of the score as a document measure; 0 and a message when there is none or
-// the number is not unique.
-int32_t ResolveMeasure(const musicxml::ScoreFile& score, const std::string& number, std::string& error)
+// One measure number of the score as a document measure; a failure when there is none or the
+// number is not unique.
+toolbox::Result<int32_t> ResolveMeasure(const musicxml::ScoreFile& score, const std::string& number)
 {
     const std::vector<int32_t> found = score.MeasuresNumbered(number);
     if (found.empty()) {
-        error = score.Name() + " has no measure numbered " + number + " (its measures are numbered " +
-                NumberList(score) + ")";
-        return 0;
+        return toolbox::Status::Failure(score.Name() + " has no measure numbered " + number +
+                                        " (its measures are numbered " + NumberList(score) + ")");
     }
     if (found.size() > 1) {
-        error = score.Name() + " numbers " + std::to_string(found.size()) + " measures " + number + " (at positions " +
-                std::to_string(found[0]) + " and " + std::to_string(found[1]) +
-                ", counting from 1), so --measures cannot tell which one you mean";
-        return 0;
+        return toolbox::Status::Failure(score.Name() + " numbers " + std::to_string(found.size()) + " measures " +
+                                        number + " (at positions " + std::to_string(found[0]) + " and " +
+                                        std::to_string(found[1]) +
+                                        ", counting from 1), so --measures cannot tell which one you mean");
     }
     return found[0];
 }
 
-bool ResolveMeasures(const musicxml::ScoreFile& score, const std::string& text, MeasureRange& range, std::string& error)
+toolbox::Result<MeasureRange> ResolveMeasures(const musicxml::ScoreFile& score, const std::string& text)
 {
     // "5-12", "7" or "0-4"; a number that itself holds a dash ("12-a") is tried whole first.
-    std::string lastError;
-    if (int32_t single = score.MeasuresNumbered(text).size() == 1 ? ResolveMeasure(score, text, error) : 0;
-        single > 0) {
-        range = MeasureRange{single, single};
-        return true;
+    if (score.MeasuresNumbered(text).size() == 1) {
+        const int32_t single = score.MeasuresNumbered(text).front();
+        return MeasureRange{single, single};
     }
     for (size_t dash = text.find('-'); dash != std::string::npos; dash = text.find('-', dash + 1)) {
         const std::string first = text.substr(0, dash);
@@ -50,29 +47,28 @@ bool ResolveMeasures(const musicxml::ScoreFile& score, const std::string& text, 
         if (score.MeasuresNumbered(first).empty() && score.MeasuresNumbered(last).empty()) {
             continue;
         }
-        const int32_t from = ResolveMeasure(score, first, error);
-        const int32_t to = from > 0 ? ResolveMeasure(score, last, error) : 0;
-        if (from == 0 || to == 0) {
-            return false;
+        const toolbox::Result<int32_t> from = ResolveMeasure(score, first);
+        if (!from) {
+            return from.status();
         }
-        if (to < from) {
-            error =
-                "--measures " + text + ": in " + score.Name() + " measure " + last + " comes before measure " + first;
-            return false;
+        const toolbox::Result<int32_t> to = ResolveMeasure(score, last);
+        if (!to) {
+            return to.status();
         }
-        range = MeasureRange{from, to};
-        return true;
+        if (*to < *from) {
+            return toolbox::Status::Failure("--measures " + text + ": in " + score.Name() + " measure " + last +
+                                            " comes before measure " + first);
+        }
+        return MeasureRange{*from, *to};
     }
     if (text.find('-') == std::string::npos) {
-        ResolveMeasure(score, text, error);
-    } else {
-        error = "--measures " + text + ": " + score.Name() + " has no such measures (its measures are numbered " +
-                NumberList(score) + ")";
+        return ResolveMeasure(score, text).status();
     }
-    return false;
+    return toolbox::Status::Failure("--measures " + text + ": " + score.Name() +
+                                    " has no such measures (its measures are numbered " + NumberList(score) + ")");
 }
 
-bool CheckStaff(const musicxml::ScoreFile& score, const std::string& staff, std::string& error)
+toolbox::Status CheckStaff(const musicxml::ScoreFile& score, const std::string& staff)
 {
     const auto& staves = score.Staves();
     std::string names;
@@ -86,22 +82,20 @@ bool CheckStaff(const musicxml::ScoreFile& score, const std::string& staff, std:
     if (number) {
         const int value = std::stoi(staff);
         if (value < 1 || value > static_cast<int>(staves.size())) {
-            error = score.Name() + " has " + std::to_string(staves.size()) + " staves; --staff " + staff +
-                    " is not one of them";
-            return false;
+            return toolbox::Status::Failure(score.Name() + " has " + std::to_string(staves.size()) +
+                                            " staves; --staff " + staff + " is not one of them");
         }
-        return true;
+        return toolbox::Status::Ok();
     }
     if (matches == 0) {
-        error = score.Name() + " has no staff named \"" + staff + "\" (its staves: " + names + ")";
-        return false;
+        return toolbox::Status::Failure(score.Name() + " has no staff named \"" + staff + "\" (its staves: " + names +
+                                        ")");
     }
     if (matches > 1) {
-        error = score.Name() + " has " + std::to_string(matches) + " staves named \"" + staff +
-                "\"; give the staff's number instead (tamberlyne info lists them)";
-        return false;
+        return toolbox::Status::Failure(score.Name() + " has " + std::to_string(matches) + " staves named \"" + staff +
+                                        "\"; give the staff's number instead (tamberlyne info lists them)");
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 std::string DefaultOutput(const std::string& input)
@@ -139,31 +133,34 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
         return kExitFailure;
     }
 
-    std::string error;
-    std::optional<musicxml::ScoreFile> score =
-        input.empty() ? musicxml::ScoreFile::FromBytes(DemoScoreText(), "the demo score", error)
-                      : musicxml::ScoreFile::Read(input, error);
+    toolbox::Result<musicxml::ScoreFile> score = input.empty()
+                                                     ? musicxml::ScoreFile::FromBytes(DemoScoreText(), "the demo score")
+                                                     : musicxml::ScoreFile::Read(input);
     if (!score) {
-        err << "tamberlyne: " << error << "\n";
+        err << "tamberlyne: " << score.Message() << "\n";
         return kExitFailure;
     }
     if (options.measuresText) {
-        MeasureRange range;
-        if (!ResolveMeasures(*score, *options.measuresText, range, error)) {
-            err << "tamberlyne: " << error << "\n";
+        const toolbox::Result<MeasureRange> range = ResolveMeasures(*score, *options.measuresText);
+        if (!range) {
+            err << "tamberlyne: " << range.Message() << "\n";
             return kExitUsage;
         }
-        options.measures = range;
+        options.measures = *range;
         for (FillStep& step : options.moreFills) {
-            if (!ResolveMeasures(*score, step.measuresText, step.measures, error)) {
-                err << "tamberlyne: " << error << "\n";
+            const toolbox::Result<MeasureRange> stepRange = ResolveMeasures(*score, step.measuresText);
+            if (!stepRange) {
+                err << "tamberlyne: " << stepRange.Message() << "\n";
                 return kExitUsage;
             }
+            step.measures = *stepRange;
         }
     }
-    if (options.staff && !CheckStaff(*score, *options.staff, error)) {
-        err << "tamberlyne: " << error << "\n";
-        return kExitUsage;
+    if (options.staff) {
+        if (const toolbox::Status staff = CheckStaff(*score, *options.staff); !staff) {
+            err << "tamberlyne: " << staff.Message() << "\n";
+            return kExitUsage;
+        }
     }
     fill = ScoreFill{std::move(*score), output, options.json};
     return kExitOk;
@@ -171,12 +168,11 @@ int PrepareScoreFill(FillOptions& options, std::optional<ScoreFill>& fill, std::
 
 int FinishScoreFill(const ScoreFill& fill, const Document& after, std::ostream& report, std::ostream& err)
 {
-    std::string bytes;
-    std::string error;
     const musicxml::Container container =
         fill.output.empty() || fill.output == "-" ? musicxml::Container::Same : musicxml::ContainerForPath(fill.output);
-    if (!fill.score.Write(after, container, bytes, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const toolbox::Result<std::string> bytes = fill.score.Write(after, container);
+    if (!bytes) {
+        err << "tamberlyne: " << bytes.Message() << "\n";
         return kExitFailure;
     }
     std::ostream& tell = fill.json ? err : report;
@@ -184,8 +180,8 @@ int FinishScoreFill(const ScoreFill& fill, const Document& after, std::ostream& 
         tell << (fill.json ? "tamberlyne: dry run: nothing was written\n" : "Dry run: nothing was written\n");
         return kExitOk;
     }
-    if (!musicxml::WriteFileAtomically(fill.output, bytes, error)) {
-        err << "tamberlyne: " << error << "\n";
+    if (const toolbox::Status written = musicxml::WriteFileAtomically(fill.output, *bytes); !written) {
+        err << "tamberlyne: " << written.Message() << "\n";
         return kExitFailure;
     }
     if (fill.output != "-") {

@@ -82,15 +82,15 @@ std::string ClefText(int16_t clef)
     return std::to_string(clef) + (clef == kPercussionClef ? " (percussion)" : "");
 }
 
-std::string MeasuresText(const EREGION& region)
+std::string MeasuresText(const EREGION& region, const std::vector<std::string>& scoreNumbers)
 {
-    return region.start.meas == region.end.meas
-               ? "measure " + std::to_string(region.start.meas)
-               : "measures " + std::to_string(region.start.meas) + "-" + std::to_string(region.end.meas);
+    return region.start.meas == region.end.meas ? "measure " + MeasureName(scoreNumbers, region.start.meas)
+                                                : "measures " + MeasureName(scoreNumbers, region.start.meas) + "-" +
+                                                      MeasureName(scoreNumbers, region.end.meas);
 }
 
 void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& before, const StaffSummary& after,
-               const EREGION& region)
+               const EREGION& region, const std::vector<std::string>& scoreNumbers)
 {
     const char* state = !before ? "new staff" : (*before == after ? "unchanged" : "changed");
     out << "Staff " << slot << " \"" << after.name << "\" (" << state << ")\n";
@@ -106,11 +106,11 @@ void WriteText(std::ostream& out, int slot, const std::optional<StaffSummary>& b
          before ? std::optional<std::string>(yesNo(before->playsOnChannel10)) : std::nullopt);
     line("drum staff record", yesNo(after.drumStaffRecord),
          before ? std::optional<std::string>(yesNo(before->drumStaffRecord)) : std::nullopt);
-    line(("clef in measure " + std::to_string(region.start.meas)).c_str(), ClefText(after.clef),
+    line(("clef in measure " + MeasureName(scoreNumbers, region.start.meas)).c_str(), ClefText(after.clef),
          before ? std::optional<std::string>(ClefText(before->clef)) : std::nullopt);
     line("staff style assignments", std::to_string(after.styleAssignments),
          before ? std::optional<std::string>(std::to_string(before->styleAssignments)) : std::nullopt);
-    line(("notes and rests in " + MeasuresText(region)).c_str(),
+    line(("notes and rests in " + MeasuresText(region, scoreNumbers)).c_str(),
          std::to_string(after.entries) + " (" + std::to_string(after.notes) + " with notes)",
          before ? std::optional<std::string>(std::to_string(before->entries) + " (" + std::to_string(before->notes) +
                                              " with notes)")
@@ -158,8 +158,14 @@ std::string JsonString(const std::string& text)
     return quoted + "\"";
 }
 
+std::string MeasureName(const std::vector<std::string>& scoreNumbers, int32_t meas)
+{
+    const bool named = meas >= 1 && static_cast<size_t>(meas) <= scoreNumbers.size();
+    return named ? scoreNumbers[static_cast<size_t>(meas - 1)] : std::to_string(meas);
+}
+
 void PrintStaffChanges(std::ostream& out, const Document& before, const Document& after, const EREGION& measures,
-                       ReportFormat format)
+                       ReportFormat format, const std::vector<std::string>& scoreNumbers)
 {
     const int32_t staves = after.StaffCount(kMainInstrumentList);
     if (format == ReportFormat::Json) {
@@ -177,9 +183,10 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
             WriteJson(out, slot, inst, was, *now,
                       views::StaffEntriesJson(after, inst, measures.start.meas, measures.end.meas));
         } else {
-            WriteText(out, slot, was, *now, measures);
+            WriteText(out, slot, was, *now, measures, scoreNumbers);
             if (!was || !(*was == *now)) {   // the staff's notes as a drum grid
-                std::istringstream grid(views::RenderDrumGrid(after, inst, measures.start.meas, measures.end.meas));
+                std::istringstream grid(
+                    views::RenderDrumGrid(after, inst, measures.start.meas, measures.end.meas, scoreNumbers));
                 for (std::string line; std::getline(grid, line);) {
                     out << "  " << line << "\n";
                 }
@@ -191,7 +198,7 @@ void PrintStaffChanges(std::ostream& out, const Document& before, const Document
     } else {
         const int labelsBefore = LabelsInRegion(before, measures);
         const int labelsAfter = LabelsInRegion(after, measures);
-        out << "Playback labels (text expressions) in " << MeasuresText(measures) << ": " << labelsAfter;
+        out << "Playback labels (text expressions) in " << MeasuresText(measures, scoreNumbers) << ": " << labelsAfter;
         if (labelsAfter != labelsBefore) {
             out << " (was " << labelsBefore << ")";
         }

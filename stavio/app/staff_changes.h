@@ -11,6 +11,8 @@
 #include "stavio/document/document.h"
 
 #include <iosfwd>
+#include <string>
+#include <vector>
 
 namespace stavio::app {
 
@@ -19,11 +21,16 @@ enum class ReportFormat {
     Json
 };
 
+// The number a person sees for the document's measure `meas` (1..): the score's own number
+// (`scoreNumbers[meas - 1]`, "0" for a pickup, "12a"), or the position itself when the score
+// gives none (the demo score).
+std::string MeasureName(const std::vector<std::string>& scoreNumbers, int32_t meas);
+
 // Writes the staves of `after` (a staff that is new has no "before"). `measures` is the region
-// the command worked on; only its measure numbers are used. Text: a few lines per staff. Json:
-// one JSON array, one object per staff.
+// the command worked on; only its measure numbers are used, told as `scoreNumbers` names them.
+// Text: a few lines per staff. Json: one JSON array, one object per staff.
 void PrintStaffChanges(std::ostream& out, const Document& before, const Document& after, const EREGION& measures,
-                       ReportFormat format);
+                       ReportFormat format, const std::vector<std::string>& scoreNumbers = {});
 
 // A JSON string literal of `text`.
 std::string JsonString(const std::string& text);

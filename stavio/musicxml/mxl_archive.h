@@ -3,24 +3,33 @@
 // that entry replaced; every other entry is copied as it was stored.
 #pragma once
 
+#include "toolbox/status.h"
+
 #include <string>
 
 namespace stavio::musicxml {
 
+struct ArchiveScore {
+    std::string rootPath;   // the score's entry in the archive
+    std::string score;      // its bytes
+};
+
 // True when the bytes start like a zip archive.
 bool LooksLikeArchive(const std::string& bytes);
 
-// The score entry of an archive: its path inside the archive and its bytes. False and a
-// message (without the file's name) when the archive cannot be read, has no container file, or
-// its root file is missing.
-bool ReadArchiveScore(const std::string& archive, std::string& rootPath, std::string& score, std::string& error);
+// The archive's bytes do not know their file's name: a failure says what is wrong with the
+// archive, and the caller names the file in front of it (Status::Within).
+
+// The score entry of an archive. A failure when the archive cannot be read, has no container
+// file, or its root file is missing.
+toolbox::Result<ArchiveScore> ReadArchiveScore(const std::string& archive);
 
 // `archive` with entry `rootPath` replaced by `score`, other entries kept.
-bool ReplaceArchiveScore(const std::string& archive, const std::string& rootPath, const std::string& score,
-                         std::string& out, std::string& error);
+toolbox::Result<std::string> ReplaceArchiveScore(const std::string& archive, const std::string& rootPath,
+                                                 const std::string& score);
 
 // A new archive: a stored "mimetype" entry first, META-INF/container.xml naming `rootPath`,
 // then the score.
-bool NewArchive(const std::string& rootPath, const std::string& score, std::string& out, std::string& error);
+toolbox::Result<std::string> NewArchive(const std::string& rootPath, const std::string& score);
 
 }   // namespace stavio::musicxml

@@ -8,16 +8,18 @@
 // attributes that differ; every other byte is copied from the input. No change gives the
 // input's bytes back exactly; a `.mxl` keeps its other archive entries.
 //
-//   std::string error;
-//   std::optional<ScoreFile> score = ScoreFile::Read("song.musicxml", error);
+//   toolbox::Result<ScoreFile> score = ScoreFile::Read("song.musicxml");
+//   if (!score) { std::cerr << score.Message() << "\n"; ... }
 //   Document edited = score->document();           // run the plug-in on a copy
 //   ...
-//   std::string bytes;
-//   score->Write(edited, Container::Same, bytes, error);
-//   WriteFileAtomically("song.drums.musicxml", bytes, error);
+//   toolbox::Result<std::string> bytes = score->Write(edited, Container::Same);
+//   toolbox::Status written = bytes ? WriteFileAtomically("song.drums.musicxml", *bytes) : bytes.status();
+//
+// Every failure's message names the file and says what is wrong.
 #pragma once
 
 #include "stavio/document/document.h"
+#include "toolbox/status.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -68,12 +70,12 @@ struct MeasureInfo {
 
 class ScoreFile {
 public:
-    // Reads a score. `path` "-" reads standard input. nullopt, and a message for a person that
-    // names the file, when it cannot be read, is not well-formed XML (line:column), is not a
-    // partwise MusicXML score, or is a `.mxl` without a score.
-    static std::optional<ScoreFile> Read(const std::string& path, std::string& error);
+    // Reads a score. `path` "-" reads standard input. A failure when it cannot be read, is not
+    // well-formed XML (line:column), is not a partwise MusicXML score, or is a `.mxl` without a
+    // score.
+    static toolbox::Result<ScoreFile> Read(const std::string& path);
     // The same from bytes already in memory; `name` is the file's name for messages.
-    static std::optional<ScoreFile> FromBytes(std::string bytes, const std::string& name, std::string& error);
+    static toolbox::Result<ScoreFile> FromBytes(std::string bytes, const std::string& name);
 
     const std::string& Name() const { return name_; }
     Container Stored() const { return container_; }
@@ -88,9 +90,8 @@ public:
     std::vector<int32_t> MeasuresNumbered(const std::string& number) const;
 
     // The whole file after the changes between document() and `edited`, spliced into the
-    // original bytes, in `container` (Same: as read). False and a message when a change cannot
-    // be written.
-    bool Write(const Document& edited, Container container, std::string& bytes, std::string& error) const;
+    // original bytes, in `container` (Same: as read). A failure when a change cannot be written.
+    toolbox::Result<std::string> Write(const Document& edited, Container container) const;
 
     struct Impl;   // the byte ranges and archive entries the writer needs (score_index.h)
     ScoreFile();
@@ -110,6 +111,6 @@ private:
 
 // Writes `bytes` to `path` through a temporary file in the same folder that is renamed over
 // it, so a failure never leaves a half-written file. "-" writes standard output.
-bool WriteFileAtomically(const std::string& path, const std::string& bytes, std::string& error);
+toolbox::Status WriteFileAtomically(const std::string& path, const std::string& bytes);
 
 }   // namespace stavio::musicxml

@@ -38,8 +38,11 @@ struct PartIndex {
 };
 
 struct ScoreFile::Impl {
-    std::string original;    // the file's bytes as read (the archive's, for .mxl)
-    std::string text;        // the score as UTF-8 text
+    // The score is held once: `original` keeps the file's bytes only where they are not `text`
+    // itself (a .mxl archive, a UTF-16 file).
+    std::string original;
+    std::string text;   // the score as UTF-8 text
+    const std::string& OriginalBytes() const { return original.empty() ? text : original; }
     size_t textOffset = 0;   // bytes of a UTF-8 byte-order mark at the start of `text`
     TextEncoding encoding = TextEncoding::Utf8;
     std::string rootPath;   // the score's entry in a .mxl archive

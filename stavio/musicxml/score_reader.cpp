@@ -17,7 +17,9 @@
 #include <cerrno>
 #include <cmath>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
 #include <iterator>
 #include <map>
@@ -134,11 +136,96 @@ std::pair<int16_t, int16_t> HostMeter(const Meter& meter)
     return {static_cast<int16_t>(std::max(meter.beats, 1)), static_cast<int16_t>(std::max(unit, 1))};
 }
 
+// The <part> elements of the score, found by their tags without a parse: their byte ranges.
+// Empty when the text is not laid out plainly enough to find them so (a doctype with an
+// internal subset, markup that does not close); the whole score is then parsed at once.
+std::vector<ByteRange> PartRangesOf(const std::string& text, size_t from)
+{
+    const auto startsWith = [&text](size_t at, const char* prefix) {
+        return text.compare(at, std::strlen(prefix), prefix) == 0;
+    };
+    const auto skip = [&text](size_t at, const char* end) {
+        const size_t found = text.find(end, at);
+        return found == std::string::npos ? found : found + std::strlen(end);
+    };
+    size_t at = from;
+    for (;;) {   // the prolog
+        at = text.find('<', at);
+        if (at == std::string::npos) {
+            return {};
+        }
+        if (startsWith(at, "<?")) {
+            at = skip(at, "?>");
+        } else if (startsWith(at, "<!--")) {
+            at = skip(at, "-->");
+        } else if (startsWith(at, "<!DOCTYPE")) {
+            const size_t end = text.find('>', at);
+            if (end == std::string::npos || text.find('[', at) < end) {
+                return {};
+            }
+            at = end + 1;
+        } else {
+            break;
+        }
+        if (at == std::string::npos) {
+            return {};
+        }
+    }
+    at = StartTagEnd(text, at);   // the root's start tag
+    if (at == std::string::npos || text[at - 2] == '/') {
+        return {};
+    }
+    std::vector<ByteRange> parts;
+    for (;;) {
+        at = text.find('<', at);
+        if (at == std::string::npos) {
+            return {};
+        }
+        if (startsWith(at, "</")) {
+            return parts;
+        }
+        if (startsWith(at, "<?")) {
+            at = skip(at, "?>");
+        } else if (startsWith(at, "<!--")) {
+            at = skip(at, "-->");
+        } else if (startsWith(at, "<!")) {
+            return {};
+        } else {
+            const size_t end = ElementEnd(text, at);
+            if (end == std::string::npos) {
+                return {};
+            }
+            const size_t nameEnd = text.find_first_of(" \t\r\n/>", at + 1);
+            if (text.compare(at + 1, nameEnd - at - 1, "part") == 0) {
+                parts.push_back(ByteRange{at, end});
+            }
+            at = end;
+        }
+        if (at == std::string::npos) {
+            return {};
+        }
+    }
+}
+
 class Reader {
 public:
     Reader(ScoreFile::Impl& impl, const std::string& name) : impl_(impl), name_(name) {}
 
-    bool Run(pugi::xml_node root, std::string& error);
+    // Reads the parts and measures from the parsed score; Build() then makes the host document,
+    // so that the parsed tree can be let go first.
+    // `loadPart` gives the content of a <part> of `root`: the part itself, or the same part
+    // parsed on its own (with the offset in the text its parse starts at).
+    struct PartTree {
+        pugi::xml_node node;
+        size_t base = 0;
+    };
+    using PartLoader = std::function<toolbox::Result<PartTree>(pugi::xml_node part)>;
+    toolbox::Status Run(pugi::xml_node root, const PartLoader& loadPart);
+    void Build()
+    {
+        BuildDocument(builds_);
+        builds_.clear();
+    }
 
     std::vector<PartInfo> parts;
     std::vector<StaffInfo> staves;
@@ -159,6 +246,8 @@ private:
     std::vector<std::string> partOrder_;
     const PercussionMap kit_ = GeneralMidiKit();
     const PartListEntry* currentEntry_ = nullptr;
+    std::vector<PartBuild> builds_;
+    size_t partBase_ = 0;   // where in the text the parse of the part being read starts
 };
 
 void Reader::ReadPartList(pugi::xml_node list)
@@ -361,7 +450,7 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
             build.clefs.resize(meas + 1);
         }
         MeasureIndex measureIndex;
-        measureIndex.range = RangeOf(measure, text, impl_.textOffset);
+        measureIndex.range = RangeOf(measure, text, partBase_);
         measureIndex.contentBegin = StartTagEnd(text, measureIndex.range.begin);
         if (measureIndex.contentBegin == std::string::npos || measureIndex.range.end <= measureIndex.range.begin) {
             measureIndex.contentBegin = measureIndex.range.begin;   // nothing the writer can splice into
@@ -385,7 +474,7 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
             }
             const std::string name = child.name();
             if (leading && (name == "print" || name == "attributes" || name == "barline")) {
-                measureIndex.leadingEnd = RangeOf(child, text, impl_.textOffset).end;
+                measureIndex.leadingEnd = RangeOf(child, text, partBase_).end;
             } else {
                 leading = false;
             }
@@ -466,24 +555,23 @@ void Reader::ReadPart(pugi::xml_node part, PartIndex& index, PartBuild& build, b
     }
 }
 
-bool Reader::Run(pugi::xml_node root, std::string& error)
+toolbox::Status Reader::Run(pugi::xml_node root, const PartLoader& loadPart)
 {
     const std::string rootName = root.name();
     if (rootName == "score-timewise") {
-        error = name_ + ": a timewise MusicXML score (<score-timewise>); only partwise scores are read. Export it from "
-                        "your notation program as partwise MusicXML (the usual kind).";
-        return false;
+        return toolbox::Status::Failure(
+            name_ + ": a timewise MusicXML score (<score-timewise>); only partwise scores are read. Export it from "
+                    "your notation program as partwise MusicXML (the usual kind).");
     }
     if (rootName != "score-partwise") {
-        error = name_ + ": not a MusicXML score: its root element is <" + rootName + ">, not <score-partwise>";
-        return false;
+        return toolbox::Status::Failure(name_ + ": not a MusicXML score: its root element is <" + rootName +
+                                        ">, not <score-partwise>");
     }
     if (!root.child("part-list")) {
-        error = name_ + ": not a complete MusicXML score: it has no <part-list>";
-        return false;
+        return toolbox::Status::Failure(name_ + ": not a complete MusicXML score: it has no <part-list>");
     }
     ReadPartList(root.child("part-list"));
-    std::vector<PartBuild> builds;
+    std::vector<PartBuild>& builds = builds_;
     for (pugi::xml_node part : root.children("part")) {
         PartIndex index;
         index.id = part.attribute("id").as_string();
@@ -502,7 +590,12 @@ bool Reader::Run(pugi::xml_node root, std::string& error)
             build.info.midiProgram = currentEntry_->program;
         }
         build.info.id = index.id;
-        ReadPart(part, index, build, builds.empty());
+        const toolbox::Result<PartTree> tree = loadPart(part);
+        if (!tree) {
+            return tree.status();
+        }
+        partBase_ = tree->base;
+        ReadPart(tree->node, index, build, builds.empty());
         for (auto& measureLayers : build.layers) {
             measureLayers.resize(build.staves.size());
         }
@@ -511,15 +604,13 @@ bool Reader::Run(pugi::xml_node root, std::string& error)
         builds.push_back(std::move(build));
     }
     if (builds.empty()) {
-        error = name_ + ": a MusicXML score without parts (no <part> element)";
-        return false;
+        return toolbox::Status::Failure(name_ + ": a MusicXML score without parts (no <part> element)");
     }
     if (measures.empty()) {
-        error = name_ + ": a MusicXML score without measures (its first part has no <measure>)";
-        return false;
+        return toolbox::Status::Failure(name_ +
+                                        ": a MusicXML score without measures (its first part has no <measure>)");
     }
-    BuildDocument(builds);
-    return true;
+    return toolbox::Status::Ok();
 }
 
 void Reader::BuildDocument(std::vector<PartBuild>& builds)
@@ -619,25 +710,29 @@ void Reader::BuildDocument(std::vector<PartBuild>& builds)
     }
 }
 
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error)
+toolbox::Result<std::string> ReadWholeFile(const std::string& path)
 {
     if (path == "-") {
         std::ostringstream buffer;
         buffer << std::cin.rdbuf();
-        bytes = buffer.str();
-        return true;
+        return buffer.str();
     }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
-        error = path + ": cannot open: " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot open: " + std::strerror(errno),
+                                        errno == ENOENT ? toolbox::kFileNotFound : toolbox::kIOErr);
+    }
+    std::string bytes;
+    std::error_code sizeUnknown;
+    const std::uintmax_t size = std::filesystem::file_size(path, sizeUnknown);
+    if (!sizeUnknown) {
+        bytes.reserve(static_cast<size_t>(size));
     }
     bytes.assign(std::istreambuf_iterator<char>(in), std::istreambuf_iterator<char>());
     if (in.bad()) {
-        error = path + ": cannot read: " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot read: " + std::strerror(errno), toolbox::kIOErr);
     }
-    return true;
+    return bytes;
 }
 
 }   // namespace
@@ -652,37 +747,44 @@ ScoreFile::~ScoreFile() = default;
 ScoreFile::ScoreFile(ScoreFile&&) noexcept = default;
 ScoreFile& ScoreFile::operator=(ScoreFile&&) noexcept = default;
 
-std::optional<ScoreFile> ScoreFile::Read(const std::string& path, std::string& error)
+toolbox::Result<ScoreFile> ScoreFile::Read(const std::string& path)
 {
-    std::string bytes;
-    if (!ReadWholeFile(path, bytes, error)) {
-        return std::nullopt;
+    toolbox::Result<std::string> bytes = ReadWholeFile(path);
+    if (!bytes) {
+        return bytes.status();
     }
-    return FromBytes(std::move(bytes), path == "-" ? "standard input" : path, error);
+    return FromBytes(std::move(*bytes), path == "-" ? "standard input" : path);
 }
 
-std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::string& name, std::string& error)
+toolbox::Result<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::string& name)
 {
     ScoreFile score;
     score.name_ = name;
     score.impl_ = std::make_unique<Impl>();
     Impl& impl = *score.impl_;
+    // The file's bytes are kept once: as the text when they are it, apart only for an archive
+    // or UTF-16.
     std::string scoreBytes;
     if (LooksLikeArchive(bytes)) {
         score.container_ = Container::Compressed;
-        if (!ReadArchiveScore(bytes, impl.rootPath, scoreBytes, error)) {
-            error = name + ": " + error;
-            return std::nullopt;
+        toolbox::Result<ArchiveScore> archived = ReadArchiveScore(bytes);
+        if (!archived) {
+            return archived.status().Within(name);
         }
+        impl.rootPath = std::move(archived->rootPath);
+        scoreBytes = std::move(archived->score);
+        impl.original = std::move(bytes);
     } else {
-        scoreBytes = bytes;
+        scoreBytes = std::move(bytes);
     }
-    impl.original = std::move(bytes);
     impl.encoding = DetectEncoding(scoreBytes);
     if (impl.encoding != TextEncoding::Utf8) {
         if (!Utf16ToUtf8(scoreBytes, impl.encoding, impl.text)) {
-            error = name + ": broken UTF-16 text (the file starts with a UTF-16 byte-order mark)";
-            return std::nullopt;
+            return toolbox::Status::Failure(name +
+                                            ": broken UTF-16 text (the file starts with a UTF-16 byte-order mark)");
+        }
+        if (score.container_ == Container::Plain) {
+            impl.original = std::move(scoreBytes);
         }
     } else {
         impl.text = std::move(scoreBytes);
@@ -691,32 +793,74 @@ std::optional<ScoreFile> ScoreFile::FromBytes(std::string bytes, const std::stri
         }
     }
     if (impl.text.find_first_not_of(" \t\r\n", impl.textOffset) == std::string::npos) {
-        error = name + ": an empty file, not a MusicXML score";
-        return std::nullopt;
+        return toolbox::Status::Failure(name + ": an empty file, not a MusicXML score");
     }
 
-    pugi::xml_document xml;
+    // The parsed tree is the largest thing the host holds for a big score (several times the
+    // text). So a score is parsed as its frame (the text with every part's content blanked out,
+    // at the same offsets) and then one part at a time; an element's text is kept in the element
+    // rather than in a node of its own; and no tree is held while the host document is built.
+    constexpr unsigned kParseOptions = pugi::parse_default | pugi::parse_embed_pcdata;
+    const auto notWellFormed = [&](const pugi::xml_parse_result& parsed, size_t base) {
+        return toolbox::Status::Failure(name + ": not well-formed XML at line " +
+                                        LineColumn(impl.text, base + static_cast<size_t>(parsed.offset)) + ": " +
+                                        parsed.description());
+    };
+    const std::vector<ByteRange> partRanges = PartRangesOf(impl.text, impl.textOffset);
+    std::string frame;
+    if (!partRanges.empty()) {
+        frame = impl.text;
+        for (const ByteRange& part : partRanges) {
+            const size_t contentBegin = StartTagEnd(frame, part.begin);
+            const size_t contentEnd = frame.rfind('<', part.end - 1);
+            if (contentBegin != std::string::npos && frame[contentBegin - 2] != '/' && contentEnd > contentBegin) {
+                std::fill(frame.begin() + static_cast<std::ptrdiff_t>(contentBegin),
+                          frame.begin() + static_cast<std::ptrdiff_t>(contentEnd), ' ');
+            }
+        }
+    }
+    auto xml = std::make_unique<pugi::xml_document>();
     const pugi::xml_parse_result parsed =
-        xml.load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset, pugi::parse_default,
-                        pugi::encoding_utf8);
+        frame.empty() ? xml->load_buffer(impl.text.data() + impl.textOffset, impl.text.size() - impl.textOffset,
+                                         kParseOptions, pugi::encoding_utf8)
+                      : xml->load_buffer_inplace(frame.data() + impl.textOffset, frame.size() - impl.textOffset,
+                                                 kParseOptions, pugi::encoding_utf8);
     if (!parsed && score.container_ == Container::Plain && ContainerForPath(name) == Container::Compressed) {
-        error = name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text";
-        return std::nullopt;
+        return toolbox::Status::Failure(
+            name + ": not a .mxl archive (a .mxl file is a zip archive, and this one is not) nor MusicXML text");
     }
     if (!parsed) {
-        error = name + ": not well-formed XML at line " +
-                LineColumn(impl.text, impl.textOffset + static_cast<size_t>(parsed.offset)) + ": " +
-                parsed.description();
-        return std::nullopt;
+        return notWellFormed(parsed, impl.textOffset);
     }
+    const auto collectIds = [&impl](const pugi::xml_document& tree) {
+        for (pugi::xpath_node node : tree.select_nodes("//*[@id]")) {
+            impl.ids.insert(node.node().attribute("id").as_string());
+        }
+    };
+    pugi::xml_document partXml;
+    const auto loadPart = [&](pugi::xml_node part) -> toolbox::Result<Reader::PartTree> {
+        if (frame.empty()) {
+            return Reader::PartTree{part, impl.textOffset};
+        }
+        const ByteRange range = RangeOf(part, impl.text, impl.textOffset);
+        const pugi::xml_parse_result partParsed = partXml.load_buffer(
+            impl.text.data() + range.begin, range.end - range.begin, kParseOptions, pugi::encoding_utf8);
+        if (!partParsed) {
+            return notWellFormed(partParsed, range.begin);
+        }
+        collectIds(partXml);
+        return Reader::PartTree{partXml.document_element(), range.begin};
+    };
     impl.lineEnd = LineEndOf(impl.text);
     Reader reader(impl, name);
-    if (!reader.Run(xml.document_element(), error)) {
-        return std::nullopt;
+    if (toolbox::Status read = reader.Run(xml->document_element(), loadPart); !read) {
+        return read;
     }
-    for (pugi::xpath_node node : xml.select_nodes("//*[@id]")) {
-        impl.ids.insert(node.node().attribute("id").as_string());
-    }
+    collectIds(*xml);
+    partXml.reset();
+    xml.reset();
+    frame = std::string();
+    reader.Build();
     if (!impl.parts.empty() && !impl.parts[0].measures.empty()) {
         // The indentation step: how much deeper a measure sits than its part.
         const std::string partIndent = IndentBefore(impl.text, impl.parts[0].range.begin);

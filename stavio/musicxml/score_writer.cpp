@@ -119,12 +119,12 @@ public:
         : score_(score), impl_(impl), before_(score.document()), after_(after)
     {}
 
-    bool Collect(std::string& error);
+    toolbox::Status Collect();
     std::string Apply() const;
     bool Empty() const { return splices_.empty(); }
 
 private:
-    bool WriteStaff(const StaffInfo& staff, std::string& error);
+    toolbox::Status WriteStaff(const StaffInfo& staff);
     void WriteNewPart(int32_t inst, int number);
     Splice RewriteMeasure(const MeasureIndex& index, int staff, bool shared, const std::vector<std::string>& lines,
                           const MeasureMusic& music) const;
@@ -158,6 +158,7 @@ private:
     const Document& after_;
     std::vector<Splice> splices_;
     std::set<std::string> ids_;
+    std::set<std::string> staffNames_;   // every staff's name, so that a new part's name is its own
 };
 
 std::string Writer::InstrumentsText(const std::string& partId, const std::set<int>& keys,
@@ -239,7 +240,7 @@ void Writer::WriteInstruments(size_t part, const std::set<int>& keys, std::map<i
     }
 }
 
-bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
+toolbox::Status Writer::WriteStaff(const StaffInfo& staff)
 {
     const int32_t inst = staff.inst;
     const PartIndex& part = impl_.parts[staff.part];
@@ -267,7 +268,7 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
                       LabelsAt(before_, inst, meas) != LabelsAt(after_, inst, meas);
     }
     if (!any && !otherChange) {
-        return true;
+        return toolbox::Status::Ok();
     }
     // In a part with several staves, what the host writes names its staff.
     const bool shared = info.staves > 1;
@@ -344,22 +345,22 @@ bool Writer::WriteStaff(const StaffInfo& staff, std::string& error)
                     insertion += NewChild(index.range.begin, line);
                 }
                 if (index.contentEnd <= index.contentBegin) {
-                    error = score_.Name() + ": measure " + score_.Measures()[static_cast<size_t>(meas - 1)].number +
-                            " of part \"" + info.name + "\" is an empty element the host cannot add to";
-                    return false;
+                    return toolbox::Status::Failure(
+                        score_.Name() + ": measure " + score_.Measures()[static_cast<size_t>(meas - 1)].number +
+                        " of part \"" + info.name + "\" is an empty element the host cannot add to");
                 }
                 splices_.push_back(Splice{index.leadingEnd, index.leadingEnd, insertion});
             }
             continue;
         }
         if (index.contentEnd <= index.contentBegin) {
-            error = score_.Name() + ": measure " + score_.Measures()[static_cast<size_t>(meas - 1)].number +
-                    " of part \"" + info.name + "\" is an empty element the host cannot fill";
-            return false;
+            return toolbox::Status::Failure(score_.Name() + ": measure " +
+                                            score_.Measures()[static_cast<size_t>(meas - 1)].number + " of part \"" +
+                                            info.name + "\" is an empty element the host cannot fill");
         }
         splices_.push_back(RewriteMeasure(index, staff.staffInPart, shared, lines, music));
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 // A rewritten measure: its leading print, attributes and barlines stay as they were, so does
@@ -492,6 +493,13 @@ void Writer::WriteNewPart(int32_t inst, int number)
     if (name.empty()) {
         name = "Drums";
     }
+    // A second staff of the same name is numbered, as a notation program numbers a second
+    // instrument of a kind ("Drums 2"), so that --staff can still tell the staves apart.
+    const std::string base = name;
+    for (int count = 2; staffNames_.count(name) != 0; ++count) {
+        name = base + " " + std::to_string(count);
+    }
+    staffNames_.insert(name);
 
     const auto measures = static_cast<int32_t>(score_.Measures().size());
     std::set<int> keys;
@@ -567,12 +575,15 @@ void Writer::WriteNewPart(int32_t inst, int number)
     splices_.push_back(Splice{lastPart.range.end, lastPart.range.end, part});
 }
 
-bool Writer::Collect(std::string& error)
+toolbox::Status Writer::Collect()
 {
     ids_ = impl_.ids;
     for (const StaffInfo& staff : score_.Staves()) {
-        if (!WriteStaff(staff, error)) {
-            return false;
+        staffNames_.insert(staff.name);
+    }
+    for (const StaffInfo& staff : score_.Staves()) {
+        if (toolbox::Status written = WriteStaff(staff); !written) {
+            return written;
         }
     }
     // Staves the edit added become new parts after the last one, numbered on from the score's.
@@ -581,7 +592,7 @@ bool Writer::Collect(std::string& error)
     for (int32_t inst = known + 1; after_.StaffExists(inst); ++inst) {
         WriteNewPart(inst, ++number);
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 std::string Writer::Apply() const
@@ -606,30 +617,28 @@ std::string Writer::Apply() const
 
 }   // namespace
 
-bool ScoreFile::Write(const Document& edited, Container container, std::string& bytes, std::string& error) const
+toolbox::Result<std::string> ScoreFile::Write(const Document& edited, Container container) const
 {
     const Container target = container == Container::Same ? container_ : container;
     Writer writer(*this, *impl_, edited);
-    if (!writer.Collect(error)) {
-        return false;
+    if (toolbox::Status collected = writer.Collect(); !collected) {
+        return collected;
     }
     if (writer.Empty() && target == container_) {
-        bytes = impl_->original;
-        return true;
+        return impl_->OriginalBytes();
     }
     std::string text = writer.Empty() ? impl_->text : writer.Apply();
     std::string scoreBytes =
         impl_->encoding == TextEncoding::Utf8 ? std::move(text) : Utf8ToUtf16(text, impl_->encoding);
     if (target == Container::Plain) {
-        bytes = std::move(scoreBytes);
-        return true;
+        return scoreBytes;
     }
     if (container_ == Container::Compressed) {
-        if (!ReplaceArchiveScore(impl_->original, impl_->rootPath, scoreBytes, bytes, error)) {
-            error = Name() + ": the .mxl archive could not be written: " + error;
-            return false;
+        toolbox::Result<std::string> archive = ReplaceArchiveScore(impl_->original, impl_->rootPath, scoreBytes);
+        if (!archive) {
+            return archive.status().Within(Name() + ": the .mxl archive could not be written");
         }
-        return true;
+        return archive;
     }
     std::string root = std::filesystem::path(Name()).filename().string();
     if (root.empty() || Name() == "standard input") {
@@ -637,32 +646,41 @@ bool ScoreFile::Write(const Document& edited, Container container, std::string& 
     }
     const size_t dot = root.rfind('.');
     root = (dot == std::string::npos ? root : root.substr(0, dot)) + ".musicxml";
-    if (!NewArchive(root, scoreBytes, bytes, error)) {
-        error = "the .mxl archive could not be made: " + error;
-        return false;
+    toolbox::Result<std::string> archive = NewArchive(root, scoreBytes);
+    if (!archive) {
+        return archive.status().Within(Name() + ": the .mxl archive could not be made");
     }
-    return true;
+    return archive;
 }
 
-bool WriteFileAtomically(const std::string& path, const std::string& bytes, std::string& error)
+toolbox::Status WriteFileAtomically(const std::string& path, const std::string& bytes)
 {
     if (path == "-") {
         std::cout.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         std::cout.flush();
         if (!std::cout) {
-            error = "cannot write to standard output";
-            return false;
+            return toolbox::Status::Failure("cannot write to standard output", toolbox::kIOErr);
         }
-        return true;
+        return toolbox::Status::Ok();
     }
     const std::filesystem::path target(path);
     const std::filesystem::path folder = target.has_parent_path() ? target.parent_path() : std::filesystem::path(".");
     std::string pattern = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
     const int fd = mkstemp(pattern.data());
     if (fd < 0) {
-        error = path + ": cannot write a temporary file in " + folder.string() + ": " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot write a temporary file in " + folder.string() + ": " +
+                                            std::strerror(errno),
+                                        toolbox::kIOErr);
     }
+    const auto failed = [&](int fileToClose) {
+        toolbox::Status failure =
+            toolbox::Status::Failure(path + ": cannot write: " + std::strerror(errno), toolbox::kIOErr);
+        if (fileToClose >= 0) {
+            ::close(fileToClose);
+        }
+        std::remove(pattern.c_str());
+        return failure;
+    };
     // The file keeps the permissions it had; a new one is a readable document, not a private
     // temporary file.
     struct stat existing {};
@@ -674,24 +692,20 @@ bool WriteFileAtomically(const std::string& path, const std::string& bytes, std:
             if (errno == EINTR) {
                 continue;
             }
-            error = path + ": cannot write: " + std::strerror(errno);
-            ::close(fd);
-            std::remove(pattern.c_str());
-            return false;
+            return failed(fd);
         }
         written += static_cast<size_t>(count);
     }
-    if (::fsync(fd) != 0 || ::close(fd) != 0) {
-        error = path + ": cannot write: " + std::strerror(errno);
-        std::remove(pattern.c_str());
-        return false;
+    if (::fsync(fd) != 0) {
+        return failed(fd);
+    }
+    if (::close(fd) != 0) {
+        return failed(-1);
     }
     if (std::rename(pattern.c_str(), path.c_str()) != 0) {
-        error = path + ": cannot write: " + std::strerror(errno);
-        std::remove(pattern.c_str());
-        return false;
+        return failed(-1);
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 }   // namespace stavio::musicxml

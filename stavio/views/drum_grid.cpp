@@ -133,7 +133,8 @@ std::vector<KitRow> RowsFor(const std::vector<ViewEntry>& entries, const Percuss
 
 }   // namespace
 
-std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure)
+std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure,
+                           const std::vector<std::string>& measureNames)
 {
     if (!doc.StaffExists(inst)) {
         return "";
@@ -156,7 +157,10 @@ std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasu
     }
     size_t next = 0;   // entries are in measure order
     for (const MeasureColumns& columns : measures) {
-        measureLine += kBarLine + Field(std::to_string(columns.measure), columns.Width());
+        const auto named = static_cast<size_t>(columns.measure);
+        measureLine += kBarLine + Field(named >= 1 && named <= measureNames.size() ? measureNames[named - 1]
+                                                                                   : std::to_string(columns.measure),
+                                        columns.Width());
         beatLine += kBarLine;
         for (size_t beat = 0; beat + 1 < columns.firstColumn.size(); ++beat) {
             beatLine += Field(std::to_string(beat + 1), columns.Columns(beat));

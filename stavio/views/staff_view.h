@@ -26,11 +26,15 @@
 
 #include <cstdint>
 #include <string>
+#include <vector>
 
 namespace stavio::views {
 
-// `inst` is the staff's instrument number (Document::SlotToInst gives it for a slot).
-std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure);
+// `inst` is the staff's instrument number (Document::SlotToInst gives it for a slot). The grid
+// heads each measure with `measureNames[meas - 1]` (a score's own numbers) where it has one,
+// else with the measure's position.
+std::string RenderDrumGrid(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure,
+                           const std::vector<std::string>& measureNames = {});
 std::string StaffEntriesJson(const Document& doc, int32_t inst, int32_t firstMeasure, int32_t lastMeasure);
 
 }   // namespace stavio::views

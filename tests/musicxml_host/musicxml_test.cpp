@@ -27,11 +27,10 @@ std::string ScorePath(const std::string& name)
 
 ScoreFile Open(const std::string& name)
 {
-    std::string error;
-    std::optional<ScoreFile> score = ScoreFile::Read(ScorePath(name), error);
-    EXPECT_TRUE(score.has_value()) << error;
+    toolbox::Result<ScoreFile> score = ScoreFile::Read(ScorePath(name));
+    EXPECT_TRUE(score) << score.Message();
     if (!score) {
-        throw std::runtime_error(error);
+        throw std::runtime_error(score.Message());
     }
     return std::move(*score);
 }
@@ -124,10 +123,9 @@ TEST(MusicXmlWrite, WithoutAChangeEveryFileComesBackByteForByte)
     for (const char* name :
          {"two_parts.musicxml", "guitar_drums_utf16.musicxml", "piano_kit_6-8_crlf.musicxml", "two_parts.mxl"}) {
         const ScoreFile score = Open(name);
-        std::string bytes;
-        std::string error;
-        ASSERT_TRUE(score.Write(score.document(), Container::Same, bytes, error)) << name << error;
-        EXPECT_TRUE(bytes == ReadFile(ScorePath(name))) << name;
+        const toolbox::Result<std::string> bytes = score.Write(score.document(), Container::Same);
+        ASSERT_TRUE(bytes) << name << bytes.Message();
+        EXPECT_TRUE(*bytes == ReadFile(ScorePath(name))) << name;
     }
     EXPECT_EQ(Open("guitar_drums_utf16.musicxml").Staves()[0].name, "Gitarre \xC3\xA9\xF0\x9D\x84\x9E");
 }
@@ -139,10 +137,8 @@ TEST(MusicXmlWrite, ConvertingToMxlAndBackKeepsTheScoreAndTheArchiveEntries)
     ASSERT_EQ(support::RunTamberlyne("convert " + plain + " -o " + (folder / "a.mxl")).status, 0);
     ASSERT_EQ(support::RunTamberlyne("convert " + (folder / "a.mxl") + " -o " + (folder / "b.musicxml")).status, 0);
     EXPECT_TRUE(ReadFile(folder / "b.musicxml") == ReadFile(plain));
-    std::string root;
-    std::string text;
-    std::string error;
-    ASSERT_TRUE(stavio::musicxml::ReadArchiveScore(ReadFile(folder / "a.mxl"), root, text, error)) << error;
+    const auto archived = stavio::musicxml::ReadArchiveScore(ReadFile(folder / "a.mxl"));
+    ASSERT_TRUE(archived) << archived.Message();
     EXPECT_EQ(ReadFile(folder / "a.mxl").substr(30, 8), "mimetype");   // stored first
 
     // A change to an archive keeps its other entries and its container.
@@ -158,10 +154,11 @@ TEST(MusicXmlWrite, ConvertingToMxlAndBackKeepsTheScoreAndTheArchiveEntries)
     entry.note[0].tcd = stavio::PitchOfKey(49).tcd;
     entry.note[0].alteration = stavio::PitchOfKey(49).alteration;
     ASSERT_TRUE(edited.SetFrame(2, 3, 0, hit));
-    std::string bytes;
-    ASSERT_TRUE(score.Write(edited, Container::Same, bytes, error)) << error;
-    std::optional<ScoreFile> back = ScoreFile::FromBytes(bytes, "back.mxl", error);
-    ASSERT_TRUE(back.has_value()) << error;
+    const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
+    ASSERT_TRUE(written) << written.Message();
+    const std::string& bytes = *written;
+    toolbox::Result<ScoreFile> back = ScoreFile::FromBytes(bytes, "back.mxl");
+    ASSERT_TRUE(back) << back.Message();
     EXPECT_EQ(KeysOf(back->document(), 2, 3), std::set<int>{49});
     EXPECT_NE(bytes.find("notes.txt"), std::string::npos);
 }
@@ -191,15 +188,17 @@ TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
         }
         ASSERT_TRUE(edited.SetFrame(2, 3, 0, frame));   // measure "2" of the drums
 
-        std::string bytes;
-        std::string error;
-        ASSERT_TRUE(score.Write(edited, Container::Same, bytes, error)) << error;
+        const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
+
+        ASSERT_TRUE(written) << written.Message();
+
+        const std::string& bytes = *written;
         std::string before = ReadFile(ScorePath(name));
         if (name == std::string("guitar_drums_utf16.musicxml")) {
             // Compare as text; the bytes on both sides are UTF-16 with the same byte-order mark.
             ASSERT_EQ(bytes.substr(0, 2), before.substr(0, 2));
-            std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, name, error);
-            ASSERT_TRUE(reread.has_value()) << error;
+            toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, name);
+            ASSERT_TRUE(reread) << reread.Message();
             EXPECT_EQ(KeysOf(reread->document(), 2, 3), (std::set<int>{36, 38, 42}));
             continue;
         }
@@ -218,8 +217,8 @@ TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
                    "<voice>2</voice><type>quarter</type><stem>down</stem>", "<notehead>x</notehead>",
                    "<backup><duration>8</duration></backup>", "<instrument id=\"P2-I43\"/>"});
         ExpectHas(bytes, {"<midi-unpitched>43</midi-unpitched>"});
-        std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, name, error);
-        ASSERT_TRUE(reread.has_value()) << error;
+        toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, name);
+        ASSERT_TRUE(reread) << reread.Message();
         EXPECT_EQ(KeysOf(reread->document(), 2, 3), (std::set<int>{36, 38, 42}));
     }
 }
@@ -242,17 +241,17 @@ TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
         frame.entries.push_back(entry);
     }
     ASSERT_TRUE(edited.SetFrame(1, 1, 0, frame));
-    std::string bytes;
-    std::string error;
-    ASSERT_TRUE(score.Write(edited, Container::Same, bytes, error)) << error;
+    const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
+    ASSERT_TRUE(written) << written.Message();
+    const std::string& bytes = *written;
     const std::string before = ReadFile(ScorePath("piano_kit_6-8_crlf.musicxml"));
     EXPECT_EQ(PartText(bytes, "P2"), PartText(before, "P2"));
     const std::string leftHand = "<note><pitch><step>F</step><octave>3</octave></pitch><duration>9</duration>";
     ExpectHas(MeasuresOfPart(bytes, "P1")[0],
               {leftHand, "<backup><duration>18</duration></backup>", "<staff>1</staff>", "\r\n"});
     EXPECT_EQ(MeasuresOfPart(bytes, "P1")[1], MeasuresOfPart(before, "P1")[1]);
-    std::optional<ScoreFile> reread = ScoreFile::FromBytes(bytes, "piano", error);
-    ASSERT_TRUE(reread.has_value()) << error;
+    toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, "piano");
+    ASSERT_TRUE(reread) << reread.Message();
     EXPECT_EQ(KeysOf(reread->document(), 1, 1), (std::set<int>{36, 38}));
     EXPECT_EQ(KeysOf(reread->document(), 2, 1), (std::set<int>{48, 53}));
     EXPECT_NE(bytes.find("<midi-channel>1</midi-channel><midi-program>1</midi-program>"), std::string::npos);
@@ -273,26 +272,28 @@ TEST(MusicXmlWrite, NewElementsFollowTheFilesLayout)
 TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
 {
     support::TempFolder folder;
-    std::string archive;
-    std::string withoutScore;
-    std::string error;
-    ASSERT_TRUE(stavio::musicxml::NewArchive("score.xml", "<score-partwise/>", archive, error));
-    ASSERT_TRUE(stavio::musicxml::ReplaceArchiveScore(
-        archive, "META-INF/container.xml",
-        "<container><rootfiles><rootfile full-path=\"other.xml\"/></rootfiles></container>", withoutScore, error));
+    const toolbox::Result<std::string> archive = stavio::musicxml::NewArchive("score.xml", "<score-partwise/>");
+    ASSERT_TRUE(archive);
+    const toolbox::Result<std::string> withoutScore = stavio::musicxml::ReplaceArchiveScore(
+        *archive, "META-INF/container.xml",
+        "<container><rootfiles><rootfile full-path=\"other.xml\"/></rootfiles></container>");
+    ASSERT_TRUE(withoutScore);
     for (const auto& [bytes, complaint] : std::vector<std::pair<std::string, std::string>>{
              {"<score-partwise>\n  <part-list>\n</score-partwise>", "not well-formed XML at line 3:"},
+             // A part is parsed on its own: its fault is still told at its place in the file.
+             {"<score-partwise>\n<part-list/>\n<part id=\"P1\">\n<measure>\n<note></measure></part>\n</score-partwise>",
+              "not well-formed XML at line 5:9: Start-end tags mismatch"},
              {"<score-timewise version=\"4.0\"/>", "a timewise MusicXML score"},
              {"<html><body/></html>", "not a MusicXML score: its root element is <html>"},
              {"", "an empty file"},
              {"<score-partwise><part-list/></score-partwise>", "without parts"},
              {"<score-partwise><part id=\"P1\"/></score-partwise>", "it has no <part-list>"},
-             {withoutScore, "names other.xml, which the archive does not hold"},
+             {*withoutScore, "names other.xml, which the archive does not hold"},
              {"PK\x03\x04garbage", "not a readable .mxl archive"}}) {
         support::WriteFile(folder / "bad.musicxml", bytes);
-        const std::optional<ScoreFile> score = ScoreFile::Read(folder / "bad.musicxml", error);
-        EXPECT_FALSE(score.has_value()) << complaint;
-        ExpectHas(error, {folder / "bad.musicxml", complaint});
+        const toolbox::Result<ScoreFile> score = ScoreFile::Read(folder / "bad.musicxml");
+        EXPECT_FALSE(score) << complaint;
+        ExpectHas(score.Message(), {folder / "bad.musicxml", complaint});
     }
 }
 
@@ -309,21 +310,23 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
 
     support::CommandRun run = support::RunTamberlyne(fill + "--measures 1-2", environment);
     ASSERT_EQ(run.status, 0) << run.err;
-    ExpectHas(run.out, {"Wrote " + (folder / "song.drums.musicxml")});
+    // The report names the measures as the score numbers them (positions 2-3 here, after the pickup).
+    ExpectHas(run.out, {"Wrote " + (folder / "song.drums.musicxml"), "Selection: measures 1-2 of every staff",
+                        "notes and rests in measures 1-2", "Measure        |1               |2               |"});
     EXPECT_TRUE(ReadFile(score) == ReadFile(ScorePath("two_parts.musicxml")));
-    std::string error;
-    std::optional<ScoreFile> filled = ScoreFile::Read(folder / "song.drums.musicxml", error);
-    ASSERT_TRUE(filled.has_value()) << error;
+    toolbox::Result<ScoreFile> filled = ScoreFile::Read(folder / "song.drums.musicxml");
+    ASSERT_TRUE(filled) << filled.Message();
     EXPECT_EQ(KeysOf(filled->document(), 2, 2), (std::set<int>{36, 38, 42}));   // measure "1"
     EXPECT_TRUE(KeysOf(filled->document(), 2, 4) == std::set<int>{36});         // measure "3" as it was
 
     // A new staff is a new part after the others, which keep their bytes.
     run = support::RunTamberlyne(fill + "--measures 1-2 --new-staff -o " + (folder / "new.musicxml"), environment);
     ASSERT_EQ(run.status, 0) << run.err;
-    filled = ScoreFile::Read(folder / "new.musicxml", error);
-    ASSERT_TRUE(filled.has_value()) << error;
+    filled = ScoreFile::Read(folder / "new.musicxml");
+    ASSERT_TRUE(filled) << filled.Message();
     ASSERT_EQ(filled->Staves().size(), 3U);
     EXPECT_TRUE(filled->Staves()[2].drum);
+    EXPECT_EQ(filled->Staves()[2].name, "Drums 2");   // the score has a "Drums": --staff still tells them apart
     EXPECT_EQ(KeysOf(filled->document(), 3, 3), (std::set<int>{36, 38, 42}));
     EXPECT_TRUE(KeysOf(filled->document(), 3, 4).empty());
     const std::string newText = ReadFile(folder / "new.musicxml");
@@ -336,8 +339,8 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
                                  " --fill 1=\"Rock 8ths\" --fill 3=\"Rock 8ths\" --staff Drums --style drums --yes ";
     run = support::RunTamberlyne(twoFills + "-o " + (folder / "two.musicxml"), environment);
     ASSERT_EQ(run.status, 0) << run.err;
-    filled = ScoreFile::Read(folder / "two.musicxml", error);
-    ASSERT_TRUE(filled.has_value()) << error;
+    filled = ScoreFile::Read(folder / "two.musicxml");
+    ASSERT_TRUE(filled) << filled.Message();
     EXPECT_EQ(KeysOf(filled->document(), 2, 2), (std::set<int>{36, 38, 42}));   // measure "1"
     EXPECT_EQ(KeysOf(filled->document(), 2, 4), (std::set<int>{36, 38, 42}));   // measure "3"
     EXPECT_TRUE(KeysOf(filled->document(), 2, 3).empty());                      // "2", between the fills
@@ -374,8 +377,8 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
                                      (folder / "demo.musicxml"),
                                  environment);
     ASSERT_EQ(run.status, 0) << run.err;
-    filled = ScoreFile::Read(folder / "demo.musicxml", error);
-    ASSERT_TRUE(filled.has_value()) << error;
+    filled = ScoreFile::Read(folder / "demo.musicxml");
+    ASSERT_TRUE(filled) << filled.Message();
     EXPECT_EQ(filled->Measures().size(), 16U);
     EXPECT_EQ(KeysOf(filled->document(), 2, 12), (std::set<int>{36, 38, 42}));
 
