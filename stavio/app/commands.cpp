@@ -12,6 +12,10 @@ const std::vector<Command>& Commands()
         {"plugins", "", "load the plug-in folder and list each plug-in's menu command", RunPluginsCommand},
         {"fill", "[fill options]", "fill measures of a demo score with a drum groove (see fill --help)", RunFillCommand,
          FillUsageText},
+        {"export", "-o OUT.mid", "the demo score as a Standard MIDI File (see export --help)", RunExportCommand,
+         ExportUsageText},
+        {"grooves", "play NAME -o OUT", "render a groove of the library as audio (see grooves --help)",
+         RunGroovesCommand, GroovesPlayUsageText},
     };
     return commands;
 }

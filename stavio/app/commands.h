@@ -27,5 +27,11 @@ std::string UsageText();
 
 int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string ExportUsageText();
+// `grooves` dispatches `grooves play ...` to RunGroovesPlayCommand with the arguments after "play".
+int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunGroovesPlayCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string GroovesPlayUsageText();
 
 }   // namespace stavio::app

@@ -4,6 +4,8 @@
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/groove_preview.h"
+#include "stavio/app/sound_output.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/host.h"
@@ -222,6 +224,12 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         return kExitUsage;
     }
 
+    midi_export::AudioTools audioTools;
+    if (!PrepareSound(options.sound, audioTools, error)) {
+        err << "tamberlyne: " << error << "\n";
+        return kExitFailure;
+    }
+
     FillReport report;
     report.selection = options.measures;
     if (!ResolveGrooveLibrary(options.library, BundledLibraryFolder(), report.library, error)) {
@@ -289,7 +297,11 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
         err << "tamberlyne: nothing was filled: " << report.message << "\n";
         return kExitFailure;
     }
-    return kExitOk;
+    // The filled measures' sound, at the groove's own tempo.
+    const std::optional<std::string> groove =
+        options.groove ? FindGrooveFile(report.library.folder, *options.groove) : std::nullopt;
+    return WriteSound(host.document(), measures.start.meas, measures.end.meas, groove ? FileTempo(*groove) : 120.0,
+                      options.sound, audioTools, options.json ? nullptr : &out, err);
 }
 
 }   // namespace stavio::app

@@ -45,6 +45,20 @@ bool ReadMeasureNumber(const std::string& text, int& number)
     return number >= 1;
 }
 
+bool ReadStyle(const std::string& text, GrooveStyle& style, std::string& error)
+{
+    for (GrooveStyle candidate : {GrooveStyle::DrumStaff, GrooveStyle::PercussionClef, GrooveStyle::Slashes}) {
+        if (text == StyleOptionName(candidate)) {
+            style = candidate;
+            return true;
+        }
+    }
+    error = "option --style takes drums, percussion-clef or slashes (got \"" + text + "\")";
+    return false;
+}
+
+}   // namespace
+
 // "5-12" or "7".
 bool ReadMeasureRange(const std::string& text, MeasureRange& range, std::string& error)
 {
@@ -61,20 +75,6 @@ bool ReadMeasureRange(const std::string& text, MeasureRange& range, std::string&
     }
     return true;
 }
-
-bool ReadStyle(const std::string& text, GrooveStyle& style, std::string& error)
-{
-    for (GrooveStyle candidate : {GrooveStyle::DrumStaff, GrooveStyle::PercussionClef, GrooveStyle::Slashes}) {
-        if (text == StyleOptionName(candidate)) {
-            style = candidate;
-            return true;
-        }
-    }
-    error = "option --style takes drums, percussion-clef or slashes (got \"" + text + "\")";
-    return false;
-}
-
-}   // namespace
 
 const char* StyleOptionName(GrooveStyle style)
 {
@@ -131,6 +131,10 @@ bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& op
             options.interactive = true;
         } else if (argument == "--json") {
             options.json = true;
+        } else if (bool taken = false; !TakeSoundOption(arguments, index, options.sound, taken, error)) {
+            return false;
+        } else if (taken) {
+            continue;
         } else if (!argument.empty() && argument[0] == '-') {
             error = "unknown option \"" + argument + "\" for the fill command";
             return false;
@@ -166,7 +170,8 @@ std::string FillUsageText()
            "                         bundled one on first use)\n"
            "  --interactive          show the dialog in the terminal and let you choose\n"
            "  --json                 print the result as JSON (an interactive dialog is then shown\n"
-           "                         on the error stream)\n"
+           "                         on the error stream)\n" +
+           SoundOptionsUsage(true) +
            "\n"
            "Exit status: 0 when the score changed, 1 when the plug-in refused or nothing changed\n"
            "(its message is printed), 2 for wrong usage.\n";

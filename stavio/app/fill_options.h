@@ -1,6 +1,8 @@
 // The options of `tamberlyne fill`.
 #pragma once
 
+#include "stavio/app/sound_output.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -28,11 +30,15 @@ struct FillOptions {
     std::optional<std::string> library;   // the folder holding the .mid files
     bool interactive = false;
     bool json = false;
+    SoundOptions sound;   // --midi, --audio, --tempo, --sound-font: the filled measures' sound
 };
 
 // Parses the arguments that follow the command. On failure returns false and sets `error` to a
 // message for a person.
 bool ParseFillOptions(const std::vector<std::string>& arguments, FillOptions& options, std::string& error);
+
+// "5-12" or "7": measures counted from 1. False with `error` for a person otherwise.
+bool ReadMeasureRange(const std::string& text, MeasureRange& range, std::string& error);
 
 // "drums", "percussion-clef", "slashes".
 const char* StyleOptionName(GrooveStyle style);
