@@ -189,8 +189,9 @@ struct SoundingNote {
     int key = 0;
 };
 
-// The notes of one staff over the range, ties joined. A tied note stays open per layer and key
-// until the note that continues it (same key, starting where it ends) is reached.
+// The notes of one staff over the range, ties joined: a note tied forward continues with the
+// note of its key in the layer's next entry (in the next measure too), however the two entries'
+// positions were rounded. A rest or an empty measure ends a tie.
 std::vector<SoundingNote> StaffNotes(const Document& doc, int32_t inst, int32_t first, int32_t last,
                                      const std::vector<int64_t>& starts)
 {
@@ -199,19 +200,18 @@ std::vector<SoundingNote> StaffNotes(const Document& doc, int32_t inst, int32_t 
         std::map<int, size_t> tiedOpen;   // key -> index in `notes` of a note tied forward
         for (int32_t meas = first; meas <= last; ++meas) {
             const std::optional<FrameContent> frame = doc.Frame(inst, meas, layer);
-            if (!frame) {
+            if (!frame || frame->Empty()) {
+                tiedOpen.clear();
                 continue;
             }
             const int64_t measureStart = starts[static_cast<size_t>(meas - first)];
             for (size_t index = 0; index < frame->entries.size(); ++index) {
                 const EXENTRY& entry = frame->entries[index];
-                if ((entry.ef & kEntryValid) == 0 || (entry.ef & kEntryIsNote) == 0) {
-                    continue;
-                }
+                std::map<int, size_t> stillTied;
+                const bool sounds = (entry.ef & kEntryValid) != 0 && (entry.ef & kEntryIsNote) != 0;
+                const int count = sounds ? std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry) : 0;
                 const int64_t start = measureStart + entry.elldur;
                 const int64_t end = start + std::max<int64_t>(SoundingLength(*frame, index), 0);
-                std::map<int, size_t> stillTied;
-                const int count = std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry);
                 for (int i = 0; i < count; ++i) {
                     const EXNOTE& note = entry.note[i];
                     const int key = NoteToMidiKey(note.tcd, note.alteration);
@@ -220,9 +220,9 @@ std::vector<SoundingNote> StaffNotes(const Document& doc, int32_t inst, int32_t 
                     }
                     size_t at = notes.size();
                     const auto open = tiedOpen.find(key);
-                    if (open != tiedOpen.end() && notes[open->second].end == start) {
+                    if (open != tiedOpen.end()) {
                         at = open->second;
-                        notes[at].end = end;
+                        notes[at].end = std::max(notes[at].end, end);
                     } else {
                         notes.push_back(SoundingNote{start, end, key});
                     }
