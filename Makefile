@@ -5,7 +5,7 @@
 # Both are thin layers over CMake; the build trees are build/, build-test/ and build-fuzz/.
 
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
-                   libbenchmark-dev
+                   libbenchmark-dev fluidsynth timgm6mb-soundfont
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
@@ -30,9 +30,11 @@ build: deps
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Fills measures 5-12 of the demo score's drum staff with the bundled "Rock 8ths" groove
-# (the per-user groove folder is filled from the bundled library on first use).
+# (the per-user groove folder is filled from the bundled library on first use), and writes
+# what the filled measures sound like as MIDI and audio.
 demo: build
-	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes
+	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes \
+	  --midi $(BUILD)/demo-fill.mid --audio $(BUILD)/demo-fill.ogg
 
 unit-tests: deps
 	cmake -S . -B $(TEST_BUILD) -G Ninja -DTAMBERLYNE_SANITIZE=ON -DTAMBERLYNE_BENCH=ON
