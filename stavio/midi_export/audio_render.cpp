@@ -87,17 +87,33 @@ bool WriteBytes(const std::string& path, const std::vector<uint8_t>& bytes)
     return static_cast<bool>(out);
 }
 
-std::string LastLines(const std::string& path)
+// What FluidSynth said that tells why it failed: its first error line, else its last line.
+std::string Complaint(const std::string& logPath, bool& complained)
 {
-    std::ifstream in(path);
+    std::ifstream in(logPath);
     std::string line;
     std::string last;
+    complained = false;
     while (std::getline(in, line)) {
+        if (line.find("error") != std::string::npos) {
+            complained = true;
+            return line;
+        }
         if (!line.empty()) {
             last = line;
         }
     }
     return last;
+}
+
+// A SoundFont 2 file is a RIFF file of form "sfbk".
+bool IsSoundFont(const std::string& path)
+{
+    std::ifstream in(path, std::ios::binary);
+    char head[12] = {};
+    in.read(head, sizeof(head));
+    return in.gcount() == static_cast<std::streamsize>(sizeof(head)) && std::memcmp(head, "RIFF", 4) == 0 &&
+           std::memcmp(head + 8, "sfbk", 4) == 0;
 }
 
 // Runs the program with its output in `logPath`; its exit status, or -1 when it did not run.
@@ -163,6 +179,10 @@ bool FindAudioTools(const std::optional<std::string>& soundFontOption, AudioTool
                     kSoundFontPackage + " for the default one";
             return false;
         }
+        if (!IsSoundFont(*soundFontOption)) {
+            error = "the sound font " + *soundFontOption + " is not a SoundFont 2 file (.sf2)";
+            return false;
+        }
         tools.soundFont = *soundFontOption;
         return true;
     }
@@ -224,9 +244,10 @@ bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath
     const int status = RunChild(arguments, logPath);
     std::error_code sizeError;
     const auto written = fs::file_size(temporary, sizeError);
-    const std::string log = LastLines(logPath);
-    // FluidSynth goes on without a font it cannot load, rendering silence: its message tells.
-    if (status != 0 || sizeError || written == 0 || log.find("Failed to load SoundFont") != std::string::npos) {
+    bool complained = false;
+    const std::string log = Complaint(logPath, complained);
+    // FluidSynth goes on without a font it cannot load, rendering silence: its error line tells.
+    if (status != 0 || sizeError || written == 0 || complained) {
         std::error_code ignored;
         fs::remove(temporary, ignored);
         error = "FluidSynth could not render " + outputPath +
