@@ -253,7 +253,7 @@ TEST_F(SoundCommands, GroovesPlayRendersTheGrooveAsTheScoreWouldHoldIt)
     }
     size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(home_.Path()))
-        files += entry.is_regular_file() ? 1 : 0;
+        files += entry.is_regular_file() ? 1u : 0u;
     EXPECT_EQ(files, 4u) << "no temporary file is left beside the audio";
 }
 
