@@ -55,15 +55,23 @@ bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommand
         }
         options.score = argument;
     }
-    if (options.score) {
-        error = "reading a score file is not available yet; export writes the demo score (leave out \"" +
-                *options.score + "\")";
-        return false;
-    }
     if (!options.sound.midi && !options.sound.audio) {
         error = "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)";
         return false;
     }
+    return true;
+}
+
+// The document to export: the demo score, or (once the host reads score files) SCORE. False with
+// a message for a person when there is none to be had.
+bool LoadExportDocument(const std::optional<std::string>& score, Document& document, std::string& error)
+{
+    if (score) {
+        error =
+            "reading a score file is not available yet; export writes the demo score (leave out \"" + *score + "\")";
+        return false;
+    }
+    document = BuildDemoDocument();
     return true;
 }
 
@@ -99,12 +107,16 @@ int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& e
         err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
         return kExitUsage;
     }
+    Document score;
+    if (!LoadExportDocument(options.score, score, error)) {
+        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
+        return kExitUsage;
+    }
     midi_export::AudioTools tools;
     if (!PrepareSound(options.sound, tools, error)) {
         err << "tamberlyne: " << error << "\n";
         return kExitFailure;
     }
-    const Document score = BuildDemoDocument();
     const MeasureRange range = options.measures.value_or(MeasureRange{1, score.MeasureCount()});
     if (range.last > score.MeasureCount()) {
         err << "tamberlyne: the score has " << score.MeasureCount() << " measures; --measures " << range.first << "-"
