@@ -7,7 +7,7 @@
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
                    libbenchmark-dev \
                    libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3 \
-                   libcpp-httplib-dev nodejs chromium
+                   libcpp-httplib-dev nodejs chromium fluidsynth timgm6mb-soundfont
 # (MusicXML: pugixml and libzip read scores and .mxl archives; xmllint validates what is written
 # against the schema; MuseScore 3 is the notation program the tests play written drum notes in.
 # The page: cpp-httplib serves it, node runs its browser test in Debian's chromium.)
@@ -40,11 +40,11 @@ build: deps
 	cmake --build $(BUILD) -j $(JOBS)
 
 # Fills measures 5-12 of the demo score's drum staff with the bundled "Rock 8ths" groove
-# (the per-user groove folder is filled from the bundled library on first use) and writes the
-# result as MusicXML, to open in a notation program.
+# (the per-user groove folder is filled from the bundled library on first use), writes the result
+# as MusicXML to open in a notation program, and what the filled measures sound like as MIDI and audio.
 demo: build
 	$(BUILD)/bin/tamberlyne fill --measures 5-12 --groove "Rock 8ths" --staff Drums --style drums --yes \
-	  -o $(BUILD)/demo.drums.musicxml --force
+	  -o $(BUILD)/demo.drums.musicxml --force --midi $(BUILD)/demo-fill.mid --audio $(BUILD)/demo-fill.ogg
 
 unit-tests: deps
 	cmake -S . -B $(TEST_BUILD) -G Ninja -DTAMBERLYNE_SANITIZE=ON -DTAMBERLYNE_BENCH=ON

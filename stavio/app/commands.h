@@ -31,9 +31,14 @@ int RunInfoCommand(const CommandLine& line, std::ostream& out, std::ostream& err
 int RunConvertCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string InfoUsageText();
 std::string ConvertUsageText();
-int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string GroovesUsageText();
 int RunServeCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string ServeUsageText();
+int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string ExportUsageText();
+// `grooves` dispatches `grooves play ...` to RunGroovesPlayCommand with the arguments after "play".
+int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+int RunGroovesPlayCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
+std::string GroovesPlayUsageText();
 
 }   // namespace stavio::app

@@ -5,6 +5,8 @@
 #include "stavio/app/fill_options.h"
 #include "stavio/app/groove_dialog_script.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/groove_preview.h"
+#include "stavio/app/sound_output.h"
 #include "stavio/app/score_fill.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
@@ -289,6 +291,12 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         return kExitUsage;
     }
 
+    midi_export::AudioTools audioTools;
+    if (std::string soundError; !PrepareSound(options.sound, audioTools, soundError)) {
+        err << "tamberlyne: " << soundError << "\n";
+        return kExitFailure;
+    }
+
     FillReport report;
     report.selection = options.measures;
     if (scoreFill) {
@@ -398,7 +406,16 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         err << "tamberlyne: " << report.message << "\n";
         return kExitFailure;
     }
-    return scoreFill ? FinishScoreFill(*scoreFill, host.document(), out, err) : kExitOk;
+    if (scoreFill) {
+        if (const int status = FinishScoreFill(*scoreFill, host.document(), out, err); status != kExitOk) {
+            return status;
+        }
+    }
+    // The filled measures' sound, at the groove's own tempo.
+    const std::optional<std::string> groove =
+        options.groove ? FindGrooveFile(report.library.folder, *options.groove) : std::nullopt;
+    return WriteSound(host.document(), measures.start.meas, measures.end.meas, groove ? FileTempo(*groove) : 120.0,
+                      options.sound, audioTools, options.json ? nullptr : &out, err);
 }
 
 }   // namespace stavio::app

@@ -44,21 +44,15 @@ bool ReadMeasureNumber(const std::string& text, int& number)
     return number >= 1;
 }
 
-// "5-12" or "7".
-toolbox::Result<MeasureRange> ReadMeasureRange(const std::string& text)
+// The sound options (--midi, --audio, --tempo, --sound-font): whether the argument was one.
+toolbox::Result<bool> TakeSound(const std::vector<std::string>& arguments, size_t& index, SoundOptions& sound)
 {
-    const size_t dash = text.find('-');
-    const std::string first = text.substr(0, dash);
-    const std::string last = dash == std::string::npos ? first : text.substr(dash + 1);
-    MeasureRange range;
-    if (!ReadMeasureNumber(first, range.first) || !ReadMeasureNumber(last, range.last)) {
-        return Status::Failure("option --measures takes FIRST-LAST or one measure number, counting from 1 (got \"" +
-                               text + "\")");
+    bool taken = false;
+    std::string error;
+    if (!TakeSoundOption(arguments, index, sound, taken, error)) {
+        return Status::Failure(error);
     }
-    if (range.last < range.first) {
-        return Status::Failure("option --measures: the last measure " + last + " comes before the first " + first);
-    }
-    return range;
+    return taken;
 }
 
 toolbox::Result<GrooveStyle> ReadStyle(const std::string& text)
@@ -89,6 +83,23 @@ Status TakeInto(const std::vector<std::string>& arguments, size_t& index, const 
 }
 
 }   // namespace
+
+// "5-12" or "7".
+toolbox::Result<MeasureRange> ReadMeasureRange(const std::string& text)
+{
+    const size_t dash = text.find('-');
+    const std::string first = text.substr(0, dash);
+    const std::string last = dash == std::string::npos ? first : text.substr(dash + 1);
+    MeasureRange range;
+    if (!ReadMeasureNumber(first, range.first) || !ReadMeasureNumber(last, range.last)) {
+        return Status::Failure("option --measures takes FIRST-LAST or one measure number, counting from 1 (got \"" +
+                               text + "\")");
+    }
+    if (range.last < range.first) {
+        return Status::Failure("option --measures: the last measure " + last + " comes before the first " + first);
+    }
+    return range;
+}
 
 const char* StyleOptionName(GrooveStyle style)
 {
@@ -149,6 +160,8 @@ toolbox::Result<FillOptions> ParseFillOptions(const std::vector<std::string>& ar
             options.interactive = true;
         } else if (argument == "--json") {
             options.json = true;
+        } else if (const toolbox::Result<bool> sound = TakeSound(arguments, index, options.sound); !sound || *sound) {
+            taken = sound.status();
         } else if (!argument.empty() && argument[0] == '-') {
             return Status::Failure("unknown option \"" + argument + "\" for the fill command");
         } else if (!options.score) {
@@ -226,7 +239,8 @@ std::string FillUsageText()
            "  --force                replace an existing OUT\n"
            "  --dry-run              show what would change (the drum grid) and write nothing\n"
            "  --json                 print the result as JSON (an interactive dialog is then shown\n"
-           "                         on the error stream)\n"
+           "                         on the error stream)\n" +
+           SoundOptionsUsage(true) +
            "\n"
            "Exit status: 0 when the groove's notes landed, 1 when the plug-in did not fill the\n"
            "measures (it refused, or no note of the groove landed; the reason is printed), 2 for\n"

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "toolbox/status.h"
+#include "stavio/app/sound_output.h"
 
 #include <optional>
 #include <string>
@@ -46,10 +47,14 @@ struct FillOptions {
     bool dryRun = false;
     // --fill RANGE=GROOVE given more than once: the first sets measures and groove, these follow.
     std::vector<FillStep> moreFills;
+    SoundOptions sound;   // --midi, --audio, --tempo, --sound-font: the filled measures' sound
 };
 
 // Parses the arguments that follow the command; a failure says what is wrong, for a person.
 toolbox::Result<FillOptions> ParseFillOptions(const std::vector<std::string>& arguments);
+
+// "5-12" or "7": measures counted from 1.
+toolbox::Result<MeasureRange> ReadMeasureRange(const std::string& text);
 
 // "drums", "percussion-clef", "slashes".
 const char* StyleOptionName(GrooveStyle style);

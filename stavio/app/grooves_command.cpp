@@ -235,12 +235,13 @@ std::string GroovesUsageText()
 {
     return "Usage: tamberlyne [options] grooves [--library DIR] [--json]\n"
            "       tamberlyne [options] grooves show NAME [--library DIR]\n"
+           "       tamberlyne [options] grooves play NAME -o OUT.wav|OUT.ogg (see grooves play --help)\n"
            "\n"
            "Lists the groove folder as the plug-in sees it: each groove's name, meter, the bars the\n"
            "plug-in repeats (closing hits on the downbeat after the pattern are left out), tempo,\n"
            "feel (straight, triplet, swing or mixed) and kit pieces, and for each file the plug-in\n"
            "would refuse, the reason. \"show NAME\" prints the groove's drum grid as it lands in a\n"
-           "score of its own meter.\n"
+           "score of its own meter; \"play NAME\" renders it as audio.\n"
            "\n"
            "Options:\n"
            "  --library DIR   the groove folder, named \"Tamberlyne\" (default: the per-user library,\n"
@@ -255,6 +256,11 @@ std::string GroovesUsageText()
 
 int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
+    if (!line.arguments.empty() && line.arguments[0] == "play") {
+        CommandLine play = line;
+        play.arguments.erase(play.arguments.begin());
+        return RunGroovesPlayCommand(play, out, err);
+    }
     GroovesOptions options;
     std::string error;
     if (!ParseGroovesOptions(line.arguments, options, error)) {

@@ -21,6 +21,10 @@ struct FrameContent {
     bool Empty() const { return entries.empty(); }
 };
 
+// The host's mark (in EXNOTE::flag) on a note tied to the note of the same pitch that follows it
+// in its layer, in the next entry or the next measure's first: they sound as one note.
+constexpr uint32_t kNoteTiedForward = 0x40000000;
+
 // The most entries a frame can hold: its count is a signed 16-bit field.
 constexpr int32_t kMaxFrameEntries = 0x7FFF;
 

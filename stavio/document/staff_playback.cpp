@@ -89,6 +89,25 @@ bool SetChannelCode(Document& doc, int32_t definition, int16_t code)
     return doc.Write(kTagChannelDef, DefinitionKey(definition), record);
 }
 
+int16_t ChannelProgram(const Document& doc, int32_t definition)
+{
+    EDTGeneric record{};
+    if (!ValidDefinition(definition) || !doc.Read(kTagChannelDef, DefinitionKey(definition), record)) {
+        return 0;
+    }
+    return record.words[1];
+}
+
+bool SetChannelProgram(Document& doc, int32_t definition, int16_t program)
+{
+    EDTGeneric record{};
+    if (!ValidDefinition(definition) || !doc.Read(kTagChannelDef, DefinitionKey(definition), record)) {
+        return false;
+    }
+    record.words[1] = program;
+    return doc.Write(kTagChannelDef, DefinitionKey(definition), record);
+}
+
 std::string ChannelName(const Document& doc, int32_t definition)
 {
     char text[kChannelNameSize] = {};

@@ -1,6 +1,6 @@
 // How each staff plays: its instrument usage (0x4F02504C, key (instrument, 0)) points with
-// `a` at a channel definition ('otOC' a + 1, word 0 = channel code) that has a name ('otoc',
-// 12 bytes of text). Every staff the document makes gets a channel definition of its own.
+// `a` at a channel definition ('otOC' a + 1, word 0 = channel code, word 1 = General MIDI
+// program) that has a name ('otoc', 12 bytes of text). Every staff the document makes gets a channel definition of its own.
 #pragma once
 
 #include "stavio/document/document.h"
@@ -38,6 +38,10 @@ int32_t StaffChannelDefinition(const Document& doc, int32_t inst);
 
 std::optional<int16_t> ChannelCode(const Document& doc, int32_t definition);
 bool SetChannelCode(Document& doc, int32_t definition, int16_t code);
+// The General MIDI program a channel definition plays (word 1: 1..128, 0 when none is set, which
+// plays as program 1).
+int16_t ChannelProgram(const Document& doc, int32_t definition);
+bool SetChannelProgram(Document& doc, int32_t definition, int16_t program);
 // The name, at most 12 characters ("" when the definition has no name record).
 std::string ChannelName(const Document& doc, int32_t definition);
 // Writes the name record, cut to 12 bytes and padded with zeros.

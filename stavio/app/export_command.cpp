@@ -1,0 +1,130 @@
+// `tamberlyne export -o OUT.mid`: a score as a Standard MIDI File (stavio/midi_export). The
+// score comes from a document source; today that is the demo score alone.
+#include "stavio/app/commands.h"
+#include "stavio/app/demo_document.h"
+#include "stavio/app/fill_options.h"
+#include "stavio/app/sound_output.h"
+
+#include <ostream>
+
+namespace stavio::app {
+
+namespace {
+
+struct ExportCommandOptions {
+    std::optional<std::string> score;
+    std::optional<MeasureRange> measures;
+    SoundOptions sound;
+};
+
+bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommandOptions& options, std::string& error)
+{
+    for (size_t index = 0; index < arguments.size(); ++index) {
+        const std::string& argument = arguments[index];
+        if (argument == "-o" || argument == "--measures") {
+            if (index + 1 >= arguments.size() || arguments[index + 1].empty()) {
+                error = "option " + argument + " needs a value";
+                return false;
+            }
+            const std::string& value = arguments[++index];
+            if (argument == "-o") {
+                options.sound.midi = value;
+                continue;
+            }
+            const toolbox::Result<MeasureRange> range = ReadMeasureRange(value);
+            if (!range) {
+                error = range.Message();
+                return false;
+            }
+            options.measures = *range;
+            continue;
+        }
+        bool taken = false;
+        if (!TakeSoundOption(arguments, index, options.sound, taken, error)) {
+            return false;
+        }
+        if (taken) {
+            continue;
+        }
+        if (!argument.empty() && argument[0] == '-') {
+            error = "unknown option \"" + argument + "\" for the export command";
+            return false;
+        }
+        if (options.score) {
+            error = "the export command takes one score (got \"" + *options.score + "\" and \"" + argument + "\")";
+            return false;
+        }
+        options.score = argument;
+    }
+    if (!options.sound.midi && !options.sound.audio) {
+        error = "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)";
+        return false;
+    }
+    return true;
+}
+
+// The document to export: the demo score, or (once the host reads score files) SCORE. False with
+// a message for a person when there is none to be had.
+bool LoadExportDocument(const std::optional<std::string>& score, Document& document, std::string& error)
+{
+    if (score) {
+        error =
+            "reading a score file is not available yet; export writes the demo score (leave out \"" + *score + "\")";
+        return false;
+    }
+    document = BuildDemoDocument();
+    return true;
+}
+
+}   // namespace
+
+std::string ExportUsageText()
+{
+    return "Usage: tamberlyne [options] export -o OUT.mid [export options]\n"
+           "\n"
+           "Writes a score as a Standard MIDI File (format 1): a conductor track with the tempo and\n"
+           "every meter change, then a track per staff on its channel with its program; drum staves\n"
+           "play on channel 10, each note at its kit piece's key. Ties are joined, tuplets scaled.\n"
+           "The score is the demo score of `fill` (16 measures of 4/4, \"Piano\" and \"Drums\"); reading\n"
+           "a score file (SCORE) is not available yet.\n"
+           "\n"
+           "Export options:\n"
+           "  -o OUT.mid             the MIDI file to write (replaced whole, or left as it was)\n"
+           "  --measures FIRST-LAST  only these measures (default: the whole score)\n"
+           "  --audio OUT.wav|OUT.ogg\n"
+           "                         render them with FluidSynth and a General MIDI sound font\n"
+           "                         (Debian packages fluidsynth and timgm6mb-soundfont)\n"
+           "  --tempo BPM            quarter notes a minute (default: 120)\n"
+           "  --sound-font FILE      the .sf2 sound font (default: /usr/share/sounds/sf2/TimGM6mb.sf2)\n"
+           "\n"
+           "Exit status: 0 when the files were written, 1 when they could not be, 2 for wrong usage.\n";
+}
+
+int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
+{
+    ExportCommandOptions options;
+    std::string error;
+    if (!ParseExportOptions(line.arguments, options, error)) {
+        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
+        return kExitUsage;
+    }
+    Document score;
+    if (!LoadExportDocument(options.score, score, error)) {
+        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
+        return kExitUsage;
+    }
+    midi_export::AudioTools tools;
+    if (!PrepareSound(options.sound, tools, error)) {
+        err << "tamberlyne: " << error << "\n";
+        return kExitFailure;
+    }
+    const MeasureRange range = options.measures.value_or(MeasureRange{1, score.MeasureCount()});
+    if (range.last > score.MeasureCount()) {
+        err << "tamberlyne: the score has " << score.MeasureCount() << " measures; --measures " << range.first << "-"
+            << range.last << " goes past its end\n";
+        return kExitUsage;
+    }
+    return WriteSound(score, range.first, range.last, 120.0, options.sound, tools, &out, err);
+}
+
+}   // namespace stavio::app

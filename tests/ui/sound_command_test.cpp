@@ -1,0 +1,310 @@
+// The sound of grooves and filled scores as a person gets it: `fill --midi/--audio`,
+// `grooves play` and `export`, checked against the groove files themselves. The MIDI is read
+// with the tests' own SMF reader; the audio is read from its WAV header and samples, with an
+// energy onset detector of its own.
+#include "tests/support/smf.h"
+#include "tests/ui/ui_test_support.h"
+
+#include <cmath>
+#include <cstring>
+#include <filesystem>
+#include <set>
+
+using namespace ui_test;
+using support::CommandRun;
+using support::ExpectHas;
+
+namespace {
+
+constexpr int kGrooveDivision = 480;   // the bundled grooves' ticks to the quarter
+constexpr double kOnsetTolerance = 0.04;
+// FluidSynth renders past the end of the music until the last notes have rung out, two
+// seconds at least.
+constexpr double kRingOutMin = 1.9;
+constexpr double kRingOutMax = 2.6;
+
+struct Audio {
+    int channels = 0;
+    int rate = 0;
+    int bits = 0;
+    std::vector<double> mono;   // -1..1
+    double Seconds() const { return rate > 0 ? static_cast<double>(mono.size()) / rate : 0.0; }
+};
+
+uint32_t Little(const std::vector<uint8_t>& bytes, size_t at, int size)
+{
+    uint32_t value = 0;
+    for (int i = size - 1; i >= 0; --i) {
+        value = value << 8 | bytes.at(at + static_cast<size_t>(i));
+    }
+    return value;
+}
+
+// A RIFF/WAVE file of 16-bit PCM: its format and its samples mixed to one channel.
+Audio ReadWav(const std::string& path)
+{
+    const std::vector<uint8_t> bytes = support::ReadBytes(path);
+    Audio audio;
+    if (bytes.size() < 12 || std::memcmp(bytes.data(), "RIFF", 4) != 0 ||
+        std::memcmp(bytes.data() + 8, "WAVE", 4) != 0) {
+        ADD_FAILURE() << path << " is not a WAVE file";
+        return audio;
+    }
+    for (size_t at = 12; at + 8 <= bytes.size();) {
+        const std::string id(bytes.begin() + static_cast<long>(at), bytes.begin() + static_cast<long>(at + 4));
+        const uint32_t size = Little(bytes, at + 4, 4);
+        if (id == "fmt ") {
+            EXPECT_EQ(Little(bytes, at + 8, 2), 1u) << "PCM";
+            audio.channels = static_cast<int>(Little(bytes, at + 10, 2));
+            audio.rate = static_cast<int>(Little(bytes, at + 12, 4));
+            audio.bits = static_cast<int>(Little(bytes, at + 22, 2));
+        } else if (id == "data" && audio.channels > 0 && audio.bits == 16) {
+            const size_t frames =
+                std::min<size_t>(size, bytes.size() - at - 8) / (2 * static_cast<size_t>(audio.channels));
+            for (size_t frame = 0; frame < frames; ++frame) {
+                double sum = 0.0;
+                for (int channel = 0; channel < audio.channels; ++channel) {
+                    const size_t sample =
+                        at + 8 + (frame * static_cast<size_t>(audio.channels) + static_cast<size_t>(channel)) * 2;
+                    sum += static_cast<int16_t>(Little(bytes, sample, 2)) / 32768.0;
+                }
+                audio.mono.push_back(sum / audio.channels);
+            }
+        }
+        at += 8 + size + (size & 1);
+    }
+    return audio;
+}
+
+double Rms(const Audio& audio, double from, double to)
+{
+    const auto first = static_cast<size_t>(from * audio.rate);
+    const auto last = std::min(audio.mono.size(), static_cast<size_t>(to * audio.rate));
+    double sum = 0.0;
+    for (size_t i = first; i < last; ++i) sum += audio.mono[i] * audio.mono[i];
+    return last > first ? std::sqrt(sum / static_cast<double>(last - first)) : 0.0;
+}
+
+// Onsets in seconds: 10 ms frames whose energy is more than twice that of the three frames
+// before (silence before the start) and above a floor, at least 60 ms apart.
+std::vector<double> Onsets(const Audio& audio)
+{
+    const size_t hop = static_cast<size_t>(audio.rate) / 100;
+    std::vector<double> energy = {0.0};
+    for (size_t at = 0; hop > 0 && at + hop <= audio.mono.size(); at += hop) {
+        double sum = 0.0;
+        for (size_t i = at; i < at + hop; ++i) sum += audio.mono[i] * audio.mono[i];
+        energy.push_back(sum / static_cast<double>(hop));
+    }
+    std::vector<double> onsets;
+    for (size_t frame = 1; frame < energy.size(); ++frame) {
+        const double before = *std::max_element(energy.begin() + static_cast<long>(frame > 3 ? frame - 3 : 0),
+                                                energy.begin() + static_cast<long>(frame));
+        const double time = static_cast<double>(frame - 1) / 100.0;
+        if (energy[frame] > 1e-5 && energy[frame] > 2.0 * before && (onsets.empty() || time - onsets.back() > 0.06)) {
+            onsets.push_back(time);
+        }
+    }
+    return onsets;
+}
+
+// (tick, key) of the channel-10 note-ons of a file, scaled to `division` ticks a quarter.
+std::vector<std::pair<int64_t, int>> DrumOnsets(const support::SmfListing& file, int division)
+{
+    std::vector<std::pair<int64_t, int>> onsets;
+    for (const auto& track : file.tracks) {
+        for (const support::SmfEvent& event : track) {
+            if (event.IsNoteOn() && event.Channel() == 10) {
+                onsets.emplace_back(int64_t{event.tick} * division / file.division, event.data1);
+            }
+        }
+    }
+    std::sort(onsets.begin(), onsets.end());
+    return onsets;
+}
+
+int NoteOnsOnChannel(const std::vector<support::SmfEvent>& track, int channel)
+{
+    return static_cast<int>(std::count_if(track.begin(), track.end(), [channel](const support::SmfEvent& event) {
+        return event.IsNoteOn() && event.Channel() == channel;
+    }));
+}
+
+// Every expected onset is heard within the tolerance, and nothing is heard where none is expected.
+void ExpectOnsetsLineUp(const Audio& audio, const std::set<double>& expected)
+{
+    const std::vector<double> heard = Onsets(audio);
+    for (double time : expected) {
+        EXPECT_TRUE(
+            std::any_of(heard.begin(), heard.end(), [time](double h) { return std::abs(h - time) <= kOnsetTolerance; }))
+            << "no onset heard at " << time << " s";
+    }
+    for (double time : heard) {
+        EXPECT_TRUE(std::any_of(expected.begin(), expected.end(),
+                                [time](double e) { return std::abs(e - time) <= kOnsetTolerance; }))
+            << "an onset heard at " << time << " s where the groove has none";
+    }
+}
+
+class SoundCommands : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        library_ = MakeGrooveFolder(home_.Path(), {});
+        std::filesystem::copy_file(support::GrooveLibrary() + "/Rock 8ths.mid", library_ + "/Rock 8ths.mid");
+        environment_ = "XDG_CONFIG_HOME=" + home_.Path() + "/config XDG_DATA_HOME=" + home_.Path() + "/data";
+        groove_ = support::ListSmf(support::ReadBytes(library_ + "/Rock 8ths.mid"));
+    }
+    CommandRun Run(const std::string& arguments, const std::string& environment = "")
+    {
+        return support::RunTamberlyne(arguments, environment_ + " " + environment);
+    }
+    // The groove's onsets (groove ticks) in its `bars` repeated bars, repeated `times` times.
+    std::vector<std::pair<int64_t, int>> RepeatedGroove(int times) const
+    {
+        std::vector<std::pair<int64_t, int>> onsets;
+        for (int time = 0; time < times; ++time) {
+            for (const auto& [tick, key] : DrumOnsets(groove_, kGrooveDivision)) {
+                if (tick < kGrooveBars * kBarTicks) {
+                    onsets.emplace_back(tick + time * kGrooveBars * kBarTicks, key);
+                }
+            }
+        }
+        return onsets;
+    }
+    static std::set<double> Seconds(const std::vector<std::pair<int64_t, int>>& onsets)
+    {
+        std::set<double> seconds;
+        for (const auto& onset : onsets)
+            seconds.insert(static_cast<double>(onset.first) / kGrooveDivision * 60.0 / kTempo);
+        return seconds;
+    }
+
+    static constexpr int kGrooveBars = 2;   // "Rock 8ths": 2 bars of 4/4, a closing crash after them
+    static constexpr int64_t kBarTicks = 4 * kGrooveDivision;
+    static constexpr double kTempo = 112.0;
+    TempFolder home_;
+    std::string library_;
+    std::string environment_;
+    support::SmfListing groove_;
+};
+
+}   // namespace
+
+// Measures 5-12 filled with the groove: the MIDI holds its drum notes four times over, onset for
+// onset and key for key, at its tempo; the piano plays nothing, as the score has it; the audio
+// lasts the eight bars and its onsets are the groove's.
+TEST_F(SoundCommands, TheFilledRegionSoundsAsTheGroove)
+{
+    const CommandRun run = Run("fill --measures 5-12 --groove \"Rock 8ths\" --staff Drums --yes --library " + library_ +
+                               " --midi " + home_ / "fill.mid" + " --audio " + home_ / "fill.wav");
+    ASSERT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"MIDI: " + home_ / "fill.mid" + " (measures 5-12, 17.14 s at 112 quarter notes a minute)",
+                        "Audio: " + home_ / "fill.wav"});
+
+    const support::SmfListing midi = support::ListSmf(support::ReadBytes(home_ / "fill.mid"));
+    ASSERT_EQ(midi.tracks.size(), 3u);   // the conductor, "Piano", "Drums"
+    EXPECT_EQ(DrumOnsets(midi, kGrooveDivision), RepeatedGroove(4));
+    EXPECT_EQ(NoteOnsOnChannel(midi.tracks[1], 1), 0);
+    EXPECT_EQ(NoteOnsOnChannel(midi.tracks[2], 10), static_cast<int>(RepeatedGroove(4).size()));
+    EXPECT_EQ(midi.tracks[0][0].data, (support::Bytes{0x08, 0x2C, 0xA2}));   // 535714 microseconds: 112 a minute
+
+    const Audio audio = ReadWav(home_ / "fill.wav");
+    EXPECT_EQ(support::Ints(audio.channels, audio.rate, audio.bits), support::Ints(2, 44100, 16));
+    const double music = 8 * 4 * 60.0 / kTempo;
+    EXPECT_GE(audio.Seconds(), music + kRingOutMin);
+    EXPECT_LE(audio.Seconds(), music + kRingOutMax);
+    EXPECT_GT(Rms(audio, 0.0, music), 0.005);
+    ExpectOnsetsLineUp(audio, Seconds(RepeatedGroove(4)));
+}
+
+// A groove alone, in both formats; a render that fails leaves the earlier file as it was.
+TEST_F(SoundCommands, GroovesPlayRendersTheGrooveAsTheScoreWouldHoldIt)
+{
+    CommandRun run = Run("grooves play \"Rock 8ths\" -o " + home_ / "rock.wav" + " --library " + library_);
+    ASSERT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"(4/4, 2 bars)", "Audio: " + home_ / "rock.wav" + " (measures 1-2, 4.29 s at 112"});
+    const Audio audio = ReadWav(home_ / "rock.wav");
+    const double music = kGrooveBars * 4 * 60.0 / kTempo;
+    EXPECT_GE(audio.Seconds(), music + kRingOutMin);
+    EXPECT_LE(audio.Seconds(), music + kRingOutMax);
+    EXPECT_GT(Rms(audio, 0.0, music), 0.005);
+    ExpectOnsetsLineUp(audio, Seconds(RepeatedGroove(1)));
+
+    run = Run("grooves play \"Rock 8ths.mid\" -o " + home_ / "rock.ogg" + " --library " + library_);
+    ASSERT_EQ(run.status, 0) << run.err;
+    const std::string ogg = ReadFile(home_ / "rock.ogg");
+    EXPECT_EQ(ogg.rfind("OggS", 0), 0u);
+    EXPECT_TRUE(Has(ogg, "vorbis"));
+
+    // A file that is not a sound font is refused; one that only looks like one fails in FluidSynth.
+    // Either way rock.wav keeps its sound.
+    const std::vector<uint8_t> before = support::ReadBytes(home_ / "rock.wav");
+    WriteFile(home_ / "text.sf2", "not a sound font");
+    WriteFile(home_ / "broken.sf2", std::string("RIFF\x04\0\0\0sfbk", 12) + "garbage");
+    for (const auto& [font, complaint] : std::vector<std::pair<std::string, std::string>>{
+             {"text.sf2", "is not a SoundFont 2 file"},
+             {"broken.sf2", "FluidSynth could not render " + home_ / "rock.wav"}}) {
+        run = Run("grooves play \"Rock 8ths\" --tempo 1000 -o " + home_ / "rock.wav" + " --library " + library_ +
+                  " --sound-font " + home_ / font);
+        EXPECT_EQ(run.status, 1);
+        ExpectHas(run.err, {complaint});
+        EXPECT_EQ(support::ReadBytes(home_ / "rock.wav"), before);
+    }
+    size_t files = 0;
+    for (const auto& entry : std::filesystem::directory_iterator(home_.Path()))
+        files += entry.is_regular_file() ? 1u : 0u;
+    EXPECT_EQ(files, 4u) << "no temporary file is left beside the audio";
+}
+
+// What is missing is named with the Debian package that brings it, before anything is done.
+TEST_F(SoundCommands, MissingFluidSynthOrSoundFontNamesThePackage)
+{
+    for (const auto& [arguments, environment, message] : std::vector<std::tuple<std::string, std::string, std::string>>{
+             {"grooves play \"Rock 8ths\" -o OUT --library LIB", "PATH=/nonexistent",
+              "\"fluidsynth\" is not on the PATH; install the Debian package fluidsynth"},
+             {"fill --measures 1-2 --groove \"Rock 8ths\" --yes --library LIB --audio OUT", "PATH=/nonexistent",
+              "install the Debian package fluidsynth"},
+             {"grooves play \"Rock 8ths\" -o OUT --library LIB --sound-font /nowhere/GM.sf2", "",
+              "the sound font /nowhere/GM.sf2 does not exist; name another with --sound-font or install the Debian "
+              "package timgm6mb-soundfont"}}) {
+        std::string command = arguments;
+        command.replace(command.find("OUT"), 3, home_ / "out.wav");
+        command.replace(command.find("LIB"), 3, library_);
+        const CommandRun run = Run(command, environment);
+        EXPECT_EQ(run.status, 1) << command;
+        ExpectHas(run.err, {message});
+        EXPECT_TRUE(run.out.empty()) << "nothing was done: " << run.out;
+        EXPECT_FALSE(std::filesystem::exists(home_ / "out.wav"));
+    }
+}
+
+// `export` writes the demo score; wrong usage says what is wrong.
+TEST_F(SoundCommands, ExportWritesTheDemoScore)
+{
+    CommandRun run = Run("export -o " + home_ / "demo.mid" + " --measures 2-3 --tempo 90");
+    ASSERT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"MIDI: " + home_ / "demo.mid" + " (measures 2-3, 5.33 s at 90 quarter notes a minute)"});
+    const support::SmfListing midi = support::ListSmf(support::ReadBytes(home_ / "demo.mid"));
+    EXPECT_EQ(support::Ints(midi.format, midi.division, midi.tracks.size()), support::Ints(1, 1024, 3));
+    EXPECT_EQ(midi.tracks[0][0].data, (support::Bytes{0x0A, 0x2C, 0x2B}));   // 666667 microseconds a quarter
+    EXPECT_EQ(midi.tracks[2][0].data, (support::Bytes{'D', 'r', 'u', 'm', 's'}));
+    EXPECT_EQ(midi.tracks[2].back().tick, 2 * 4096);
+
+    for (const auto& [arguments, complaint] : std::vector<std::pair<std::string, std::string>>{
+             {"export score.musicxml -o x.mid", "reading a score file is not available yet"},
+             {"export", "needs the file to write: -o OUT.mid"},
+             {"export -o x.mid --measures 3-17", "the score has 16 measures"},
+             {"export -o x.mid --tempo fast", "--tempo takes quarter notes a minute, 1 to 1000 (got \"fast\")"},
+             {"export -o x.mid --audio x.mp3", "must end in .wav or .ogg"},
+             {"grooves list", "takes \"show NAME\" or options only"},
+             {"grooves play \"Rock 8ths\"", "needs the audio file to write: -o OUT.wav or -o OUT.ogg"}}) {
+        run = Run(arguments);
+        EXPECT_EQ(run.status, 2) << arguments;
+        ExpectHas(run.err, {complaint});
+    }
+    ExpectHas(Run("--help").out, {"export -o OUT.mid"});
+    ExpectHas(Run("grooves --help").out, {"grooves play NAME -o OUT"});
+    ExpectHas(Run("fill --help").out,
+              {"--midi OUT.mid", "--audio OUT.wav|OUT.ogg", "--tempo BPM", "--sound-font FILE"});
+}
