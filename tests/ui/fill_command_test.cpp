@@ -140,7 +140,7 @@ TEST_F(FillCommand, ThePerUserLibraryIsFilledFromTheBundledOneOnFirstUse)
     ExpectHas(run.out, {"Groove library: " + userLibrary + " (filled from " + bundled});
     size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(bundled)) {
-        files += entry.is_regular_file() ? 1 : 0;
+        if (entry.is_regular_file()) ++files;
         EXPECT_TRUE(std::filesystem::exists(userLibrary + "/" + entry.path().filename().string()));
     }
     EXPECT_GT(files, 0u);
