@@ -116,6 +116,9 @@ TEST_F(FillCommand, ReportsTheDialogTheStavesAndTheResult)
     ExpectHas(run.out, {"Selection: measures 5-12 of every staff", "Plug-in result: 1 (the score changed)",
                         "Staff 1 \"Piano\" (unchanged)", "Staff 2 \"Drums\" (changed)", "  MIDI channel 10: yes\n",
                         "  clef in measure 5: 12 (percussion) (was 0)", "  Acoustic Snare |----o-------o---|"});
+    // OK remembered the option in the command's own preferences folder, not loose in the base.
+    EXPECT_TRUE(std::filesystem::is_regular_file(home_ / "config/tamberlyne/tamberlyne Prefs"));
+    EXPECT_FALSE(std::filesystem::exists(home_ / "config/tamberlyne Prefs"));
 
     run = Fill("--measures 5-12 --groove Rock --staff 3 --library " + library_ + " --json");
     EXPECT_EQ(run.status, 1);
