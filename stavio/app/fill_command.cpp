@@ -4,6 +4,7 @@
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/shipped_folders.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/host.h"
@@ -249,7 +250,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& out, std::ostream& err
     HostSettings settings = line.settings;
     settings.applicationFolder = report.library.applicationFolder;
     if (settings.pluginFolder.empty()) {
-        settings.pluginFolder = toolbox::FileSpec{toolbox::ApplicationFolder(), "PlugIns"}.Path();
+        settings.pluginFolder = ShippedPluginFolder();
     }
     Host host(settings, &frontEnd);
     host.SetDocument(BuildDemoDocument());

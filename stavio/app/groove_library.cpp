@@ -1,5 +1,7 @@
 #include "stavio/app/groove_library.h"
 
+#include "stavio/app/shipped_folders.h"
+
 #include "toolbox/files.h"
 #include "toolbox/folders.h"
 
@@ -96,7 +98,7 @@ bool ResolveGivenLibrary(const std::string& option, GrooveLibrary& library, std:
 
 std::string BundledLibraryFolder()
 {
-    return toolbox::FileSpec{toolbox::ApplicationFolder(), kGrooveFolderName}.Path();
+    return ShippedGrooveLibrary();
 }
 
 bool ResolveGrooveLibrary(const std::optional<std::string>& libraryOption, const std::string& bundled,
