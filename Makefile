@@ -48,7 +48,7 @@ deps:
 	  echo "Installing Debian packages:" $$missing; \
 	  sudo=$$([ "$$(id -u)" = 0 ] || echo sudo); \
 	  $(call quietly,apt,$$sudo apt-get update -qq && \
-	    DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends $$missing); \
+	    $$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $$missing); \
 	fi
 
 build: deps
