@@ -93,18 +93,18 @@ DialogAction DialogAction::LetTimersFire()
 
 std::string DialogAction::Describe() const
 {
-    std::ostringstream text;
+    std::ostringstream description;
     switch (kind) {
-        case Kind::Press: text << "press item " << item; break;
-        case Kind::Choose: text << "choose entry " << number << " of pop-up " << item; break;
-        case Kind::ChooseNamed: text << "choose \"" << this->text << "\" in pop-up " << item; break;
-        case Kind::ClickRow: text << "click row " << number << " of the list in item " << item; break;
-        case Kind::ClickRowNamed: text << "click \"" << this->text << "\" in the list in item " << item; break;
-        case Kind::Click: text << "click at (" << point.x << ", " << point.y << ")"; break;
-        case Kind::CloseBox: text << "press the close box"; break;
-        case Kind::WaitForTimers: text << "wait for the dialog's timers"; break;
+        case Kind::Press: description << "press item " << item; break;
+        case Kind::Choose: description << "choose entry " << number << " of pop-up " << item; break;
+        case Kind::ChooseNamed: description << "choose \"" << text << "\" in pop-up " << item; break;
+        case Kind::ClickRow: description << "click row " << number << " of the list in item " << item; break;
+        case Kind::ClickRowNamed: description << "click \"" << text << "\" in the list in item " << item; break;
+        case Kind::Click: description << "click at (" << point.x << ", " << point.y << ")"; break;
+        case Kind::CloseBox: description << "press the close box"; break;
+        case Kind::WaitForTimers: description << "wait for the dialog's timers"; break;
     }
-    return text.str();
+    return description.str();
 }
 
 }   // namespace stavio

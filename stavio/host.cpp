@@ -156,7 +156,9 @@ size_t Host::LoadPlugins()
     }
     size_t loaded = 0;
     for (const std::string& bundle : FindBundles(folder)) {
-        loaded += LoadBundle(bundle) ? 1 : 0;
+        if (LoadBundle(bundle)) {
+            ++loaded;
+        }
     }
     return loaded;
 }

@@ -197,10 +197,11 @@ private:
     int Repeats(size_t cells)
     {
         const size_t perBar = static_cast<size_t>(pattern_.stepsPerBar);
+        const size_t perGroove = perBar * static_cast<size_t>(pattern_.bars);
         if (cells == perBar) return pattern_.bars;
-        if (cells == perBar * static_cast<size_t>(pattern_.bars)) return 1;
+        if (cells == perGroove) return 1;
         Fail("a line has " + std::to_string(cells) + " steps; one bar has " + std::to_string(perBar) +
-             " and the groove " + std::to_string(perBar * pattern_.bars));
+             " and the groove " + std::to_string(perGroove));
     }
 
     void ParseDrumLine(int key, std::istringstream& words)
@@ -214,10 +215,13 @@ private:
             velocities.push_back(velocity);
         }
         const int repeats = Repeats(velocities.size());
-        const int count = static_cast<int>(velocities.size());
-        for (int r = 0; r < repeats; ++r)
-            for (int i = 0; i < count; ++i)
-                if (velocities[i] > 0) track.notes.push_back({r * count + i, 1, key, velocities[i]});
+        int step = 0;
+        for (int r = 0; r < repeats; ++r) {
+            for (const int velocity : velocities) {
+                if (velocity > 0) track.notes.push_back({step, 1, key, velocity});
+                ++step;
+            }
+        }
     }
 
     // Tokens: a note ("E2", "F#3"), a chord ("C4+E4+G4"), "." a rest, "-" holds the previous one.
@@ -243,12 +247,13 @@ private:
             held.push_back(token == "-");
         }
         const int repeats = Repeats(steps.size());
-        const int count = static_cast<int>(steps.size());
+        const size_t count = steps.size();
+        int step = 0;
         for (int r = 0; r < repeats; ++r) {
-            for (int i = 0; i < count; ++i) {
-                int length = 1;
+            for (size_t i = 0; i < count; ++i, ++step) {
+                size_t length = 1;
                 while (i + length < count && held[i + length]) ++length;
-                for (int key : steps[i]) track.notes.push_back({r * count + i, length, key, 88});
+                for (int key : steps[i]) track.notes.push_back({step, static_cast<int>(length), key, 88});
             }
         }
     }

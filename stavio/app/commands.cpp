@@ -42,7 +42,8 @@ std::string UsageText()
     }
     text << "\n"
             "Options:\n"
-            "  --plugins DIR       the plug-in folder (default: PlugIns beside the program)\n"
+            "  --plugins DIR       the plug-in folder (default: PlugIns beside the program, else\n"
+            "                      the installed ../lib/tamberlyne/PlugIns)\n"
             "  --pose newer|older  present the host as a newer one (plug-in finds host functions by\n"
             "                      name; the default) or an older one (plug-in copies the table)\n"
             "  -h, --help          show this text\n"

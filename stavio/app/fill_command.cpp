@@ -8,6 +8,7 @@
 #include "stavio/app/groove_preview.h"
 #include "stavio/app/sound_output.h"
 #include "stavio/app/score_fill.h"
+#include "stavio/app/shipped_folders.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/document/host_tags.h"
@@ -330,7 +331,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     HostSettings settings = line.settings;
     settings.applicationFolder = report.library.applicationFolder;
     if (settings.pluginFolder.empty()) {
-        settings.pluginFolder = toolbox::FileSpec{toolbox::ApplicationFolder(), "PlugIns"}.Path();
+        settings.pluginFolder = ShippedPluginFolder();
     }
     Host host(settings, &frontEnd);
     host.SetDocument(scoreFill ? scoreFill->score.document() : BuildDemoDocument());

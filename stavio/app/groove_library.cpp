@@ -1,5 +1,7 @@
 #include "stavio/app/groove_library.h"
 
+#include "stavio/app/shipped_folders.h"
+
 #include "toolbox/files.h"
 #include "toolbox/folders.h"
 
@@ -92,7 +94,7 @@ toolbox::Result<GrooveLibrary> ResolveGivenLibrary(const std::string& option)
 
 std::string BundledLibraryFolder()
 {
-    return toolbox::FileSpec{toolbox::ApplicationFolder(), kGrooveFolderName}.Path();
+    return ShippedGrooveLibrary();
 }
 
 toolbox::Result<GrooveLibrary> ResolveGrooveLibrary(const std::optional<std::string>& libraryOption,

@@ -21,7 +21,7 @@ struct GrooveLibrary {
     std::string note;                // something a person should know (the library is missing ...)
 };
 
-// The bundled library: "Tamberlyne" in the folder of the running program.
+// The bundled library: "Tamberlyne" beside the running program, else the installed one.
 std::string BundledLibraryFolder();
 
 // With `libraryOption`: that folder, which must exist, be a folder and be named "Tamberlyne".

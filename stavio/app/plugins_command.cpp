@@ -1,5 +1,6 @@
 // `tamberlyne plugins`: what the plug-in folder offers, and what would not load.
 #include "stavio/app/commands.h"
+#include "stavio/app/shipped_folders.h"
 #include "stavio/host.h"
 
 #include <filesystem>
@@ -14,7 +15,11 @@ int RunPluginsCommand(const CommandLine& line, std::ostream& out, std::ostream& 
             << UsageText();
         return kExitUsage;
     }
-    Host host(line.settings);
+    HostSettings settings = line.settings;
+    if (settings.pluginFolder.empty()) {
+        settings.pluginFolder = ShippedPluginFolder();
+    }
+    Host host(settings);
     const std::string folder = host.PluginFolder();
     std::error_code error;
     if (!std::filesystem::is_directory(folder, error)) {

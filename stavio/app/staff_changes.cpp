@@ -47,7 +47,7 @@ std::optional<StaffSummary> Summarise(const Document& doc, int32_t inst, const E
     if (doc.Read(kTagStaffSpec, staffKey, spec, kStaffSpecVersion)) {
         summary.name = TextBlockText(doc, spec.fullName);
     }
-    const std::optional<int16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
+    const std::optional<uint16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
     summary.playsOnChannel10 = channel && PlaysOnChannel10(*channel);
     const RecordStore::Bytes* hold =
         doc.Records().Find(kTagGfhold, RecordKey::Detail(static_cast<uint16_t>(inst), region.start.meas, 0));
@@ -138,7 +138,7 @@ void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<St
 std::string JsonString(const std::string& text)
 {
     std::string quoted = "\"";
-    for (unsigned char c : text) {
+    for (const char c : text) {
         switch (c) {
             case '"': quoted += "\\\""; break;
             case '\\': quoted += "\\\\"; break;
@@ -146,12 +146,12 @@ std::string JsonString(const std::string& text)
             case '\r': quoted += "\\r"; break;
             case '\t': quoted += "\\t"; break;
             default:
-                if (c < 0x20) {
+                if (static_cast<unsigned char>(c) < 0x20) {
                     char escaped[8];
-                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", c);
+                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", static_cast<unsigned>(c));
                     quoted += escaped;
                 } else {
-                    quoted += static_cast<char>(c);
+                    quoted += c;
                 }
         }
     }

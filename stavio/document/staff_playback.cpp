@@ -23,9 +23,9 @@ bool ValidDefinition(int32_t definition)
 
 }   // namespace
 
-int16_t DefaultChannelCode(int32_t definition)
+uint16_t DefaultChannelCode(int32_t definition)
 {
-    static constexpr int16_t kCodes[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14, 15};
+    static constexpr uint16_t kCodes[] = {0, 1, 2, 3, 4, 5, 6, 7, 8, 10, 11, 12, 13, 14, 15};
     constexpr int32_t kCount = static_cast<int32_t>(sizeof(kCodes) / sizeof(kCodes[0]));
     const int32_t index = definition < 1 ? 0 : (definition - 1) % kCount;
     return kCodes[index];
@@ -69,23 +69,23 @@ int32_t StaffChannelDefinition(const Document& doc, int32_t inst)
     return usage.a + 1;
 }
 
-std::optional<int16_t> ChannelCode(const Document& doc, int32_t definition)
+std::optional<uint16_t> ChannelCode(const Document& doc, int32_t definition)
 {
     EDTGeneric record{};
     if (!ValidDefinition(definition) || !doc.Read(kTagChannelDef, DefinitionKey(definition), record)) {
         return std::nullopt;
     }
-    return record.words[0];
+    return static_cast<uint16_t>(record.words[0]);
 }
 
-bool SetChannelCode(Document& doc, int32_t definition, int16_t code)
+bool SetChannelCode(Document& doc, int32_t definition, uint16_t code)
 {
     if (!ValidDefinition(definition)) {
         return false;
     }
     EDTGeneric record{};
     doc.Read(kTagChannelDef, DefinitionKey(definition), record);
-    record.words[0] = code;
+    record.words[0] = static_cast<int16_t>(code);
     return doc.Write(kTagChannelDef, DefinitionKey(definition), record);
 }
 

@@ -10,20 +10,24 @@
 
 namespace stavio {
 
-constexpr int16_t kChannel10Code = 9;          // MIDI channel 10 counted from 0
-constexpr int16_t kDrumChannelCode = 0x8009;   // the host's drum channel: channel 10 with the drum bit
+// A channel code is a 16-bit word of flags: the low bits the MIDI channel counted from 0, the top
+// bit the host's drum mark. It is stored in the signed word 0 of the definition; the host reads
+// and writes it as the unsigned bit pattern it is.
+constexpr uint16_t kChannel10Code = 9;                                    // MIDI channel 10 counted from 0
+constexpr uint16_t kDrumChannelBit = 0x8000;                              // the host's drum mark
+constexpr uint16_t kDrumChannelCode = kDrumChannelBit | kChannel10Code;   // 0x8009
 constexpr size_t kChannelNameSize = 12;
 
 // Both forms mean MIDI channel 10: the plain code a plug-in writes (9) and the host's own drum
 // form with the drum bit (0x8009).
-constexpr bool PlaysOnChannel10(int16_t code)
+constexpr bool PlaysOnChannel10(uint16_t code)
 {
-    return (static_cast<uint16_t>(code) & 0x7FFF) == kChannel10Code;
+    return (code & ~kDrumChannelBit) == kChannel10Code;
 }
 
 // The channel code of channel definition `definition` (1, 2, ...) in a new document: MIDI
 // channels 1, 2, 3 ... counted from 0, skipping 9 (the drums), after 15 starting over at 0.
-int16_t DefaultChannelCode(int32_t definition);
+uint16_t DefaultChannelCode(int32_t definition);
 
 // "Staff 3": the channel name of a staff made without one.
 std::string DefaultStaffName(int32_t inst);
@@ -36,8 +40,8 @@ int32_t AddStaffPlayback(Document& doc, int32_t inst, const std::string& name);
 // The number of the staff's channel definition (its usage's `a` + 1); 0 without a usage.
 int32_t StaffChannelDefinition(const Document& doc, int32_t inst);
 
-std::optional<int16_t> ChannelCode(const Document& doc, int32_t definition);
-bool SetChannelCode(Document& doc, int32_t definition, int16_t code);
+std::optional<uint16_t> ChannelCode(const Document& doc, int32_t definition);
+bool SetChannelCode(Document& doc, int32_t definition, uint16_t code);
 // The General MIDI program a channel definition plays (word 1: 1..128, 0 when none is set, which
 // plays as program 1).
 int16_t ChannelProgram(const Document& doc, int32_t definition);

@@ -241,7 +241,7 @@ Bytes StaffTrack(const Document& doc, int32_t inst, int32_t first, int32_t last,
                  int defaultChannel)
 {
     const int32_t definition = StaffChannelDefinition(doc, inst);
-    const std::optional<int16_t> code = ChannelCode(doc, definition);
+    const std::optional<uint16_t> code = ChannelCode(doc, definition);
     const bool drums = code && PlaysOnChannel10(*code);
     const int channel = drums ? kDrumChannel : code ? (*code & 0x0F) : defaultChannel;
 

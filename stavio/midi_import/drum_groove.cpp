@@ -54,7 +54,7 @@ DrumGroove DrumGrooveOf(const SmfFile& file)
             if (event.status == kDrumNoteOn && event.data2 > 0) {
                 const int64_t edu = int64_t{event.tick} * kEduPerQuarter / ticksPerQuarter;
                 if (edu < kFurthestEdu) {
-                    groove.onsets.push_back(DrumOnset{edu, event.data1});
+                    groove.onsets.push_back(DrumOnset{edu, static_cast<int8_t>(event.data1)});
                 }
             }
         }

@@ -690,7 +690,7 @@ void Reader::BuildDocument(std::vector<PartBuild>& builds)
         const auto staffIndex = static_cast<size_t>(staff.staffInPart - 1);
         if (!staff.drum && build.info.midiChannel > 0) {
             SetChannelCode(document, StaffChannelDefinition(document, staff.inst),
-                           static_cast<int16_t>(build.info.midiChannel - 1));
+                           static_cast<uint16_t>(build.info.midiChannel - 1));
         }
         for (size_t meas = 0; meas < build.layers.size() && meas < measures.size(); ++meas) {
             const int32_t measure = static_cast<int32_t>(meas + 1);

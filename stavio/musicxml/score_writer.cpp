@@ -75,7 +75,7 @@ bool SameFrame(const Document& before, const Document& after, int32_t inst, int3
 
 bool DrumChannel(const Document& doc, int32_t inst)
 {
-    const std::optional<int16_t> code = ChannelCode(doc, StaffChannelDefinition(doc, inst));
+    const std::optional<uint16_t> code = ChannelCode(doc, StaffChannelDefinition(doc, inst));
     return code && PlaysOnChannel10(*code);
 }
 

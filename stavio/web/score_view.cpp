@@ -25,7 +25,7 @@ std::string StaffName(const Document& doc, int32_t inst)
 
 bool PlaysDrums(const Document& doc, int32_t inst)
 {
-    const std::optional<int16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
+    const std::optional<uint16_t> channel = ChannelCode(doc, StaffChannelDefinition(doc, inst));
     return channel && PlaysOnChannel10(*channel);
 }
 

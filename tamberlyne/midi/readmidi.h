@@ -38,8 +38,7 @@ public:
     // ---- Parsing --------------------------------------------------------------------------
     void InitVariables();
     bool ReadHeader();
-    void ClearEvent(LEventRec& NewEvent, int32_t CurrentTPB, int32_t CurrentTick, int32_t CurrentBar,
-                    int32_t tickinbar);
+    void ClearEvent(LEventRec& NewEvent, int32_t CurrentTPB, int32_t EventTick, int32_t CurrentBar, int32_t tickinbar);
     bool LoadTrack(int32_t Track, bool& founddrumnotes, bool TrackMayHaveNotes, int32_t passnum);
     void Enqueue(LEventRec ev);
 

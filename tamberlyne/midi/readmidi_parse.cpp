@@ -63,10 +63,10 @@ void TMidiRead::InitVariables()
 }
 
 // TPB is deliberately left alone: a record keeps the beat length of its previous use.
-void TMidiRead::ClearEvent(LEventRec& NewEvent, int32_t CurrentTPB, int32_t CurrentTick, int32_t CurrentBar,
+void TMidiRead::ClearEvent(LEventRec& NewEvent, int32_t CurrentTPB, int32_t EventTick, int32_t CurrentBar,
                            int32_t tickinbar)
 {
-    NewEvent.Tick = CurrentTick;
+    NewEvent.Tick = EventTick;
     NewEvent.Bar = CurrentBar;
     NewEvent.tickinbar = tickinbar;
     NewEvent.EDUinbar = SafeDiv(WrapMul(tickinbar, 1024), CurrentTPB);

@@ -67,7 +67,8 @@ int CreateTextExpression(char* text, int16_t font, int16_t size, int16_t type)
         }
     }
 
-    std::unique_ptr<char[]> buffer(new (std::nothrow) char[static_cast<size_t>(storedSize + kSpareBytes)]());
+    const auto bufferSize = static_cast<size_t>(storedSize + kSpareBytes);
+    std::unique_ptr<char[]> buffer(new (std::nothrow) char[bufferSize]());
     if (!buffer) {
         return -1;
     }

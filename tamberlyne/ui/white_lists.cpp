@@ -88,7 +88,8 @@ void LSizeWhite(int width, int height, ListHandle list)
 
 void LSetCellWhite(const void* data, int dataLength, toolbox::Cell cell, ListHandle list)
 {
-    const std::string_view text(static_cast<const char*>(data), data != nullptr && dataLength > 0 ? dataLength : 0);
+    const size_t length = data != nullptr && dataLength > 0 ? static_cast<size_t>(dataLength) : 0;
+    const std::string_view text(static_cast<const char*>(data), length);
     WithWhiteBackground(list, __LINE__, [&](toolbox::ListControl& l) { l.SetCellText(cell, text); });
 }
 

@@ -161,21 +161,21 @@ TEST(ImportErrors, DamagedFilesGiveTheNotesBeforeTheFault)
             SCOPED_TRACE(std::string(name) + " cut to " + std::to_string(size) + " bytes");
             const Bytes cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
             const Listing readable = ListDrumHits(cut, true);
-            Document doc = before;
-            std::string error;
-            const bool imported = ImportMidiBytes(doc, Region(1, 1, kMeasures), cut, "cut.mid", error);
-            ASSERT_EQ(imported, !readable.hits.empty()) << error;
+            Document cutDoc = before;
+            std::string cutError;
+            const bool imported = ImportMidiBytes(cutDoc, Region(1, 1, kMeasures), cut, "cut.mid", cutError);
+            ASSERT_EQ(imported, !readable.hits.empty()) << cutError;
             if (!imported) {
-                EXPECT_EQ(error.rfind("cut.mid: ", 0), 0u) << error;
-                EXPECT_TRUE(doc.Records() == before.Records());
+                EXPECT_EQ(cutError.rfind("cut.mid: ", 0), 0u) << cutError;
+                EXPECT_TRUE(cutDoc.Records() == before.Records());
                 continue;
             }
             ++cutsWithNotes;
             Document expected = before;
             const Bytes sound = DrumFile(readable.tpq, full.numerator, full.denominator, readable.hits);
-            ASSERT_TRUE(ImportMidiBytes(expected, Region(1, 1, kMeasures), sound, "sound.mid", error)) << error;
+            ASSERT_TRUE(ImportMidiBytes(expected, Region(1, 1, kMeasures), sound, "sound.mid", cutError)) << cutError;
             for (int meas = 1; meas <= kMeasures; ++meas) {
-                EXPECT_EQ(Describe(doc, 1, meas), Describe(expected, 1, meas)) << "measure " << meas;
+                EXPECT_EQ(Describe(cutDoc, 1, meas), Describe(expected, 1, meas)) << "measure " << meas;
             }
         }
     }

@@ -83,7 +83,7 @@ TEST_F(Respelling, MovedKeysGoBackUpAndEverythingElseStays)
         frame.Save();
     }
     const std::vector<EXENTRY> e = score_test::Entries(doc(), 1, 1);
-    auto key = [&](int i, int n) { return stavio::NoteToMidiKey(e[i].note[n].tcd, e[i].note[n].alteration); };
+    auto key = [&](size_t i, size_t n) { return stavio::NoteToMidiKey(e[i].note[n].tcd, e[i].note[n].alteration); };
     EXPECT_EQ((std::vector<int>{key(0, 0), key(1, 0), key(1, 1), key(3, 0), e[2].numNotes}),
               (std::vector<int>{62, 36, 81, 50, 0}));
     // C#2 goes 13 steps up to B#3, then one step and one sharp more: C double-sharp 4.

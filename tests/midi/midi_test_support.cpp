@@ -66,7 +66,7 @@ Bytes RandomTrack(std::mt19937& rng, bool first)
     int lastStatus = 0;
     const int events = pick(60);
     for (int e = 0; e < events; ++e) {
-        support::PutNumber(body, pick(4) ? pick(200) : pick(40000));
+        support::PutNumber(body, pick(4) ? rng() % 200 : rng() % 40000);
         const int kind = pick(12);
         if (kind == 0) {   // meta: tempo or text
             if (pick(2))

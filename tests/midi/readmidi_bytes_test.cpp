@@ -85,7 +85,10 @@ TEST(MidiImage, BehavesLikeAPlainArrayUnderRandomEdits)
     std::mt19937 rng(7);
     std::vector<char> block(4000);
     std::vector<uint8_t> model(1000);
-    for (size_t i = 0; i < model.size(); ++i) model[i] = block[i] = char(rng());
+    for (size_t i = 0; i < model.size(); ++i) {
+        model[i] = static_cast<uint8_t>(rng());
+        block[i] = static_cast<char>(model[i]);
+    }
     MidiImage image(block.data(), 1000, 4000);
     for (int step = 0; step < 20000; ++step) {
         const int32_t size = image.Size();

@@ -95,7 +95,7 @@ TEST(MusicXmlRead, PartsStavesMeasuresAndNotesComeFromTheFile)
     // Unpitched notes through the instruments' <midi-unpitched>: snare in the pickup, kick at the end.
     EXPECT_EQ(KeysOf(doc, 2, 1), std::set<int>{38});
     EXPECT_EQ(KeysOf(doc, 2, 4), std::set<int>{36});
-    const std::optional<int16_t> code = stavio::ChannelCode(doc, stavio::StaffChannelDefinition(doc, 2));
+    const std::optional<uint16_t> code = stavio::ChannelCode(doc, stavio::StaffChannelDefinition(doc, 2));
     EXPECT_EQ(code.value_or(0), stavio::kDrumChannelCode);
 }
 

@@ -93,7 +93,9 @@ TEST_P(BundleInHost, WholeMeasuresOpenTheGrooveDialogWithTheHandlerInTheHostsFor
 }
 
 INSTANTIATE_TEST_SUITE_P(PluginBundle, BundleInHost, ::testing::Values(HostPose::Older, HostPose::Newer),
-                         [](const auto& info) { return info.param == HostPose::Older ? "CopyPath" : "NamePath"; });
+                         [](const auto& instance) {
+                             return instance.param == HostPose::Older ? "CopyPath" : "NamePath";
+                         });
 
 TEST(PluginBundleMain, ReplyCarriesEntryPointsOnlyOnTheCopyPath)
 {

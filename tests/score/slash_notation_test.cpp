@@ -74,8 +74,9 @@ TEST_P(SlashNotation, FillsEmptyMeasuresWithBeatRestsAndAssignsTheStyle)
 INSTANTIATE_TEST_SUITE_P(Meters, SlashNotation,
                          ::testing::Values(Meter{4, 1024, 4, 1024}, Meter{3, 1024, 3, 1024}, Meter{6, 512, 2, 1536},
                                            Meter{12, 512, 4, 1536}, Meter{5, 1024, 5, 1024}, Meter{3, 512, 3, 512}),
-                         [](const auto& info) {
-                             return std::to_string(info.param.beats) + "_" + std::to_string(4096 / info.param.divbeat);
+                         [](const auto& instance) {
+                             return std::to_string(instance.param.beats) + "_" +
+                                    std::to_string(4096 / instance.param.divbeat);
                          });
 
 using SlashNotationRuns = SlashNotation;

@@ -97,7 +97,7 @@ TEST_F(StaffPreparation, StavesShareOneChannelTenDefinitionThatTheDialogDoesNotY
     EXPECT_EQ(Ints(usage.flag, usage.f), Ints(0x5055, definition - 1));
 
     EXPECT_FALSE(IsDrumStaff(1));   // code 9 until the host marks its drum channel
-    ASSERT_TRUE(stavio::SetChannelCode(doc(), definition, int16_t(0x8009)));
+    ASSERT_TRUE(stavio::SetChannelCode(doc(), definition, stavio::kDrumChannelCode));
     EXPECT_EQ(Ints(IsDrumStaff(1), IsDrumStaff(3), IsDrumStaff(12)), Ints(true, false, false));
 }
 

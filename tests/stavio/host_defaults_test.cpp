@@ -34,9 +34,12 @@ protected:
         int32_t size = sizeof(Record);
         return T().SX_LoadEData(tag, &key, &record, &size, kV);
     }
-    int16_t ChannelCodeOf(int inst) const
+    // -1 when the staff has no channel definition.
+    int ChannelCodeOf(int inst) const
     {
-        return ChannelCode(host_.document(), StaffChannelDefinition(host_.document(), inst)).value_or(-1);
+        const std::optional<uint16_t> code =
+            ChannelCode(host_.document(), StaffChannelDefinition(host_.document(), inst));
+        return code ? int{*code} : -1;
     }
 
     Host host_;
@@ -172,7 +175,7 @@ TEST_F(StavioHostDefaults, FilledChannelDefinitionsTakeEveryNumberUpTo99AndNoneI
 {
     Use(DocumentBuilder().Measures(1).Staff("Drum Set").FillChannelDefinitions().Build());
     for (int number = 1; number <= 99; ++number) {
-        const std::optional<int16_t> code = ChannelCode(host_.document(), number);
+        const std::optional<uint16_t> code = ChannelCode(host_.document(), number);
         ASSERT_TRUE(code.has_value()) << number;
         EXPECT_NE(*code, kChannel10Code) << number;
     }
@@ -181,7 +184,7 @@ TEST_F(StavioHostDefaults, FilledChannelDefinitionsTakeEveryNumberUpTo99AndNoneI
     EDataID key{};
     key.other = EOtherID{kPickNumber, 0};
     EDTGeneric definition{};
-    definition.words[0] = kChannel10Code;
+    definition.words[0] = int16_t{kChannel10Code};
     ASSERT_EQ(T().SX_CreateEData(kTagChannelDef, &key, &definition, 12, kV), 1);
     EXPECT_EQ(key.other.cmper, 100);
 }

@@ -197,7 +197,7 @@ TEST_P(StavioProbe, LoadsInvokesAndUnloadsThroughTheBinaryInterface)
 }
 
 INSTANTIATE_TEST_SUITE_P(Poses, StavioProbe, ::testing::Values(HostPose::Newer, HostPose::Older),
-                         [](const auto& info) { return info.param == HostPose::Newer ? "Newer" : "Older"; });
+                         [](const auto& instance) { return instance.param == HostPose::Newer ? "Newer" : "Older"; });
 
 }   // namespace
 }   // namespace stavio

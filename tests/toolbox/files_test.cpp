@@ -96,6 +96,7 @@ TEST(Files, SpecificationsAndFolders)
     EXPECT_TRUE(IsFolder(folder / "one/two/three"));
 }
 
+// Preferences go into the application's own folder under the XDG configuration folder.
 TEST(Folders, PreferencesAndDataFoldersFollowTheXdgVariables)
 {
     TempFolder home;
@@ -104,19 +105,23 @@ TEST(Folders, PreferencesAndDataFoldersFollowTheXdgVariables)
         ScopedEnv config("XDG_CONFIG_HOME", home / "config");
         ScopedEnv data("XDG_DATA_HOME", home / "data");
         EXPECT_EQ(PreferencesFolder(false), "") << "not there and not to be created";
-        EXPECT_EQ(PreferencesFolder(true), home / "config");
-        EXPECT_TRUE(IsFolder(home / "config"));
-        EXPECT_EQ(PreferencesFolder(false), home / "config");
+        EXPECT_EQ(PreferencesFolder(true), home / "config/toolbox_tests");
+        EXPECT_TRUE(IsFolder(home / "config/toolbox_tests"));
+        EXPECT_EQ(PreferencesFolder(false), home / "config/toolbox_tests");
         EXPECT_EQ(UserDataFolder(true), home / "data");
     }
     {
         ScopedEnv config("XDG_CONFIG_HOME", std::nullopt);
         ScopedEnv data("XDG_DATA_HOME", "relative/paths/do/not/count");
-        EXPECT_EQ(PreferencesFolder(true), home / ".config");
+        SetApplicationName("stavio");
+        EXPECT_EQ(ApplicationName(), "stavio");
+        EXPECT_EQ(PreferencesFolder(true), home / ".config/stavio");
         EXPECT_EQ(UserDataFolder(true), home / ".local/share");
+        SetApplicationName("");
     }
     ScopedEnv config("XDG_CONFIG_HOME", "");
-    EXPECT_EQ(PreferencesFolder(false), home / ".config");
+    EXPECT_EQ(ApplicationName(), "toolbox_tests");
+    EXPECT_EQ(PreferencesFolder(false), "") << "~/.config/toolbox_tests was not made";
 }
 
 TEST(Folders, ApplicationFileCanBeNamedByTheHost)

@@ -161,6 +161,9 @@ TEST_F(FillCommand, ReportsTheDialogTheStavesAndTheResult)
     ExpectHas(run.out, {"Selection: measures 5-12 of every staff", "Plug-in result: 1 (the score changed)",
                         "Staff 1 \"Piano\" (unchanged)", "Staff 2 \"Drums\" (changed)", "  MIDI channel 10: yes\n",
                         "  clef in measure 5: 12 (percussion) (was 0)", "  Acoustic Snare |----o-------o---|"});
+    // OK remembered the option in the command's own preferences folder, not loose in the base.
+    EXPECT_TRUE(std::filesystem::is_regular_file(home_ / "config/tamberlyne/tamberlyne Prefs"));
+    EXPECT_FALSE(std::filesystem::exists(home_ / "config/tamberlyne Prefs"));
 
     run = Fill("--measures 5-12 --groove Rock --staff 3 --library " + library_ + " --json");
     EXPECT_EQ(run.status, 1);
@@ -185,7 +188,7 @@ TEST_F(FillCommand, ThePerUserLibraryIsFilledFromTheBundledOneOnFirstUse)
     ExpectHas(run.out, {"Groove library: " + userLibrary + " (filled from " + bundled});
     size_t files = 0;
     for (const auto& entry : std::filesystem::directory_iterator(bundled)) {
-        files += entry.is_regular_file() ? 1 : 0;
+        if (entry.is_regular_file()) ++files;
         EXPECT_TRUE(std::filesystem::exists(userLibrary + "/" + entry.path().filename().string()));
     }
     EXPECT_GT(files, 0u);

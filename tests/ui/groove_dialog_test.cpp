@@ -202,4 +202,6 @@ TEST_P(GrooveDialog, AScriptThatCannotBeFollowedCancels)
 }
 
 INSTANTIATE_TEST_SUITE_P(Dialog, GrooveDialog, ::testing::Values(HostPose::Newer, HostPose::Older),
-                         [](const auto& info) { return info.param == HostPose::Older ? "OlderHost" : "NewerHost"; });
+                         [](const auto& instance) {
+                             return instance.param == HostPose::Older ? "OlderHost" : "NewerHost";
+                         });

@@ -15,9 +15,11 @@ namespace {
 
 const std::vector<StaffNames> kPianoAndDrums = {{"Piano"}, {"Drums", "", true}};
 
+// The file in the application's own preferences folder: here the application is this test
+// program (the command's own folder is checked in fill_command_test).
 std::string PrefsPath(const DialogHostBase& session)
 {
-    return session.config.Path() + "/tamberlyne Prefs";
+    return session.config.Path() + "/ui_tests/tamberlyne Prefs";
 }
 
 // A preferences file holding `data` as the option's resource.
@@ -30,6 +32,7 @@ void WritePrefs(const DialogHostBase& session, const std::string& data)
     option.name = "tamberlyne";
     option.data.assign(data.begin(), data.end());
     ASSERT_TRUE(file.Put(option));
+    std::filesystem::create_directories(std::filesystem::path(PrefsPath(session)).parent_path());
     ASSERT_TRUE(toolbox::SaveResourceFile(PrefsPath(session), file));
 }
 
@@ -116,6 +119,7 @@ TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 TEST(GrooveDialogPrefs, ABrokenPreferencesFileIsIgnoredSilently)
 {
     CoreHost session(Score(kPianoAndDrums));
+    std::filesystem::create_directories(std::filesystem::path(PrefsPath(session)).parent_path());
     WriteFile(PrefsPath(session), "resource 'VRNX' 20000 {\n    text = \"0\n");
     EXPECT_EQ(OptionAfterOpening(session), 1u);
     const EREGION selection = Measures(1, 4, 2);
@@ -148,5 +152,17 @@ TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
     const toolbox::ResFileRef current = toolbox::CurResFile();
     GetSettings(5, buffer, sizeof(buffer), "unit Prefs");
     EXPECT_EQ(toolbox::CurResFile(), current);
+    toolbox::CloseAllResFiles();
+}
+
+TEST(Prefs, WritingIntoAMissingFolderCreatesIt)
+{
+    TempFolder base;
+    ScopedEnv env("XDG_CONFIG_HOME", base.Path() + "/not/yet");
+    ASSERT_EQ(PutSettings(20000, "1", 2, "tamberlyne", "tamberlyne Prefs"), 0);
+    EXPECT_TRUE(std::filesystem::is_regular_file(base.Path() + "/not/yet/ui_tests/tamberlyne Prefs"));
+    char buffer[4] = {};
+    EXPECT_EQ(GetSettings(20000, buffer, sizeof(buffer), "tamberlyne Prefs"), 2);
+    EXPECT_STREQ(buffer, "1");
     toolbox::CloseAllResFiles();
 }

@@ -17,6 +17,12 @@ std::string& ApplicationFileOverride()
     return path;
 }
 
+std::string& ApplicationNameOverride()
+{
+    static std::string name;
+    return name;
+}
+
 std::string HomeFolder()
 {
     const char* home = std::getenv("HOME");
@@ -55,7 +61,16 @@ std::string BaseFolder(const char* variable, const char* fallback, bool create)
 
 std::string PreferencesFolder(bool create)
 {
-    return BaseFolder("XDG_CONFIG_HOME", ".config", create);
+    try {
+        const std::string name = ApplicationName();
+        const std::string base = BaseFolder("XDG_CONFIG_HOME", ".config", create);
+        if (name.empty() || base.empty()) return {};
+        const std::string folder = base + (base.back() == '/' ? "" : "/") + name;
+        if (create ? EnsureFolder(folder) : IsFolder(folder)) return folder;
+        return {};
+    } catch (...) {
+        return {};
+    }
 }
 
 std::string UserDataFolder(bool create)
@@ -93,6 +108,27 @@ void SetApplicationFile(const std::string& path)
         ApplicationFileOverride() = path;
     } catch (...) {
         ApplicationFileOverride().clear();
+    }
+}
+
+std::string ApplicationName()
+{
+    try {
+        if (!ApplicationNameOverride().empty()) return ApplicationNameOverride();
+        const std::string file = ApplicationFile();
+        if (file.empty()) return {};
+        return FileSpecFromPath(file).name;
+    } catch (...) {
+        return {};
+    }
+}
+
+void SetApplicationName(const std::string& name)
+{
+    try {
+        ApplicationNameOverride() = name;
+    } catch (...) {
+        ApplicationNameOverride().clear();
     }
 }
 

@@ -33,7 +33,7 @@ ListControl::ListControl(const ListSpec& given, DrawingPort* port) : port_(port)
     horizontalScrollBar_ = spec.horizontalScrollBar;
     singleSelection_ = spec.singleSelection;
     drawing_ = spec.drawing;
-    cells_.resize(static_cast<size_t>(rows_) * columns_);
+    cells_.resize(static_cast<size_t>(rows_) * RowLength());
     lastDrawn_.view = view_;
 }
 
@@ -64,7 +64,7 @@ int ListControl::AddRows(int count, int beforeRow)
     if (count == 0) return at;
     try {
         cells_.insert(cells_.begin() + static_cast<std::ptrdiff_t>(IndexOf(Cell{at, 0})),
-                      static_cast<size_t>(count) * columns_, CellData{});
+                      static_cast<size_t>(count) * RowLength(), CellData{});
     } catch (...) {
         return -1;
     }
@@ -89,7 +89,7 @@ void ListControl::DeleteRows(int count, int fromRow)
     removed = std::min(removed, rows_ - first);
     if (removed == 0) return;
     const auto begin = cells_.begin() + static_cast<std::ptrdiff_t>(IndexOf(Cell{first, 0}));
-    cells_.erase(begin, begin + static_cast<std::ptrdiff_t>(static_cast<size_t>(removed) * columns_));
+    cells_.erase(begin, begin + static_cast<std::ptrdiff_t>(static_cast<size_t>(removed) * RowLength()));
     rows_ -= removed;
     anchor_ = kNoCell;
     ForgetClickTiming();
@@ -174,7 +174,7 @@ bool ListControl::FindSelectedCell(Cell& cell) const
     if (!IsCell(cell)) return false;
     for (size_t i = IndexOf(cell); i < cells_.size(); ++i) {
         if (cells_[i].selected) {
-            cell = Cell{static_cast<int>(i / columns_), static_cast<int>(i % columns_)};
+            cell = Cell{static_cast<int>(i / RowLength()), static_cast<int>(i % RowLength())};
             return true;
         }
     }

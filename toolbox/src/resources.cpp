@@ -197,7 +197,9 @@ bool PrintsAsText(const std::string& bytes)
 {
     if (!text::IsValidUtf8(bytes)) return false;
     size_t hardEscapes = 0;
-    for (size_t pos = 0; pos < bytes.size(); ++pos) hardEscapes += text::NeedsHardEscape(bytes, pos) ? 1 : 0;
+    for (size_t pos = 0; pos < bytes.size(); ++pos) {
+        if (text::NeedsHardEscape(bytes, pos)) ++hardEscapes;
+    }
     return hardEscapes <= 1 + bytes.size() / 4;
 }
 

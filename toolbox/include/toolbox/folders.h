@@ -5,7 +5,9 @@
 
 namespace toolbox {
 
-// $XDG_CONFIG_HOME, else ~/.config. Created when `create` is true; empty when it cannot be had.
+// The application's own preferences folder, as a Linux desktop keeps them: $XDG_CONFIG_HOME/<name>,
+// else ~/.config/<name>, where <name> is ApplicationName(). Created (with the folders above it)
+// when `create` is true; empty when it cannot be had.
 std::string PreferencesFolder(bool create);
 
 // $XDG_DATA_HOME, else ~/.local/share. Created when `create` is true; empty when it cannot be had.
@@ -17,5 +19,10 @@ std::string UserDataFolder(bool create);
 std::string ApplicationFile();
 std::string ApplicationFolder();
 void SetApplicationFile(const std::string& path);
+
+// The application's name, which names its own folders: the name a host gave with
+// SetApplicationName, else the name of its executable file. An empty name goes back to that.
+std::string ApplicationName();
+void SetApplicationName(const std::string& name);
 
 }   // namespace toolbox

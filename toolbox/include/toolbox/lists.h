@@ -166,7 +166,12 @@ private:
         bool selected = false;
     };
 
-    size_t IndexOf(Cell cell) const { return static_cast<size_t>(cell.row) * columns_ + cell.column; }
+    // The cells lie row by row in cells_; coordinates and counts stay int, as the list calls give them.
+    size_t RowLength() const { return static_cast<size_t>(columns_); }
+    size_t IndexOf(Cell cell) const
+    {
+        return static_cast<size_t>(cell.row) * RowLength() + static_cast<size_t>(cell.column);
+    }
     int FullyVisibleRows() const;
     int FullyVisibleColumns() const;
     void ClampScroll();
