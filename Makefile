@@ -7,10 +7,11 @@
 DEBIAN_PACKAGES := cmake ninja-build g++ clang libclang-rt-14-dev libgtest-dev libgmock-dev \
                    libbenchmark-dev \
                    libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3 \
-                   libcpp-httplib-dev nodejs chromium
+                   libcpp-httplib-dev nodejs chromium unzip
 # (MusicXML: pugixml and libzip read scores and .mxl archives; xmllint validates what is written
 # against the schema; MuseScore 3 is the notation program the tests play written drum notes in.
-# The page: cpp-httplib serves it, node runs its browser test in Debian's chromium.)
+# The page: cpp-httplib serves it, node runs its browser test in Debian's chromium; unzip opens
+# the .mxl it downloads.)
 BUILD := build
 TEST_BUILD := build-test
 FUZZ_BUILD := build-fuzz
