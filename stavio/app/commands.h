@@ -5,6 +5,7 @@
 #include "stavio/app/command_line.h"
 
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,9 @@ int RunConvertCommand(const CommandLine& line, std::ostream& out, std::ostream& 
 std::string InfoUsageText();
 std::string ConvertUsageText();
 std::string GroovesUsageText();
+// What `grooves show NAME` prints: the drum grid of the groove called `name` (its name or file
+// name) in `folder`. nullopt and why, for a person, when it is not a groove the plug-in takes.
+std::optional<std::string> GrooveGridText(const std::string& folder, const std::string& name, std::string& error);
 int RunServeCommand(const CommandLine& line, std::ostream& out, std::ostream& err);
 std::string ServeUsageText();
 int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err);

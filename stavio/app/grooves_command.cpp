@@ -202,7 +202,7 @@ bool IsCompound(const GrooveSummary& groove)
 }
 
 // The groove imported, as the plug-in hands it over, into a score of its own meter and length.
-int ShowGroove(std::ostream& out, std::ostream& err, const std::string& folder, const GrooveSummary& groove)
+std::optional<std::string> GrooveGrid(const std::string& folder, const GrooveSummary& groove, std::string& error)
 {
     std::vector<uint8_t> bytes;
     {
@@ -217,19 +217,38 @@ int ShowGroove(std::ostream& out, std::ostream& err, const std::string& folder, 
     EREGION region{};
     region.start = EMUSICPOINT{kMainInstrumentList, 1, 1, 0};
     region.end = EMUSICPOINT{kMainInstrumentList, 1, static_cast<uint16_t>(groove.bars), kEndOfMeasure};
-    std::string error;
-    if (!midi_import::ImportMidiBytes(doc, region, ImportedTracksImage(bytes, groove.drumTrack), groove.file, error)) {
-        err << "tamberlyne: cannot import " << groove.file << ": " << error << "\n";
-        return kExitFailure;
+    std::string importError;
+    if (!midi_import::ImportMidiBytes(doc, region, ImportedTracksImage(bytes, groove.drumTrack), groove.file,
+                                      importError)) {
+        error = "cannot import " + groove.file + ": " + importError;
+        return std::nullopt;
     }
+    std::ostringstream out;
     out << groove.name << ": " << groove.Meter() << ", " << groove.bars << (groove.bars == 1 ? " bar" : " bars")
         << (groove.closingHits ? " (and closing hits the plug-in leaves out)" : "") << ", " << TempoText(groove.tempo)
         << " quarter notes a minute, " << FeelName(groove.feel) << " feel\n"
         << views::RenderDrumGrid(doc, doc.SlotToInst(1, kMainInstrumentList), 1, groove.bars);
-    return kExitOk;
+    return out.str();
 }
 
 }   // namespace
+
+std::optional<std::string> GrooveGridText(const std::string& folder, const std::string& name, std::string& error)
+{
+    const std::vector<GrooveSummary> grooves = ScanFolder(folder);
+    const auto found = std::find_if(grooves.begin(), grooves.end(), [&](const GrooveSummary& groove) {
+        return groove.name == name || groove.file == name;
+    });
+    if (found == grooves.end()) {
+        error = "there is no groove \"" + name + "\" in " + folder + " (tamberlyne grooves lists them)";
+        return std::nullopt;
+    }
+    if (!found->Usable()) {
+        error = "the plug-in would refuse " + found->file + ": " + found->refusal;
+        return std::nullopt;
+    }
+    return GrooveGrid(folder, *found, error);
+}
 
 std::string GroovesUsageText()
 {
@@ -281,19 +300,13 @@ int RunGroovesCommand(const CommandLine& line, std::ostream& out, std::ostream& 
         std::any_of(grooves.begin(), grooves.end(), [](const GrooveSummary& g) { return g.Usable(); });
 
     if (options.show) {
-        const auto found = std::find_if(grooves.begin(), grooves.end(), [&](const GrooveSummary& groove) {
-            return groove.name == *options.show || groove.file == *options.show;
-        });
-        if (found == grooves.end()) {
-            err << "tamberlyne: there is no groove \"" << *options.show << "\" in " << library.folder
-                << " (tamberlyne grooves lists them)\n";
+        const std::optional<std::string> grid = GrooveGridText(library.folder, *options.show, error);
+        if (!grid) {
+            err << "tamberlyne: " << error << "\n";
             return kExitFailure;
         }
-        if (!found->Usable()) {
-            err << "tamberlyne: the plug-in would refuse " << found->file << ": " << found->refusal << "\n";
-            return kExitFailure;
-        }
-        return ShowGroove(out, err, library.folder, *found);
+        out << *grid;
+        return kExitOk;
     }
 
     if (options.json) {

@@ -1,5 +1,5 @@
-// The score as the page draws it while it cannot have the score's MusicXML: the measures with
-// their lengths and every staff's entries, as JSON.
+// The score as the page draws it when the engraver cannot be loaded: the measures with their
+// lengths and every staff's entries, as JSON.
 //
 //   {"name":"Demo score","measures":[{"number":1,"duration":4096}, ...],
 //    "staves":[{"slot":1,"name":"Piano","drum":false,"entries":[ <views::StaffEntriesJson> ]}]}

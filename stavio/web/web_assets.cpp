@@ -16,7 +16,9 @@ const WebAsset kAssets[] = {
     {"/page.js", "page.js", "text/javascript; charset=utf-8"},
     {"/dialog.js", "dialog.js", "text/javascript; charset=utf-8"},
     {"/score_view.js", "score_view.js", "text/javascript; charset=utf-8"},
-    {"/verovio-toolkit-wasm.js", "verovio-toolkit-wasm.js", "text/javascript; charset=utf-8"},
+    // The engraver is 7 MB: the server would compress it anew for every page load, which takes
+    // seconds, so it goes under a JavaScript type the server does not compress.
+    {"/verovio-toolkit-wasm.js", "verovio-toolkit-wasm.js", "application/x-javascript"},
 };
 
 constexpr char kPageFile[] = "index.html";

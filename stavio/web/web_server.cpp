@@ -1,6 +1,8 @@
 #include "stavio/web/web_server.h"
 
-#include "stavio/app/demo_document.h"
+#include "stavio/app/commands.h"
+#include "stavio/app/demo_score.h"
+#include "stavio/app/groove_library.h"
 #include "stavio/dialogs/web_front_end.h"
 #include "stavio/web/score_view.h"
 #include "stavio/web/web_assets.h"
@@ -158,8 +160,8 @@ private:
 // ---- The tabs --------------------------------------------------------------------------------------
 
 struct Tab {
-    Document document = app::BuildDemoDocument();
-    std::string scoreName = kDemoName;
+    LoadedScore score = DemoScoreForSession();
+    Document document = score.file->document();
     uint64_t scoreVersion = 1;
     std::string lastRun = "null";   // what the last run of the plug-in gave, as JSON
     uint64_t lastSeen = 0;
@@ -226,8 +228,8 @@ bool ReadWholeFile(const std::string& path, std::string& bytes)
 
 class WebServer {
 public:
-    WebServer(const WebServerSettings& settings, HostThread& host, WebFrontEnd& frontEnd)
-        : settings_(settings), host_(host), frontEnd_(frontEnd)
+    WebServer(const WebServerSettings& settings, std::string grooveFolder, HostThread& host, WebFrontEnd& frontEnd)
+        : settings_(settings), grooveFolder_(std::move(grooveFolder)), host_(host), frontEnd_(frontEnd)
     {
         Routes();
     }
@@ -302,8 +304,11 @@ private:
         http_.Get("/api/score", [this](const httplib::Request& request, httplib::Response& response) {
             std::lock_guard<std::mutex> lock(mutex_);
             if (Tab* tab = TabOf(request, response)) {
-                response.set_content(ScoreViewJson(tab->document, tab->scoreName), kJson);
+                Score(*tab, response);
             }
+        });
+        http_.Get("/api/groove", [this](const httplib::Request& request, httplib::Response& response) {
+            GrooveGrid(request, response);
         });
         http_.Post("/api/run", [this](const httplib::Request& request, httplib::Response& response) {
             StartRun(request, response);
@@ -331,6 +336,34 @@ private:
         response.set_content(std::move(bytes), asset->contentType);
     }
 
+    // The score drawn from its MusicXML (the bytes a download would give, as plain XML); the
+    // host's entries besides, for the page's own drawing when the engraver is missing.
+    void Score(const Tab& tab, httplib::Response& response)
+    {
+        std::string musicXml;
+        std::string error;
+        std::string json = ScoreViewJson(tab.document, tab.score.name);
+        json.pop_back();
+        json += ",\"musicxml\":";
+        json += SaveScoreForSession(*tab.score.file, tab.document, "musicxml", musicXml, error) ? JsonQuoted(musicXml)
+                                                                                                : "null";
+        response.set_content(json + "}", kJson);
+    }
+
+    // Only a groove the plug-in lists is looked up: the name is matched against the folder's
+    // listing and never used as a path.
+    void GrooveGrid(const httplib::Request& request, httplib::Response& response)
+    {
+        std::string error;
+        const std::optional<std::string> grid =
+            app::GrooveGridText(grooveFolder_, request.get_param_value("name"), error);
+        if (!grid) {
+            Fail(response, 404, error);
+            return;
+        }
+        response.set_content(*grid, "text/plain; charset=utf-8");
+    }
+
     void State(const std::string& id, const Tab& tab, httplib::Response& response)
     {
         const bool mine = runningTab_ == id;
@@ -341,7 +374,7 @@ private:
         std::ostringstream json;
         json << "{\"running\":" << (mine ? "true" : "false")
              << ",\"busyElsewhere\":" << (!runningTab_.empty() && !mine ? "true" : "false")
-             << ",\"ask\":" << (mine ? frontEnd_.Pending() : "null") << ",\"scoreName\":" << JsonQuoted(tab.scoreName)
+             << ",\"ask\":" << (mine ? frontEnd_.Pending() : "null") << ",\"scoreName\":" << JsonQuoted(tab.score.name)
              << ",\"scoreVersion\":" << tab.scoreVersion << ",\"undo\":" << tab.document.UndoCount()
              << ",\"redo\":" << tab.document.RedoCount() << ",\"lastRun\":" << tab.lastRun << "}";
         response.set_content(json.str(), kJson);
@@ -483,8 +516,8 @@ private:
         } else if (what == "redo") {
             done = tab->document.Redo();
         } else {
-            tab->document = app::BuildDemoDocument();
-            tab->scoreName = kDemoName;
+            tab->score = DemoScoreForSession();
+            tab->document = tab->score.file->document();
             tab->lastRun = "null";
         }
         if (!done) {
@@ -505,7 +538,7 @@ private:
         const std::string format = request.get_param_value("format") == "mxl" ? "mxl" : "musicxml";
         std::string bytes;
         std::string error;
-        if (!SaveScoreForSession(tab->document, format, bytes, error)) {
+        if (!SaveScoreForSession(*tab->score.file, tab->document, format, bytes, error)) {
             Fail(response, 501, error);
             return;
         }
@@ -537,14 +570,15 @@ private:
             Fail(response, 422, error);
             return;
         }
-        tab->document = std::move(score->document);
-        tab->scoreName = score->name;
+        tab->document = score->file->document();
+        tab->score = std::move(*score);
         tab->lastRun = "null";
         ++tab->scoreVersion;
         response.set_content("{\"loaded\":true}", kJson);
     }
 
     const WebServerSettings& settings_;
+    const std::string grooveFolder_;
     HostThread& host_;
     WebFrontEnd& frontEnd_;
     httplib::Server http_;
@@ -580,22 +614,36 @@ bool CopyGrooves(const std::string& from, const std::string& to, std::string& er
 
 }   // namespace
 
+// The two calls into the MusicXML reader and writer.
 std::optional<LoadedScore> LoadScoreForSession(const std::string& bytes, const std::string& name, std::string& error)
 {
-    // The MusicXML reader plugs in here: ScoreFile::FromBytes(bytes, name, error).
-    static_cast<void>(bytes);
-    error = name + ": MusicXML support is not built yet";
-    return std::nullopt;
+    toolbox::Result<musicxml::ScoreFile> file = musicxml::ScoreFile::FromBytes(bytes, name);
+    if (!file) {
+        error = file.Message();
+        return std::nullopt;
+    }
+    return LoadedScore{std::make_shared<const musicxml::ScoreFile>(std::move(*file)), name};
 }
 
-bool SaveScoreForSession(const Document& document, const std::string& format, std::string& bytes, std::string& error)
+LoadedScore DemoScoreForSession()
 {
-    // The MusicXML writer plugs in here: the tab's ScoreFile::Write(document, container, bytes, error).
-    static_cast<void>(document);
-    static_cast<void>(format);
-    static_cast<void>(bytes);
-    error = "MusicXML support is not built yet";
-    return false;
+    std::string error;
+    // The same name `fill -o` gives the demo score; it always reads.
+    std::optional<LoadedScore> demo = LoadScoreForSession(app::DemoScoreText(), "the demo score", error);
+    demo->name = kDemoName;
+    return std::move(*demo);
+}
+
+bool SaveScoreForSession(const musicxml::ScoreFile& file, const Document& document, const std::string& format,
+                         std::string& bytes, std::string& error)
+{
+    const toolbox::Result<std::string> written = file.Write(document, musicxml::ContainerForPath("score." + format));
+    if (!written) {
+        error = written.Message();
+        return false;
+    }
+    bytes = *written;
+    return true;
 }
 
 int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostream& err)
@@ -606,7 +654,7 @@ int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostr
     }
     WorkFolder work;
     std::string error;
-    if (!work.Make(error) || !CopyGrooves(settings.grooveSource, work.Path() + "/Tamberlyne", error)) {
+    if (!work.Make(error) || !CopyGrooves(settings.grooveSource, work.Path() + "/" + app::kGrooveFolderName, error)) {
         err << "tamberlyne: " << error << "\n";
         return 1;
     }
@@ -628,7 +676,7 @@ int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostr
             err << "tamberlyne: " << error << "\n";
             return 1;
         }
-        WebServer server(settings, host, frontEnd);
+        WebServer server(settings, work.Path() + "/" + app::kGrooveFolderName, host, frontEnd);
         const int port = settings.port == 0
                              ? server.Http().bind_to_any_port(kLoopback)
                              : (server.Http().bind_to_port(kLoopback, settings.port) ? settings.port : -1);

@@ -5,18 +5,21 @@
 //
 // API (every call names its tab with ?session=ID):
 //   GET  /api/state     what the tab should show: running, what the plug-in asks, undo/redo
-//   GET  /api/score     the tab's score (score_view.h)
+//   GET  /api/score     the tab's score (score_view.h), with its MusicXML for the engraver
+//   GET  /api/groove    the drum grid of a groove the plug-in lists (&name=GROOVE), as text
 //   POST /api/run       run the plug-in on measures first..last of staff (0: every staff)
 //   POST /api/answer    the person's answer: kind=yes|no|ok|press|choose|row|close, item, number
 //   POST /api/undo, /api/redo, /api/demo (start again from the demo score)
 //   POST /api/upload    a score file as the body (&name=FILE)
-//   GET  /api/download  the tab's score as MusicXML
+//   GET  /api/download  the tab's score as MusicXML (&format=musicxml|mxl)
 #pragma once
 
 #include "stavio/document/document.h"
 #include "stavio/host.h"
+#include "stavio/musicxml/score_file.h"
 
 #include <iosfwd>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -32,17 +35,21 @@ struct WebServerSettings {
     bool openBrowser = false;
 };
 
-// A score the page uploaded, read into a document. nullopt and a message for the person when
-// the file cannot be read.
+// A tab's score: the file as it was read (the splicing writer's base) and the name shown.
 struct LoadedScore {
-    Document document;
+    std::shared_ptr<const musicxml::ScoreFile> file;
     std::string name;
 };
+// An uploaded file (`name` only for messages) read as the command line reads a score; nullopt
+// and the command line's message, naming the file, when it cannot be.
 std::optional<LoadedScore> LoadScoreForSession(const std::string& bytes, const std::string& name, std::string& error);
+// The demo score, read from its MusicXML as `tamberlyne fill -o` reads it.
+LoadedScore DemoScoreForSession();
 
-// The tab's score as a file to download (`format` "musicxml" or "mxl"): the bytes that
-// `tamberlyne fill -o` writes. False and a message when it cannot be written.
-bool SaveScoreForSession(const Document& document, const std::string& format, std::string& bytes, std::string& error);
+// The tab's document as a file (`format` "musicxml" or "mxl"): the bytes that
+// `tamberlyne fill -o score.FORMAT` writes. False and a message when it cannot be written.
+bool SaveScoreForSession(const musicxml::ScoreFile& file, const Document& document, const std::string& format,
+                         std::string& bytes, std::string& error);
 
 // Serves until SIGINT or SIGTERM; prints the address on `out`. Returns the exit status.
 int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostream& err);

@@ -45,9 +45,11 @@
     return `Selected: ${measures} of ${where}`;
   }
 
-  // The engraver, loaded once from the page's own files when the server gives the score as
-  // MusicXML (score.musicxml); until then the host's entries are drawn (score_view.js).
+  // The engraver, loaded once from the page's own files; the score comes from the server as
+  // MusicXML (score.musicxml, the bytes a download gives). Without the engraver the host's
+  // entries are drawn instead (score_view.js).
   let engraver = null;
+  let engraverMissing = false;
   function loadEngraver() {
     engraver = engraver || new Promise((resolve, reject) => {
       const script = document.createElement('script');
@@ -59,21 +61,82 @@
     return engraver;
   }
 
-  async function engrave() {
-    const toolkit = await loadEngraver();
-    toolkit.setOptions({ adjustPageHeight: true, breaks: 'auto', scale: 40 });
-    toolkit.loadData(score.musicxml);
-    scoreArea.innerHTML = toolkit.renderToSVG(1);
+  function selected(measure, slot) {
+    return !!selection && measure >= selection.first && measure <= selection.last &&
+      (selection.staff === 0 || selection.staff === slot);
   }
 
-  function drawScore() {
-    if (score.musicxml) {
-      engrave().catch((error) => say(error.message, true));
+  // The engraver draws measures in score order, each holding its staves in score order: the
+  // n-th drawn measure is the score's measure n. Each staff of each measure gets a box on top
+  // that takes clicks and shows the selection.
+  function markMeasures(toolkit) {
+    const SVG = 'http://www.w3.org/2000/svg';
+    scoreArea.querySelectorAll('g.measure').forEach((measureGroup, index) => {
+      const measure = index + 1;
+      measureGroup.querySelectorAll(':scope > g.staff').forEach((staffGroup, staffIndex) => {
+        const slot = staffIndex + 1;
+        staffGroup.dataset.measure = measure;
+        staffGroup.dataset.staff = slot;
+        staffGroup.querySelectorAll('g.note').forEach((note) => {
+          note.dataset.measure = measure;
+          note.dataset.staff = slot;
+          const written = toolkit.getElementAttr(note.id);   // the note as the engraver reads it
+          note.dataset.key = `${written.pname || written.ploc || ''}${written.oct || written.oloc || ''}/${written.dur || ''}`;
+        });
+        const lines = [...staffGroup.querySelectorAll(':scope > path')].map((line) => line.getBBox());
+        const area = lines.length ? lines.reduce((a, b) => {
+          const x = Math.min(a.x, b.x);
+          const y = Math.min(a.y, b.y);
+          return { x, y, width: Math.max(a.x + a.width, b.x + b.width) - x, height: Math.max(a.y + a.height, b.y + b.height) - y };
+        }) : staffGroup.getBBox();
+        const margin = Math.max(area.height / 3, 60);
+        const box = document.createElementNS(SVG, 'rect');
+        Object.entries({ x: area.x, y: area.y - margin, width: area.width, height: area.height + 2 * margin })
+          .forEach(([key, value]) => box.setAttribute(key, value));
+        box.setAttribute('class', `measure-box${selected(measure, slot) ? ' selected' : ''}`);
+        box.dataset.measure = measure;
+        box.dataset.staff = slot;
+        staffGroup.appendChild(box);
+        box.addEventListener('click', (event) => onMeasure(measure, slot, event.shiftKey));
+      });
+    });
+  }
+
+  let engraved = null;   // the score version the drawing shows
+  async function engrave() {
+    const toolkit = await loadEngraver();
+    if (engraved !== scoreVersion) {
+      const scale = 40;
+      toolkit.setOptions({ adjustPageHeight: true, breaks: 'auto', scale, footer: 'none',
+        pageWidth: Math.max(Math.round((scoreArea.clientWidth - 20) * 100 / scale), 1500) });
+      // A multi-measure rest is drawn measure by measure, so that each measure can be selected.
+      toolkit.loadData(score.musicxml.replace(/<multiple-rest[^>]*>[^<]*<\/multiple-rest>/g, ''));
+      let pages = '';
+      for (let page = 1; page <= toolkit.getPageCount(); page++) pages += toolkit.renderToSVG(page);
+      scoreArea.innerHTML = pages;
+      engraved = scoreVersion;
+      markMeasures(toolkit);
     } else {
-      ScoreView.draw(scoreArea, score, selection, onMeasure);
+      scoreArea.querySelectorAll('rect.measure-box').forEach((box) =>
+        box.classList.toggle('selected', selected(Number(box.dataset.measure), Number(box.dataset.staff))));
     }
+    scoreArea.dataset.engraved = String(scoreVersion);
+  }
+
+  async function drawScore() {
     $('selection').textContent = describeSelection();
     $('score-name').textContent = score.name;
+    if (score.musicxml && !engraverMissing) {
+      try {
+        await engrave();
+        return;
+      } catch (error) {
+        engraverMissing = true;
+        say(`${error.message}: the score is drawn without it`, true);
+      }
+    }
+    ScoreView.draw(scoreArea, score, selection, onMeasure);
+    scoreArea.dataset.engraved = String(scoreVersion);
   }
 
   function onMeasure(measure, slot, extend) {
@@ -94,6 +157,7 @@
     $('run').disabled = running || !selection || !!(state && state.busyElsewhere);
     $('run').title = state && state.busyElsewhere ? 'The plug-in is busy in another tab' : '';
     $('undo').disabled = running || !state || state.undo === 0;
+    $('download').disabled = running || !score || !score.musicxml;
     $('redo').disabled = running || !state || state.redo === 0;
     $('demo').disabled = running;
   }
@@ -104,7 +168,7 @@
       score = await call('GET', '/api/score');
       scoreVersion = state.scoreVersion;
       if (selection && selection.last > score.measures.length) selection = null;
-      drawScore();
+      await drawScore();
     }
     showAsk(state.running ? state.ask : null);
     updateButtons();
@@ -151,7 +215,41 @@
     // A dialog stays in sight under an alert it raised.
     if (!ask || ask.kind === 'dialog') dialogLayer.hidden = !ask;
     if (ask && ask.kind === 'alert') showAlert(ask);
-    if (ask && ask.kind === 'dialog') DialogView.draw(dialogLayer, ask, answer);
+    if (ask && ask.kind === 'dialog') {
+      DialogView.draw(dialogLayer, ask, answer);
+      showGrooveGrid(ask);
+    }
+  }
+
+  // Beside the dialog: the drum grid of the groove selected in its list, as `tamberlyne grooves
+  // show` prints it, and the seam for hearing it.
+  const grids = new Map();
+  async function showGrooveGrid(dialog) {
+    const row = dialog.lists.flatMap((list) => list.rows).find((candidate) => candidate.selected);
+    const win = dialogLayer.querySelector('.window');
+    if (!row || !win) return;
+    const panel = document.createElement('div');
+    panel.className = 'groove-grid';
+    const play = document.createElement('button');
+    play.type = 'button';
+    play.disabled = true;
+    play.textContent = 'Play';
+    play.title = 'Hearing a groove comes with the audio export, which is not built into this page yet';
+    const grid = document.createElement('pre');
+    grid.textContent = grids.get(row.text) || '…';
+    panel.append(play, grid);
+    win.after(panel);
+    if (!grids.has(row.text)) {
+      try {
+        const response = await fetch(url('/api/groove', { name: row.text }));
+        const text = await response.text();
+        grids.set(row.text, response.ok ? text : JSON.parse(text).error);
+      } catch (error) {
+        grids.set(row.text, error.message);
+      }
+      grid.textContent = grids.get(row.text);
+    }
+    panel.dataset.groove = row.text;
   }
 
   function reportRun(run) {
@@ -221,6 +319,15 @@
       return;
     }
     poll();
+  });
+  $('download').addEventListener('click', () => {
+    const format = $('download-format').value;
+    const link = document.createElement('a');
+    link.href = url('/api/download', { format });
+    link.download = `${score.name.replace(/\.(musicxml|mxl|xml)$/i, '')}.${format}`;
+    document.body.appendChild(link);
+    link.click();
+    link.remove();
   });
   $('undo').addEventListener('click', () => act('/api/undo', {}, 'Undone.'));
   $('redo').addEventListener('click', () => act('/api/redo', {}, 'Redone.'));

@@ -1,6 +1,7 @@
-// The page in a real headless browser against the real server: a fill through the plug-in's
-// own dialog and question, undo and redo, a refused fill, two tabs, a broken upload, and
-// requests that try to leave the server's files. Screenshots of each step go to the output
+// The page in a real headless browser against the real server: the score drawn by the
+// engraver, a fill through the plug-in's own dialog and question with the groove's drum grid
+// beside it, undo and redo, a download that matches `tamberlyne fill -o`, a refused fill, two
+// tabs, a broken upload, and requests that try to leave the server's files. Screenshots of each step go to the output
 // folder (TAMBERLYNE_TEST_OUTPUT).
 import { test, before, after } from 'node:test';
 import assert from 'node:assert/strict';
@@ -17,6 +18,7 @@ const scratch = fs.mkdtempSync(path.join(os.tmpdir(), 'tamberlyne-page-run-'));
 const serverTemp = path.join(scratch, 'tmp');
 const environment = { ...process.env, TMPDIR: serverTemp, XDG_DATA_HOME: path.join(scratch, 'data') };
 const DRUMS = 2;
+const ROCK_BAND = path.join(path.dirname(new URL(import.meta.url).pathname), '../../tests/musicxml/files/rock_band.musicxml');
 
 let server;
 let address;
@@ -41,7 +43,7 @@ async function shot(target, name) {
   await target.screenshot({ path: path.join(output, `${name}.png`), fullPage: true });
 }
 
-// Every notehead of the staff, as "measure:key" in drawing order.
+// Every note the engraver drew on the staff, as "measure:pitch or place/duration" in drawing order.
 function notes(target, staff) {
   return target.$$eval(`.note[data-staff="${staff}"]`, (nodes) => nodes.map((n) => `${n.dataset.measure}:${n.dataset.key}`));
 }
@@ -55,18 +57,65 @@ async function select(target, staff, first, last) {
   await target.click(`rect.measure-box[data-staff="${staff}"][data-measure="${last}"]`, { modifiers: ['Shift'] });
 }
 
-// Runs the plug-in on the selection and answers its dialog: the groove from the list, the
-// drum staff in the "Staff:" pop-up, then OK.
-async function fillThroughDialog(target, groove, screenshot) {
+// What a command prints.
+function run(...args) {
+  const result = spawnSync(program, args, { env: environment, encoding: 'utf8' });
+  assert.equal(result.status, 0, `tamberlyne ${args.join(' ')}: ${result.stderr}`);
+  return result.stdout;
+}
+
+function runTool(command, ...args) {
+  const result = spawnSync(command, args, { encoding: 'latin1', maxBuffer: 1 << 26 });
+  assert.equal(result.status, 0, `${command} ${args.join(' ')}: ${result.stderr}`);
+  return result.stdout;
+}
+
+// Runs the plug-in on the selection and answers its dialog: the groove from the list (its drum
+// grid shows beside the dialog, as `grooves show` prints it), the drum staff in the "Staff:"
+// pop-up, then OK.
+async function fillThroughDialog(target, groove, screenshot, staff = 'Drums') {
   await target.click('#run');
   await target.waitForSelector('#dialog-layer [role=dialog]');
-  if (screenshot) await shot(target, screenshot);
   await target.locator('#dialog-layer .list div').filter({ hasText: new RegExp(`^${groove}$`) }).click();
   await target.waitForSelector(`#dialog-layer .list div.selected:text-is("${groove}")`);
+  const grid = await target.waitForSelector(`.groove-grid[data-groove="${groove}"] pre`);
+  assert.equal(await grid.textContent(), run('grooves', 'show', groove));
+  assert.equal(await target.isDisabled('.groove-grid button:text-is("Play")'), true);
   const staffPopup = target.locator('#dialog-layer label[data-kind=popup]').filter({ hasText: 'Staff:' }).locator('select');
-  await staffPopup.selectOption({ label: 'Drums' });
-  assert.equal(await staffPopup.evaluate((s) => s.options[s.selectedIndex].text), 'Drums');
+  await staffPopup.selectOption({ label: staff });
+  assert.equal(await staffPopup.evaluate((s) => s.options[s.selectedIndex].text), staff);
+  if (screenshot) await shot(target, screenshot);
   await target.locator('#dialog-layer button').filter({ hasText: /^OK$/ }).click();
+}
+
+async function download(target, format) {
+  await target.selectOption('#download-format', format);
+  const [file] = await Promise.all([target.waitForEvent('download'), target.click('#download')]);
+  const saved = path.join(scratch, `download.${format}`);
+  await file.saveAs(saved);
+  return fs.readFileSync(saved);
+}
+
+async function upload(target, name, buffer) {
+  const version = await target.evaluate(() => document.querySelector('#score').dataset.engraved);
+  await target.setInputFiles('#file', { name, mimeType: 'application/xml', buffer });
+  await target.waitForFunction((before) => document.querySelector('#score').dataset.engraved !== before, version);
+}
+
+// A score of `measures` bars of 4/4 for a piano and a drum kit, resting throughout.
+function restingScore(measures) {
+  const part = (id, clef) => `<part id="${id}">${Array.from({ length: measures }, (_, index) =>
+    `<measure number="${index + 1}">${index ? '' : `<attributes><divisions>1</divisions><key><fifths>0</fifths></key>
+<time><beats>4</beats><beat-type>4</beat-type></time><clef>${clef}</clef></attributes>`}
+<note><rest measure="yes"/><duration>4</duration><voice>1</voice></note></measure>\n`).join('')}</part>\n`;
+  return `<?xml version="1.0" encoding="UTF-8"?>
+<score-partwise version="4.0"><part-list>
+<score-part id="P1"><part-name>Piano</part-name></score-part>
+<score-part id="P2"><part-name>Drums</part-name><score-instrument id="P2-I1"><instrument-name>Drums</instrument-name></score-instrument>
+<midi-instrument id="P2-I1"><midi-channel>10</midi-channel></midi-instrument></score-part>
+</part-list>
+${part('P1', '<sign>G</sign><line>2</line>')}${part('P2', '<sign>percussion</sign>')}</score-partwise>
+`;
 }
 
 async function waitUntilIdle(target) {
@@ -111,7 +160,7 @@ after(async () => {
 
 test('a fill through the plug-in\'s dialog and question, then undo and redo', async () => {
   await shot(page, '01-demo-score');
-  assert.deepEqual(await page.$$eval('.staff-name', (n) => [...new Set(n.map((x) => x.textContent))]), ['Piano', 'Drums']);
+  assert.equal(await page.locator('#score svg g.measure').count(), 16, 'the engraver draws the demo score');
   assert.deepEqual(await notes(page, DRUMS), []);
 
   await select(page, DRUMS, 5, 12);
@@ -119,7 +168,7 @@ test('a fill through the plug-in\'s dialog and question, then undo and redo', as
   assert.equal(await page.locator('rect.measure-box.selected').count(), 16);
   await shot(page, '02-measures-5-12-selected');
 
-  await fillThroughDialog(page, 'Rock 8ths', '03-plugin-dialog');
+  await fillThroughDialog(page, 'Rock 8ths', '03-plugin-dialog-and-groove-grid');
   await page.waitForSelector(`.note[data-staff="${DRUMS}"][data-measure="5"]`);
   await waitUntilIdle(page);
   const rock = await notes(page, DRUMS);
@@ -190,10 +239,86 @@ test('each tab has its own score; a file the server cannot read is told in the p
 
   await second.setInputFiles('#file', { name: 'broken.musicxml', mimeType: 'application/xml', buffer: Buffer.from('<score-partwise><part') });
   await second.waitForSelector('#status.problem');
-  assert.match(await second.textContent('#status'), /^broken\.musicxml: /);
+  fs.writeFileSync(path.join(scratch, 'broken.musicxml'), '<score-partwise><part');
+  const refusal = spawnSync(program, ['info', 'broken.musicxml'], { cwd: scratch, env: environment, encoding: 'utf8' });
+  assert.equal(`tamberlyne: ${await second.textContent('#status')}\n`, refusal.stderr, 'the command line\'s message');
   assert.deepEqual(await notes(second, DRUMS), []);
   await shot(second, '11-second-tab-broken-upload');
   await second.close();
+});
+
+test('an uploaded score: fill, undo, redo, and a download that is what fill -o writes', async () => {
+  const tab = await context.newPage();
+  await tab.goto(address);
+  await tab.waitForSelector('rect.measure-box');
+  await upload(tab, 'rock_band.musicxml', fs.readFileSync(ROCK_BAND));
+  assert.equal(await tab.textContent('#score-name'), 'rock_band.musicxml');
+  assert.equal(await tab.locator('#score svg g.measure').count(), 16);
+  const before = await notes(tab, 3);
+  assert.ok(before.length > 0, 'the drum part is drawn');
+  const guitar = await notes(tab, 1);
+  await shot(tab, '12-uploaded-score');
+
+  // As `fill --measures 5-12` selects them: every staff.
+  await select(tab, 3, 5, 12);
+  assert.match(await tab.textContent('#selection'), /measures 5–12 of every staff/);
+  assert.equal(await tab.locator('rect.measure-box.selected').count(), 24);
+  await shot(tab, '13-uploaded-measures-5-12-selected');
+  await fillThroughDialog(tab, 'Funk 16ths Ghost Notes', '14-uploaded-dialog', 'Drum Set');
+  await tab.waitForSelector('#alert-layer:not([hidden])');
+  await tab.click('#alert-layer button:text-is("Yes")');
+  await tab.waitForFunction(() => document.querySelector('#status').textContent.startsWith('Filled'));
+  await waitUntilIdle(tab);
+  const filled = await notes(tab, 3);
+  assert.notDeepEqual(filled, before);
+  assert.deepEqual(await notes(tab, 1), guitar, 'the other staves stay as they were');
+  await shot(tab, '15-uploaded-filled');
+
+  await tab.click('#undo');
+  await tab.waitForFunction(() => document.querySelector('#status').textContent === 'Undone.');
+  await tab.waitForFunction((count) => document.querySelectorAll('.note[data-staff="3"]').length === count, before.length);
+  assert.deepEqual(await notes(tab, 3), before);
+  assert.deepEqual(await download(tab, 'musicxml'), fs.readFileSync(ROCK_BAND), 'no change: the file as it was');
+  await tab.click('#redo');
+  await tab.waitForFunction(() => document.querySelector('#status').textContent === 'Redone.');
+  await tab.waitForFunction((count) => document.querySelectorAll('.note[data-staff="3"]').length === count, filled.length);
+  assert.deepEqual(await notes(tab, 3), filled);
+  await shot(tab, '16-uploaded-redo');
+
+  const fillTo = (format) => {
+    const expected = path.join(scratch, `expected.${format}`);
+    run('fill', ROCK_BAND, '--measures', '5-12', '--groove', 'Funk 16ths Ghost Notes', '--staff', 'Drum Set', '--yes',
+      '-o', expected);
+    return expected;
+  };
+  assert.ok((await download(tab, 'musicxml')).equals(fs.readFileSync(fillTo('musicxml'))),
+    'the .musicxml download is what fill -o writes, byte for byte');
+  // An archive made from a plain score stamps its entries with the time of writing (two runs of
+  // fill -o differ there too): the entries' names and bytes must be the same.
+  const entries = (file) => runTool('unzip', '-Z1', file).trim().split('\n')
+    .map((name) => [name, runTool('unzip', '-p', file, name)]);
+  fs.writeFileSync(path.join(scratch, 'page.mxl'), await download(tab, 'mxl'));
+  assert.deepEqual(entries(path.join(scratch, 'page.mxl')), entries(fillTo('mxl')), 'the .mxl download holds what fill -o writes');
+  await tab.close();
+});
+
+test('a 100-measure score: fill and redraw in the page (timed, printed)', async () => {
+  const tab = await context.newPage();
+  await tab.goto(address);
+  await tab.waitForSelector('rect.measure-box');
+  let started = Date.now();
+  await upload(tab, 'hundred.musicxml', Buffer.from(restingScore(100)));
+  console.log(`upload and drawing of a 100-measure score: ${Date.now() - started} ms`);
+  assert.equal(await tab.locator('#score svg g.measure').count(), 100);
+  await select(tab, DRUMS, 1, 100);
+  await fillThroughDialog(tab, 'Rock 8ths');
+  await tab.waitForSelector(`.note[data-staff="${DRUMS}"][data-measure="100"]`);
+  await waitUntilIdle(tab);
+  assert.deepEqual(measuresWithNotes(await notes(tab, DRUMS)), Array.from({ length: 100 }, (_, index) => index + 1));
+  const fillMs = await tab.evaluate(() => document.body.dataset.lastFillMs);
+  console.log(`fill and redraw of a 100-measure score in the page: ${fillMs} ms (OK pressed to notes drawn)`);
+  await shot(tab, '17-hundred-measures-filled');
+  await tab.close();
 });
 
 test('requests cannot reach outside the page\'s files', async () => {
