@@ -1,9 +1,10 @@
-// `tamberlyne export -o OUT.mid`: a score as a Standard MIDI File (stavio/midi_export). The
-// score comes from a document source; today that is the demo score alone.
+// `tamberlyne export [SCORE] -o OUT.mid`: a MusicXML score (or the demo score) as a Standard MIDI
+// File (stavio/midi_export).
 #include "stavio/app/commands.h"
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
 #include "stavio/app/sound_output.h"
+#include "stavio/musicxml/score_file.h"
 
 #include <ostream>
 
@@ -63,30 +64,30 @@ bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommand
     return true;
 }
 
-// The document to export: the demo score, or (once the host reads score files) SCORE. False with
-// a message for a person when there is none to be had.
-bool LoadExportDocument(const std::optional<std::string>& score, Document& document, std::string& error)
+// The document to export: SCORE read as MusicXML, or the demo score without one.
+toolbox::Result<Document> LoadExportDocument(const std::optional<std::string>& score)
 {
-    if (score) {
-        error =
-            "reading a score file is not available yet; export writes the demo score (leave out \"" + *score + "\")";
-        return false;
+    if (!score) {
+        return BuildDemoDocument();
     }
-    document = BuildDemoDocument();
-    return true;
+    toolbox::Result<musicxml::ScoreFile> file = musicxml::ScoreFile::Read(*score);
+    if (!file) {
+        return file.status();
+    }
+    return file->document();
 }
 
 }   // namespace
 
 std::string ExportUsageText()
 {
-    return "Usage: tamberlyne [options] export -o OUT.mid [export options]\n"
+    return "Usage: tamberlyne [options] export [SCORE] -o OUT.mid [export options]\n"
            "\n"
            "Writes a score as a Standard MIDI File (format 1): a conductor track with the tempo and\n"
            "every meter change, then a track per staff on its channel with its program; drum staves\n"
            "play on channel 10, each note at its kit piece's key. Ties are joined, tuplets scaled.\n"
-           "The score is the demo score of `fill` (16 measures of 4/4, \"Piano\" and \"Drums\"); reading\n"
-           "a score file (SCORE) is not available yet.\n"
+           "SCORE is a MusicXML file (.musicxml, .xml or compressed .mxl); without it, the demo score\n"
+           "of `fill` (16 measures of 4/4, \"Piano\" and \"Drums\").\n"
            "\n"
            "Export options:\n"
            "  -o OUT.mid             the MIDI file to write (replaced whole, or left as it was)\n"
@@ -108,11 +109,12 @@ int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& e
         err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
         return kExitUsage;
     }
-    Document score;
-    if (!LoadExportDocument(options.score, score, error)) {
-        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
-        return kExitUsage;
+    const toolbox::Result<Document> loaded = LoadExportDocument(options.score);
+    if (!loaded) {
+        err << "tamberlyne: " << loaded.Message() << "\n";
+        return kExitFailure;
     }
+    const Document& score = *loaded;
     midi_export::AudioTools tools;
     if (!PrepareSound(options.sound, tools, error)) {
         err << "tamberlyne: " << error << "\n";
