@@ -20,8 +20,6 @@ namespace stavio::app {
 
 namespace {
 
-constexpr double kFileFormatTempo = 120.0;
-
 bool IsOption(const std::string& argument, const std::string& name)
 {
     return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
@@ -202,25 +200,7 @@ double FileTempo(const std::string& path)
 {
     midi_import::SmfFile file;
     std::string error;
-    if (!midi_import::ReadSmfFile(path, file, error)) {
-        return kFileFormatTempo;
-    }
-    const midi_import::SmfEvent* earliest = nullptr;
-    for (const midi_import::SmfTrack& track : file.tracks) {
-        for (const midi_import::SmfEvent& event : track.events) {
-            if (event.IsMeta(midi_import::kMetaTempo) && file.DataOf(event).size == 3 &&
-                (earliest == nullptr || event.tick < earliest->tick)) {
-                earliest = &event;
-                break;
-            }
-        }
-    }
-    if (earliest == nullptr) {
-        return kFileFormatTempo;
-    }
-    const midi_import::EventData data = file.DataOf(*earliest);
-    const uint32_t microseconds = uint32_t{data[0]} << 16 | uint32_t{data[1]} << 8 | data[2];
-    return microseconds == 0 ? kFileFormatTempo : 60000000.0 / microseconds;
+    return midi_import::ReadSmfFile(path, file, error) ? midi_import::StartTempo(file) : midi_import::kDefaultFileTempo;
 }
 
 }   // namespace stavio::app
