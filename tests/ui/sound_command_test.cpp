@@ -378,7 +378,7 @@ TEST_F(SoundCommands, ExportWritesTheDemoScore)
         EXPECT_EQ(run.status, 2) << arguments;
         ExpectHas(run.err, {complaint});
     }
-    ExpectHas(Run("--help").out, {"export [SCORE] -o OUT"});
+    ExpectHas(Run("--help").out, {"export SCORE -o OUT"});
     ExpectHas(Run("grooves --help").out, {"grooves play NAME -o OUT"});
     ExpectHas(Run("fill --help").out,
               {"--midi OUT.mid", "--audio OUT.wav|OUT.ogg", "--tempo BPM", "--sound-font FILE"});
