@@ -18,14 +18,13 @@ struct ExportCommandOptions {
     SoundOptions sound;
 };
 
-bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommandOptions& options, std::string& error)
+toolbox::Status ParseExportOptions(const std::vector<std::string>& arguments, ExportCommandOptions& options)
 {
     for (size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
         if (argument == "-o" || argument == "--measures") {
             if (index + 1 >= arguments.size() || arguments[index + 1].empty()) {
-                error = "option " + argument + " needs a value";
-                return false;
+                return toolbox::Status::Failure("option " + argument + " needs a value");
             }
             const std::string& value = arguments[++index];
             if (argument == "-o") {
@@ -34,34 +33,32 @@ bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommand
             }
             const toolbox::Result<MeasureRange> range = ReadMeasureRange(value);
             if (!range) {
-                error = range.Message();
-                return false;
+                return range.status();
             }
             options.measures = *range;
             continue;
         }
-        bool taken = false;
-        if (!TakeSoundOption(arguments, index, options.sound, taken, error)) {
-            return false;
+        const toolbox::Result<bool> taken = TakeSoundOption(arguments, index, options.sound);
+        if (!taken) {
+            return taken.status();
         }
-        if (taken) {
+        if (*taken) {
             continue;
         }
         if (!argument.empty() && argument[0] == '-') {
-            error = "unknown option \"" + argument + "\" for the export command";
-            return false;
+            return toolbox::Status::Failure("unknown option \"" + argument + "\" for the export command");
         }
         if (options.score) {
-            error = "the export command takes one score (got \"" + *options.score + "\" and \"" + argument + "\")";
-            return false;
+            return toolbox::Status::Failure("the export command takes one score (got \"" + *options.score +
+                                            "\" and \"" + argument + "\")");
         }
         options.score = argument;
     }
     if (!options.sound.midi && !options.sound.audio) {
-        error = "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)";
-        return false;
+        return toolbox::Status::Failure(
+            "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)");
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 // The document to export: SCORE read as MusicXML, or the demo score without one.
@@ -104,9 +101,8 @@ std::string ExportUsageText()
 int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
     ExportCommandOptions options;
-    std::string error;
-    if (!ParseExportOptions(line.arguments, options, error)) {
-        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
+    if (const toolbox::Status parsed = ParseExportOptions(line.arguments, options); !parsed) {
+        err << "tamberlyne: " << parsed.Message() << "\n\n" << ExportUsageText();
         return kExitUsage;
     }
     const toolbox::Result<Document> loaded = LoadExportDocument(options.score);
@@ -115,9 +111,9 @@ int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& e
         return kExitFailure;
     }
     const Document& score = *loaded;
-    midi_export::AudioTools tools;
-    if (!PrepareSound(options.sound, tools, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const toolbox::Result<midi_export::AudioTools> tools = PrepareSound(options.sound);
+    if (!tools) {
+        err << "tamberlyne: " << tools.Message() << "\n";
         return kExitFailure;
     }
     const MeasureRange range = options.measures.value_or(MeasureRange{1, score.MeasureCount()});
@@ -126,7 +122,7 @@ int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& e
             << range.last << " goes past its end\n";
         return kExitUsage;
     }
-    return WriteSound(score, range.first, range.last, 120.0, options.sound, tools, &out, err);
+    return WriteSound(score, range.first, range.last, 120.0, options.sound, *tools, &out, err);
 }
 
 }   // namespace stavio::app
