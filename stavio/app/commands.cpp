@@ -21,8 +21,8 @@ const std::vector<Command>& Commands()
          RunGroovesCommand, GroovesUsageText},
         {"serve", "[options]", "serve the page: a score in the browser, the plug-in's dialog, undo", RunServeCommand,
          ServeUsageText},
-        {"export", "-o OUT.mid", "the demo score as a Standard MIDI File (see export --help)", RunExportCommand,
-         ExportUsageText},
+        {"export", "SCORE -o OUT", "a MusicXML score (or the demo score) as a Standard MIDI File (see export --help)",
+         RunExportCommand, ExportUsageText},
     };
     return commands;
 }

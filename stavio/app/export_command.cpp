@@ -1,9 +1,10 @@
-// `tamberlyne export -o OUT.mid`: a score as a Standard MIDI File (stavio/midi_export). The
-// score comes from a document source; today that is the demo score alone.
+// `tamberlyne export [SCORE] -o OUT.mid`: a MusicXML score (or the demo score) as a Standard MIDI
+// File (stavio/midi_export).
 #include "stavio/app/commands.h"
 #include "stavio/app/demo_document.h"
 #include "stavio/app/fill_options.h"
 #include "stavio/app/sound_output.h"
+#include "stavio/musicxml/score_file.h"
 
 #include <ostream>
 
@@ -17,14 +18,13 @@ struct ExportCommandOptions {
     SoundOptions sound;
 };
 
-bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommandOptions& options, std::string& error)
+toolbox::Status ParseExportOptions(const std::vector<std::string>& arguments, ExportCommandOptions& options)
 {
     for (size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
         if (argument == "-o" || argument == "--measures") {
             if (index + 1 >= arguments.size() || arguments[index + 1].empty()) {
-                error = "option " + argument + " needs a value";
-                return false;
+                return toolbox::Status::Failure("option " + argument + " needs a value");
             }
             const std::string& value = arguments[++index];
             if (argument == "-o") {
@@ -33,60 +33,58 @@ bool ParseExportOptions(const std::vector<std::string>& arguments, ExportCommand
             }
             const toolbox::Result<MeasureRange> range = ReadMeasureRange(value);
             if (!range) {
-                error = range.Message();
-                return false;
+                return range.status();
             }
             options.measures = *range;
             continue;
         }
-        bool taken = false;
-        if (!TakeSoundOption(arguments, index, options.sound, taken, error)) {
-            return false;
+        const toolbox::Result<bool> taken = TakeSoundOption(arguments, index, options.sound);
+        if (!taken) {
+            return taken.status();
         }
-        if (taken) {
+        if (*taken) {
             continue;
         }
         if (!argument.empty() && argument[0] == '-') {
-            error = "unknown option \"" + argument + "\" for the export command";
-            return false;
+            return toolbox::Status::Failure("unknown option \"" + argument + "\" for the export command");
         }
         if (options.score) {
-            error = "the export command takes one score (got \"" + *options.score + "\" and \"" + argument + "\")";
-            return false;
+            return toolbox::Status::Failure("the export command takes one score (got \"" + *options.score +
+                                            "\" and \"" + argument + "\")");
         }
         options.score = argument;
     }
     if (!options.sound.midi && !options.sound.audio) {
-        error = "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)";
-        return false;
+        return toolbox::Status::Failure(
+            "the export command needs the file to write: -o OUT.mid (or --audio OUT.wav|OUT.ogg)");
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
-// The document to export: the demo score, or (once the host reads score files) SCORE. False with
-// a message for a person when there is none to be had.
-bool LoadExportDocument(const std::optional<std::string>& score, Document& document, std::string& error)
+// The document to export: SCORE read as MusicXML, or the demo score without one.
+toolbox::Result<Document> LoadExportDocument(const std::optional<std::string>& score)
 {
-    if (score) {
-        error =
-            "reading a score file is not available yet; export writes the demo score (leave out \"" + *score + "\")";
-        return false;
+    if (!score) {
+        return BuildDemoDocument();
     }
-    document = BuildDemoDocument();
-    return true;
+    toolbox::Result<musicxml::ScoreFile> file = musicxml::ScoreFile::Read(*score);
+    if (!file) {
+        return file.status();
+    }
+    return file->document();
 }
 
 }   // namespace
 
 std::string ExportUsageText()
 {
-    return "Usage: tamberlyne [options] export -o OUT.mid [export options]\n"
+    return "Usage: tamberlyne [options] export [SCORE] -o OUT.mid [export options]\n"
            "\n"
            "Writes a score as a Standard MIDI File (format 1): a conductor track with the tempo and\n"
            "every meter change, then a track per staff on its channel with its program; drum staves\n"
            "play on channel 10, each note at its kit piece's key. Ties are joined, tuplets scaled.\n"
-           "The score is the demo score of `fill` (16 measures of 4/4, \"Piano\" and \"Drums\"); reading\n"
-           "a score file (SCORE) is not available yet.\n"
+           "SCORE is a MusicXML file (.musicxml, .xml or compressed .mxl); without it, the demo score\n"
+           "of `fill` (16 measures of 4/4, \"Piano\" and \"Drums\").\n"
            "\n"
            "Export options:\n"
            "  -o OUT.mid             the MIDI file to write (replaced whole, or left as it was)\n"
@@ -103,19 +101,19 @@ std::string ExportUsageText()
 int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
     ExportCommandOptions options;
-    std::string error;
-    if (!ParseExportOptions(line.arguments, options, error)) {
-        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
+    if (const toolbox::Status parsed = ParseExportOptions(line.arguments, options); !parsed) {
+        err << "tamberlyne: " << parsed.Message() << "\n\n" << ExportUsageText();
         return kExitUsage;
     }
-    Document score;
-    if (!LoadExportDocument(options.score, score, error)) {
-        err << "tamberlyne: " << error << "\n\n" << ExportUsageText();
-        return kExitUsage;
+    const toolbox::Result<Document> loaded = LoadExportDocument(options.score);
+    if (!loaded) {
+        err << "tamberlyne: " << loaded.Message() << "\n";
+        return kExitFailure;
     }
-    midi_export::AudioTools tools;
-    if (!PrepareSound(options.sound, tools, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const Document& score = *loaded;
+    const toolbox::Result<midi_export::AudioTools> tools = PrepareSound(options.sound);
+    if (!tools) {
+        err << "tamberlyne: " << tools.Message() << "\n";
         return kExitFailure;
     }
     const MeasureRange range = options.measures.value_or(MeasureRange{1, score.MeasureCount()});
@@ -124,7 +122,7 @@ int RunExportCommand(const CommandLine& line, std::ostream& out, std::ostream& e
             << range.last << " goes past its end\n";
         return kExitUsage;
     }
-    return WriteSound(score, range.first, range.last, 120.0, options.sound, tools, &out, err);
+    return WriteSound(score, range.first, range.last, 120.0, options.sound, *tools, &out, err);
 }
 
 }   // namespace stavio::app

@@ -6,9 +6,9 @@
 #include "stavio/app/groove_dialog_script.h"
 #include "stavio/app/groove_library.h"
 #include "stavio/app/groove_preview.h"
-#include "stavio/app/sound_output.h"
 #include "stavio/app/score_fill.h"
 #include "stavio/app/shipped_folders.h"
+#include "stavio/app/sound_output.h"
 #include "stavio/app/staff_changes.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/document/host_tags.h"
@@ -292,9 +292,9 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
         return kExitUsage;
     }
 
-    midi_export::AudioTools audioTools;
-    if (std::string soundError; !PrepareSound(options.sound, audioTools, soundError)) {
-        err << "tamberlyne: " << soundError << "\n";
+    const toolbox::Result<midi_export::AudioTools> audioTools = PrepareSound(options.sound);
+    if (!audioTools) {
+        err << "tamberlyne: " << audioTools.Message() << "\n";
         return kExitFailure;
     }
 
@@ -416,7 +416,7 @@ int RunFillCommand(const CommandLine& line, std::ostream& standardOut, std::ostr
     const std::optional<std::string> groove =
         options.groove ? FindGrooveFile(report.library.folder, *options.groove) : std::nullopt;
     return WriteSound(host.document(), measures.start.meas, measures.end.meas, groove ? FileTempo(*groove) : 120.0,
-                      options.sound, audioTools, options.json ? nullptr : &out, err);
+                      options.sound, *audioTools, options.json ? nullptr : &out, err);
 }
 
 }   // namespace stavio::app

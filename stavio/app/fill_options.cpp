@@ -44,17 +44,6 @@ bool ReadMeasureNumber(const std::string& text, int& number)
     return number >= 1;
 }
 
-// The sound options (--midi, --audio, --tempo, --sound-font): whether the argument was one.
-toolbox::Result<bool> TakeSound(const std::vector<std::string>& arguments, size_t& index, SoundOptions& sound)
-{
-    bool taken = false;
-    std::string error;
-    if (!TakeSoundOption(arguments, index, sound, taken, error)) {
-        return Status::Failure(error);
-    }
-    return taken;
-}
-
 toolbox::Result<GrooveStyle> ReadStyle(const std::string& text)
 {
     for (GrooveStyle candidate : {GrooveStyle::DrumStaff, GrooveStyle::PercussionClef, GrooveStyle::Slashes}) {
@@ -160,7 +149,8 @@ toolbox::Result<FillOptions> ParseFillOptions(const std::vector<std::string>& ar
             options.interactive = true;
         } else if (argument == "--json") {
             options.json = true;
-        } else if (const toolbox::Result<bool> sound = TakeSound(arguments, index, options.sound); !sound || *sound) {
+        } else if (const toolbox::Result<bool> sound = TakeSoundOption(arguments, index, options.sound);
+                   !sound || *sound) {
             taken = sound.status();
         } else if (!argument.empty() && argument[0] == '-') {
             return Status::Failure("unknown option \"" + argument + "\" for the fill command");

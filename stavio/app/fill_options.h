@@ -1,8 +1,8 @@
 // The options of `tamberlyne fill`.
 #pragma once
 
-#include "toolbox/status.h"
 #include "stavio/app/sound_output.h"
+#include "toolbox/status.h"
 
 #include <optional>
 #include <string>

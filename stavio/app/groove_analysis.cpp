@@ -85,23 +85,6 @@ std::optional<std::string> MeterChange(const SmfFile& smf)
     return std::nullopt;
 }
 
-double StartTempo(const SmfFile& smf)
-{
-    std::optional<std::pair<int64_t, double>> first;   // tick, quarter notes per minute
-    for (const SmfTrack& track : smf.tracks) {
-        for (const SmfEvent& event : track.events) {
-            const midi_import::EventData data = smf.DataOf(event);
-            if (event.IsMeta(midi_import::kMetaTempo) && data.size >= 3 && (!first || event.tick < first->first)) {
-                const long micros = (long{data[0]} << 16) | (long{data[1]} << 8) | data[2];
-                if (micros > 0) {
-                    first = std::make_pair(event.tick, 60000000.0 / static_cast<double>(micros));
-                }
-            }
-        }
-    }
-    return first ? first->second : 120.0;
-}
-
 std::vector<KitPiece> KitOf(const SmfTrack& track)
 {
     const PercussionMap kit = GeneralMidiKit();
@@ -253,7 +236,7 @@ GrooveSummary AnalyseGrooveFile(const std::string& path, const std::string& file
     }
     groove.numerator = meter.numerator;
     groove.denominator = meter.denominator;
-    groove.tempo = StartTempo(smf);
+    groove.tempo = midi_import::StartTempo(smf);
 
     const auto drums = std::find_if(smf.tracks.begin(), smf.tracks.end(), [](const SmfTrack& track) {
         return std::any_of(track.events.begin(), track.events.end(), IsDrumMessage);

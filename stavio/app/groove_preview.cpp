@@ -1,9 +1,9 @@
 #include "stavio/app/groove_preview.h"
 
-#include "stavio/app/sound_output.h"
 #include "stavio/document_builder.h"
 #include "stavio/midi_import/drum_groove.h"
 #include "stavio/midi_import/midi_import.h"
+#include "stavio/midi_import/smf_reader.h"
 
 #include <algorithm>
 #include <cctype>
@@ -66,21 +66,22 @@ std::optional<std::string> FindGrooveFile(const std::string& folder, const std::
     return std::nullopt;
 }
 
-bool BuildGroovePreview(const std::string& path, GroovePreview& preview, std::string& error)
+toolbox::Result<GroovePreview> BuildGroovePreview(const std::string& path)
 {
     midi_import::SmfFile file;
+    std::string error;
     if (!midi_import::ReadSmfFile(path, file, error)) {
-        return false;
+        return toolbox::Status::Failure(error);
     }
+    GroovePreview preview;
     const midi_import::DrumGroove groove = midi_import::DrumGrooveOf(file);
     preview.bars = RepeatedBars(file, groove.barLength);
     if (groove.onsets.empty() || preview.bars == 0) {
-        error = path + ": the groove has no drum notes (MIDI channel 10)";
-        return false;
+        return toolbox::Status::Failure(path + ": the groove has no drum notes (MIDI channel 10)");
     }
     preview.numerator = groove.meter.numerator;
     preview.denominator = groove.meter.denominator;
-    preview.tempo = FileTempo(path);
+    preview.tempo = midi_import::StartTempo(file);
 
     // Compound meters count dotted beats, as a score written in them does.
     const bool compound = preview.denominator >= 8 && preview.numerator % 3 == 0 && preview.numerator > 3;
@@ -93,7 +94,10 @@ bool BuildGroovePreview(const std::string& path, GroovePreview& preview, std::st
     EREGION region{};
     region.start = EMUSICPOINT{kMainInstrumentList, 1, 1, 0};
     region.end = EMUSICPOINT{kMainInstrumentList, 1, static_cast<uint16_t>(preview.bars), kEndOfMeasure};
-    return midi_import::ImportMidiFile(preview.document, region, path, error);
+    if (!midi_import::ImportMidiFile(preview.document, region, path, error)) {
+        return toolbox::Status::Failure(error);
+    }
+    return preview;
 }
 
 }   // namespace stavio::app

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "stavio/document/document.h"
+#include "toolbox/status.h"
 
 #include <optional>
 #include <string>
@@ -24,8 +25,8 @@ std::optional<std::string> FindGrooveFile(const std::string& folder, const std::
 
 // Reads the groove at `path`. Its length in bars follows the plug-in's rule: up to the bar of
 // its last drum message, less that bar when the message lies in its first 70 % (a closing
-// crash on the downbeat is not part of the pattern). False with a message for a person when the
-// file cannot be read or holds no drum notes.
-bool BuildGroovePreview(const std::string& path, GroovePreview& preview, std::string& error);
+// crash on the downbeat is not part of the pattern). A failure with a message for a person when
+// the file cannot be read or holds no drum notes.
+toolbox::Result<GroovePreview> BuildGroovePreview(const std::string& path);
 
 }   // namespace stavio::app

@@ -17,55 +17,50 @@ struct PlayOptions {
     SoundOptions sound;
 };
 
-bool ParsePlayOptions(const std::vector<std::string>& arguments, PlayOptions& options, std::string& error)
+toolbox::Status ParsePlayOptions(const std::vector<std::string>& arguments, PlayOptions& options)
 {
     for (size_t index = 0; index < arguments.size(); ++index) {
         const std::string& argument = arguments[index];
-        bool taken = false;
-        if (!TakeSoundOption(arguments, index, options.sound, taken, error)) {
-            return false;
+        const toolbox::Result<bool> taken = TakeSoundOption(arguments, index, options.sound);
+        if (!taken) {
+            return taken.status();
         }
-        if (taken) {
+        if (*taken) {
             if (options.sound.midi) {
-                error = "unknown option \"--midi\" for grooves play";
-                return false;
+                return toolbox::Status::Failure("unknown option \"--midi\" for grooves play");
             }
             continue;
         }
         if (argument == "-o" || argument == "--library") {
             if (index + 1 >= arguments.size() || arguments[index + 1].empty()) {
-                error = "option " + argument + " needs a value";
-                return false;
+                return toolbox::Status::Failure("option " + argument + " needs a value");
             }
             const std::string& value = arguments[++index];
             if (argument == "-o") {
                 std::vector<std::string> audio = {"--audio", value};
                 size_t at = 0;
-                if (!TakeSoundOption(audio, at, options.sound, taken, error)) {
-                    return false;
+                if (const toolbox::Result<bool> output = TakeSoundOption(audio, at, options.sound); !output) {
+                    return output.status();
                 }
             } else {
                 options.library = value;
             }
         } else if (!argument.empty() && argument[0] == '-') {
-            error = "unknown option \"" + argument + "\" for grooves play";
-            return false;
+            return toolbox::Status::Failure("unknown option \"" + argument + "\" for grooves play");
         } else if (options.name.empty()) {
             options.name = argument;
         } else {
-            error = "grooves play takes one groove name (got \"" + options.name + "\" and \"" + argument + "\")";
-            return false;
+            return toolbox::Status::Failure("grooves play takes one groove name (got \"" + options.name + "\" and \"" +
+                                            argument + "\")");
         }
     }
     if (options.name.empty()) {
-        error = "grooves play needs the name of a groove";
-        return false;
+        return toolbox::Status::Failure("grooves play needs the name of a groove");
     }
     if (!options.sound.audio) {
-        error = "grooves play needs the audio file to write: -o OUT.wav or -o OUT.ogg";
-        return false;
+        return toolbox::Status::Failure("grooves play needs the audio file to write: -o OUT.wav or -o OUT.ogg");
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 }   // namespace
@@ -93,14 +88,13 @@ std::string GroovesPlayUsageText()
 int RunGroovesPlayCommand(const CommandLine& line, std::ostream& out, std::ostream& err)
 {
     PlayOptions options;
-    std::string error;
-    if (!ParsePlayOptions(line.arguments, options, error)) {
-        err << "tamberlyne: " << error << "\n\n" << GroovesPlayUsageText();
+    if (const toolbox::Status parsed = ParsePlayOptions(line.arguments, options); !parsed) {
+        err << "tamberlyne: " << parsed.Message() << "\n\n" << GroovesPlayUsageText();
         return kExitUsage;
     }
-    midi_export::AudioTools tools;
-    if (!PrepareSound(options.sound, tools, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const toolbox::Result<midi_export::AudioTools> tools = PrepareSound(options.sound);
+    if (!tools) {
+        err << "tamberlyne: " << tools.Message() << "\n";
         return kExitFailure;
     }
     const toolbox::Result<GrooveLibrary> resolved = ResolveGrooveLibrary(options.library, BundledLibraryFolder());
@@ -114,14 +108,15 @@ int RunGroovesPlayCommand(const CommandLine& line, std::ostream& out, std::ostre
         err << "tamberlyne: there is no groove \"" << options.name << "\" in " << library.folder << "\n";
         return kExitFailure;
     }
-    GroovePreview preview;
-    if (!BuildGroovePreview(*path, preview, error)) {
-        err << "tamberlyne: " << error << "\n";
+    const toolbox::Result<GroovePreview> built = BuildGroovePreview(*path);
+    if (!built) {
+        err << "tamberlyne: " << built.Message() << "\n";
         return kExitFailure;
     }
+    const GroovePreview& preview = *built;
     out << "Groove: " << *path << " (" << preview.numerator << "/" << preview.denominator << ", " << preview.bars
         << (preview.bars == 1 ? " bar" : " bars") << ")\n";
-    return WriteSound(preview.document, 1, preview.bars, preview.tempo, options.sound, tools, &out, err);
+    return WriteSound(preview.document, 1, preview.bars, preview.tempo, options.sound, *tools, &out, err);
 }
 
 }   // namespace stavio::app

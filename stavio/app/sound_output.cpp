@@ -20,40 +20,38 @@ namespace stavio::app {
 
 namespace {
 
-constexpr double kFileFormatTempo = 120.0;
-
 bool IsOption(const std::string& argument, const std::string& name)
 {
     return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
 }
 
 // "--name=value" or "--name value".
-bool TakeValue(const std::vector<std::string>& arguments, size_t& index, const std::string& name, std::string& value,
-               std::string& error)
+toolbox::Result<std::string> TakeValue(const std::vector<std::string>& arguments, size_t& index,
+                                       const std::string& name)
 {
     const std::string& argument = arguments[index];
+    std::string value;
     if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
         value = argument.substr(name.size() + 1);
     } else if (index + 1 < arguments.size()) {
         value = arguments[++index];
     }
     if (value.empty()) {
-        error = "option " + name + " needs a value";
-        return false;
+        return toolbox::Status::Failure("option " + name + " needs a value");
     }
-    return true;
+    return value;
 }
 
-bool ReadTempo(const std::string& text, double& tempo, std::string& error)
+toolbox::Result<double> ReadTempo(const std::string& text)
 {
     char* end = nullptr;
     errno = 0;
-    tempo = std::strtod(text.c_str(), &end);
+    const double tempo = std::strtod(text.c_str(), &end);
     if (end == text.c_str() || *end != '\0' || errno != 0 || midi_export::MicrosecondsPerQuarter(tempo) == 0) {
-        error = "option --tempo takes quarter notes a minute, 1 to 1000 (got \"" + text + "\")";
-        return false;
+        return toolbox::Status::Failure("option --tempo takes quarter notes a minute, 1 to 1000 (got \"" + text +
+                                        "\")");
     }
-    return true;
+    return tempo;
 }
 
 std::string Describe(int32_t first, int32_t last, double seconds, double tempo)
@@ -68,37 +66,36 @@ std::string Describe(int32_t first, int32_t last, double seconds, double tempo)
 
 }   // namespace
 
-bool TakeSoundOption(const std::vector<std::string>& arguments, size_t& index, SoundOptions& options, bool& taken,
-                     std::string& error)
+toolbox::Result<bool> TakeSoundOption(const std::vector<std::string>& arguments, size_t& index, SoundOptions& options)
 {
     const std::string& argument = arguments[index];
-    taken = true;
-    std::string value;
-    if (IsOption(argument, "--midi")) {
-        if (!TakeValue(arguments, index, "--midi", value, error)) {
-            return false;
+    const bool midi = IsOption(argument, "--midi");
+    const bool audio = IsOption(argument, "--audio");
+    const bool tempo = IsOption(argument, "--tempo");
+    const bool soundFont = IsOption(argument, "--sound-font");
+    if (!midi && !audio && !tempo && !soundFont) {
+        return false;
+    }
+    const std::string name = midi ? "--midi" : audio ? "--audio" : tempo ? "--tempo" : "--sound-font";
+    const toolbox::Result<std::string> value = TakeValue(arguments, index, name);
+    if (!value) {
+        return value.status();
+    }
+    if (midi) {
+        options.midi = *value;
+    } else if (audio) {
+        if (const toolbox::Result<midi_export::AudioFormat> format = midi_export::AudioFormatOf(*value); !format) {
+            return format.status();
         }
-        options.midi = value;
-    } else if (IsOption(argument, "--audio")) {
-        midi_export::AudioFormat format = midi_export::AudioFormat::Wav;
-        if (!TakeValue(arguments, index, "--audio", value, error) ||
-            !midi_export::AudioFormatOf(value, format, error)) {
-            return false;
+        options.audio = *value;
+    } else if (tempo) {
+        const toolbox::Result<double> quarters = ReadTempo(*value);
+        if (!quarters) {
+            return quarters.status();
         }
-        options.audio = value;
-    } else if (IsOption(argument, "--tempo")) {
-        double tempo = 0.0;
-        if (!TakeValue(arguments, index, "--tempo", value, error) || !ReadTempo(value, tempo, error)) {
-            return false;
-        }
-        options.tempo = tempo;
-    } else if (IsOption(argument, "--sound-font")) {
-        if (!TakeValue(arguments, index, "--sound-font", value, error)) {
-            return false;
-        }
-        options.soundFont = value;
+        options.tempo = *quarters;
     } else {
-        taken = false;
+        options.soundFont = *value;
     }
     return true;
 }
@@ -118,25 +115,26 @@ std::string SoundOptionsUsage(bool withMidi)
     return text;
 }
 
-bool PrepareSound(const SoundOptions& options, midi_export::AudioTools& tools, std::string& error)
+toolbox::Result<midi_export::AudioTools> PrepareSound(const SoundOptions& options)
 {
     if (!options.audio) {
-        return true;
+        return midi_export::AudioTools{};
     }
-    midi_export::AudioFormat format = midi_export::AudioFormat::Wav;
-    return midi_export::AudioFormatOf(*options.audio, format, error) &&
-           midi_export::FindAudioTools(options.soundFont, tools, error);
+    if (const toolbox::Result<midi_export::AudioFormat> format = midi_export::AudioFormatOf(*options.audio); !format) {
+        return format.status();
+    }
+    return midi_export::FindAudioTools(options.soundFont);
 }
 
-bool WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error)
+toolbox::Status WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes)
 {
     const std::filesystem::path target(path);
     const std::filesystem::path folder = target.parent_path().empty() ? "." : target.parent_path();
     std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
     const int fd = ::mkstemp(temporary.data());
     if (fd < 0) {
-        error = path + ": cannot write a temporary file in " + folder.string() + ": " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(path + ": cannot write a temporary file in " + folder.string() + ": " +
+                                        std::strerror(errno));
     }
     ::fchmod(fd, 0644);   // the person's file, not a private temporary one
     size_t done = 0;
@@ -152,11 +150,11 @@ bool WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& by
     }
     const bool whole = done == bytes.size() && ::close(fd) == 0;
     if (!whole || ::rename(temporary.c_str(), path.c_str()) != 0) {
-        error = path + ": cannot be written: " + std::strerror(errno);
+        const toolbox::Status failure = toolbox::Status::Failure(path + ": cannot be written: " + std::strerror(errno));
         ::unlink(temporary.c_str());
-        return false;
+        return failure;
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 int WriteSound(const Document& doc, int32_t first, int32_t last, double defaultTempo, const SoundOptions& options,
@@ -170,16 +168,15 @@ int WriteSound(const Document& doc, int32_t first, int32_t last, double defaultT
     range.firstMeasure = first;
     range.lastMeasure = last;
     range.microsecondsPerQuarter = midi_export::MicrosecondsPerQuarter(tempo);
-    std::vector<uint8_t> midi;
-    std::string error;
-    if (!midi_export::ExportMidi(doc, range, midi, error)) {
-        err << "tamberlyne: cannot export the MIDI: " << error << "\n";
+    const toolbox::Result<std::vector<uint8_t>> midi = midi_export::ExportMidi(doc, range);
+    if (!midi) {
+        err << "tamberlyne: cannot export the MIDI: " << midi.Message() << "\n";
         return kExitFailure;
     }
     const std::string what = Describe(first, last, midi_export::RangeSeconds(doc, range), tempo);
     if (options.midi) {
-        if (!WriteFileAtomically(*options.midi, midi, error)) {
-            err << "tamberlyne: " << error << "\n";
+        if (const toolbox::Status written = WriteFileAtomically(*options.midi, *midi); !written) {
+            err << "tamberlyne: " << written.Message() << "\n";
             return kExitFailure;
         }
         if (report != nullptr) {
@@ -187,8 +184,8 @@ int WriteSound(const Document& doc, int32_t first, int32_t last, double defaultT
         }
     }
     if (options.audio) {
-        if (!midi_export::RenderAudio(midi, *options.audio, tools, error)) {
-            err << "tamberlyne: " << error << "\n";
+        if (const toolbox::Status rendered = midi_export::RenderAudio(*midi, *options.audio, tools); !rendered) {
+            err << "tamberlyne: " << rendered.Message() << "\n";
             return kExitFailure;
         }
         if (report != nullptr) {
@@ -202,25 +199,7 @@ double FileTempo(const std::string& path)
 {
     midi_import::SmfFile file;
     std::string error;
-    if (!midi_import::ReadSmfFile(path, file, error)) {
-        return kFileFormatTempo;
-    }
-    const midi_import::SmfEvent* earliest = nullptr;
-    for (const midi_import::SmfTrack& track : file.tracks) {
-        for (const midi_import::SmfEvent& event : track.events) {
-            if (event.IsMeta(midi_import::kMetaTempo) && file.DataOf(event).size == 3 &&
-                (earliest == nullptr || event.tick < earliest->tick)) {
-                earliest = &event;
-                break;
-            }
-        }
-    }
-    if (earliest == nullptr) {
-        return kFileFormatTempo;
-    }
-    const midi_import::EventData data = file.DataOf(*earliest);
-    const uint32_t microseconds = uint32_t{data[0]} << 16 | uint32_t{data[1]} << 8 | data[2];
-    return microseconds == 0 ? kFileFormatTempo : 60000000.0 / microseconds;
+    return midi_import::ReadSmfFile(path, file, error) ? midi_import::StartTempo(file) : midi_import::kDefaultFileTempo;
 }
 
 }   // namespace stavio::app

@@ -20,20 +20,20 @@ struct SoundOptions {
     std::optional<std::string> soundFont;   // --sound-font FILE.sf2
 };
 
-// Takes arguments[index] (and its value) when it is one of the sound options: `taken` says
-// whether it was; false with `error` for a person when its value is missing or wrong.
-bool TakeSoundOption(const std::vector<std::string>& arguments, size_t& index, SoundOptions& options, bool& taken,
-                     std::string& error);
+// Takes arguments[index] (and its value) when it is one of the sound options: true when it was,
+// false when it is no sound option; a failure with a message for a person when its value is
+// missing or wrong.
+toolbox::Result<bool> TakeSoundOption(const std::vector<std::string>& arguments, size_t& index, SoundOptions& options);
 
 // The usage lines of the options above (`withMidi`: --midi too).
 std::string SoundOptionsUsage(bool withMidi);
 
 // Before any work: the audio file's name and FluidSynth with its sound font, when audio is
-// asked for. False with a message naming what is missing.
-bool PrepareSound(const SoundOptions& options, midi_export::AudioTools& tools, std::string& error);
+// asked for (no tools without audio). A failure with a message naming what is missing.
+toolbox::Result<midi_export::AudioTools> PrepareSound(const SoundOptions& options);
 
 // The MIDI file's bytes written through a temporary file renamed over `path`.
-bool WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes, std::string& error);
+toolbox::Status WriteFileAtomically(const std::string& path, const std::vector<uint8_t>& bytes);
 
 // Writes the MIDI and/or the audio of measures first..last of `doc`, and a line for each file
 // on `report` (none when it is null). The tempo is --tempo, else `defaultTempo`. Returns the

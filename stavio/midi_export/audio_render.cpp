@@ -146,74 +146,67 @@ int RunChild(const std::vector<std::string>& arguments, const std::string& logPa
 
 }   // namespace
 
-bool AudioFormatOf(const std::string& path, AudioFormat& format, std::string& error)
+toolbox::Result<AudioFormat> AudioFormatOf(const std::string& path)
 {
     const std::string extension = Lowercase(fs::path(path).extension().string());
     if (extension == ".wav") {
-        format = AudioFormat::Wav;
-        return true;
+        return AudioFormat::Wav;
     }
     if (extension == ".ogg") {
-        format = AudioFormat::Ogg;
-        return true;
+        return AudioFormat::Ogg;
     }
-    error = "the audio file " + path + " must end in .wav or .ogg";
-    return false;
+    return toolbox::Status::Failure("the audio file " + path + " must end in .wav or .ogg");
 }
 
-bool FindAudioTools(const std::optional<std::string>& soundFontOption, AudioTools& tools, std::string& error)
+toolbox::Result<AudioTools> FindAudioTools(const std::optional<std::string>& soundFontOption)
 {
+    AudioTools tools;
     tools.fluidsynth = FindOnPath("fluidsynth");
     if (tools.fluidsynth.empty()) {
-        error = "FluidSynth is needed to render audio and \"fluidsynth\" is not on the PATH; install the Debian "
-                "package " +
-                std::string(kFluidSynthPackage) + " (apt-get install " + kFluidSynthPackage + ")";
-        return false;
+        return toolbox::Status::Failure(
+            "FluidSynth is needed to render audio and \"fluidsynth\" is not on the PATH; install the Debian package " +
+            std::string(kFluidSynthPackage) + " (apt-get install " + kFluidSynthPackage + ")");
     }
     std::error_code ignored;
     if (soundFontOption) {
         if (!fs::is_regular_file(*soundFontOption, ignored)) {
-            error = "the sound font " + *soundFontOption +
-                    " does not exist; name another with --sound-font or "
-                    "install the Debian package " +
-                    kSoundFontPackage + " for the default one";
-            return false;
+            return toolbox::Status::Failure("the sound font " + *soundFontOption +
+                                            " does not exist; name another with --sound-font or "
+                                            "install the Debian package " +
+                                            kSoundFontPackage + " for the default one");
         }
         if (!IsSoundFont(*soundFontOption)) {
-            error = "the sound font " + *soundFontOption + " is not a SoundFont 2 file (.sf2)";
-            return false;
+            return toolbox::Status::Failure("the sound font " + *soundFontOption + " is not a SoundFont 2 file (.sf2)");
         }
         tools.soundFont = *soundFontOption;
-        return true;
+        return tools;
     }
     for (const char* font : kSoundFonts) {
         if (fs::is_regular_file(font, ignored)) {
             tools.soundFont = font;
-            return true;
+            return tools;
         }
     }
-    error = std::string("no General MIDI sound font was found (") + kSoundFonts[0] + "); install the Debian package " +
-            kSoundFontPackage + " (apt-get install " + kSoundFontPackage + ") or name a font with --sound-font";
-    return false;
+    return toolbox::Status::Failure(std::string("no General MIDI sound font was found (") + kSoundFonts[0] +
+                                    "); install the Debian package " + kSoundFontPackage + " (apt-get install " +
+                                    kSoundFontPackage + ") or name a font with --sound-font");
 }
 
-bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath, const AudioTools& tools,
-                 std::string& error)
+toolbox::Status RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath, const AudioTools& tools)
 {
-    AudioFormat format = AudioFormat::Wav;
-    if (!AudioFormatOf(outputPath, format, error)) {
-        return false;
+    const toolbox::Result<AudioFormat> format = AudioFormatOf(outputPath);
+    if (!format) {
+        return format.status();
     }
     PrivateFolder scratch;
     if (scratch.Path().empty()) {
-        error = "cannot make a temporary folder for the MIDI: " + std::string(std::strerror(errno));
-        return false;
+        return toolbox::Status::Failure("cannot make a temporary folder for the MIDI: " +
+                                        std::string(std::strerror(errno)));
     }
     const std::string midiPath = scratch.Path() + "/render.mid";
     const std::string logPath = scratch.Path() + "/fluidsynth.log";
     if (!WriteBytes(midiPath, midi)) {
-        error = "cannot write the MIDI to " + midiPath;
-        return false;
+        return toolbox::Status::Failure("cannot write the MIDI to " + midiPath);
     }
 
     const fs::path target(outputPath);
@@ -221,8 +214,8 @@ bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath
     std::string temporary = (folder / ("." + target.filename().string() + ".XXXXXX")).string();
     const int fd = ::mkstemp(temporary.data());
     if (fd < 0) {
-        error = outputPath + ": cannot write a temporary file in " + folder.string() + ": " + std::strerror(errno);
-        return false;
+        return toolbox::Status::Failure(outputPath + ": cannot write a temporary file in " + folder.string() + ": " +
+                                        std::strerror(errno));
     }
     ::fchmod(fd, 0644);   // the audio is the person's file, not a private temporary one
     ::close(fd);
@@ -238,7 +231,7 @@ bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath
                                                 "-F",
                                                 temporary,
                                                 "-T",
-                                                format == AudioFormat::Wav ? "wav" : "oga",
+                                                *format == AudioFormat::Wav ? "wav" : "oga",
                                                 tools.soundFont,
                                                 midiPath};
     const int status = RunChild(arguments, logPath);
@@ -250,18 +243,19 @@ bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath
     if (status != 0 || sizeError || written == 0 || complained) {
         std::error_code ignored;
         fs::remove(temporary, ignored);
-        error = "FluidSynth could not render " + outputPath +
-                (status < 0 ? std::string(" (it did not run)") : " (exit status " + std::to_string(status) + ")") +
-                (log.empty() ? "" : ": " + log);
-        return false;
+        return toolbox::Status::Failure(
+            "FluidSynth could not render " + outputPath +
+            (status < 0 ? std::string(" (it did not run)") : " (exit status " + std::to_string(status) + ")") +
+            (log.empty() ? "" : ": " + log));
     }
     if (::rename(temporary.c_str(), outputPath.c_str()) != 0) {
-        error = outputPath + ": cannot be written: " + std::strerror(errno);
+        const toolbox::Status failure =
+            toolbox::Status::Failure(outputPath + ": cannot be written: " + std::strerror(errno));
         std::error_code ignored;
         fs::remove(temporary, ignored);
-        return false;
+        return failure;
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 }   // namespace stavio::midi_export

@@ -6,6 +6,8 @@
 // a failed render leaves the target as it was.
 #pragma once
 
+#include "toolbox/status.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,8 +24,8 @@ enum class AudioFormat {
     Ogg,
 };
 
-// From the file name: ".wav" or ".ogg" (any case). False with a message for any other name.
-bool AudioFormatOf(const std::string& path, AudioFormat& format, std::string& error);
+// From the file name: ".wav" or ".ogg" (any case). A failure with a message for any other name.
+toolbox::Result<AudioFormat> AudioFormatOf(const std::string& path);
 
 struct AudioTools {
     std::string fluidsynth;   // the program's path
@@ -31,13 +33,12 @@ struct AudioTools {
 };
 
 // FluidSynth from the PATH, and the sound font: `soundFontOption` when given, else the Debian
-// General MIDI fonts (/usr/share/sounds/sf2/TimGM6mb.sf2, then default-GM.sf2). False, with a
-// message naming the Debian package to install, when either is missing.
-bool FindAudioTools(const std::optional<std::string>& soundFontOption, AudioTools& tools, std::string& error);
+// General MIDI fonts (/usr/share/sounds/sf2/TimGM6mb.sf2, then default-GM.sf2). A failure, with
+// a message naming the Debian package to install, when either is missing.
+toolbox::Result<AudioTools> FindAudioTools(const std::optional<std::string>& soundFontOption);
 
-// Renders `midi` into `outputPath` at 44.1 kHz, stereo. False, with a message, when FluidSynth
-// fails or writes nothing; the target is then untouched.
-bool RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath, const AudioTools& tools,
-                 std::string& error);
+// Renders `midi` into `outputPath` at 44.1 kHz, stereo. A failure, with a message, when
+// FluidSynth fails or writes nothing; the target is then untouched.
+toolbox::Status RenderAudio(const std::vector<uint8_t>& midi, const std::string& outputPath, const AudioTools& tools);
 
 }   // namespace stavio::midi_export

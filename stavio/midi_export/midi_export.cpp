@@ -276,21 +276,19 @@ Bytes StaffTrack(const Document& doc, int32_t inst, int32_t first, int32_t last,
     return TrackChunk(std::move(events), endTick);
 }
 
-bool CheckRange(const Document& doc, const ExportOptions& options, int32_t& first, int32_t& last, std::string& error)
+toolbox::Status CheckRange(const Document& doc, const ExportOptions& options, int32_t& first, int32_t& last)
 {
     const int32_t measures = doc.MeasureCount();
     first = options.firstMeasure;
     last = options.lastMeasure == 0 ? measures : options.lastMeasure;
     if (measures == 0) {
-        error = "the score has no measures";
-        return false;
+        return toolbox::Status::Failure("the score has no measures");
     }
     if (first < 1 || last < first || last > measures) {
-        error = "measures " + std::to_string(first) + "-" + std::to_string(last) +
-                " are not a range of the score's measures 1-" + std::to_string(measures);
-        return false;
+        return toolbox::Status::Failure("measures " + std::to_string(first) + "-" + std::to_string(last) +
+                                        " are not a range of the score's measures 1-" + std::to_string(measures));
     }
-    return true;
+    return toolbox::Status::Ok();
 }
 
 }   // namespace
@@ -303,16 +301,15 @@ int32_t MicrosecondsPerQuarter(double quartersPerMinute)
     return static_cast<int32_t>(std::lround(60000000.0 / quartersPerMinute));
 }
 
-bool ExportMidi(const Document& doc, const ExportOptions& options, std::vector<uint8_t>& bytes, std::string& error)
+toolbox::Result<std::vector<uint8_t>> ExportMidi(const Document& doc, const ExportOptions& options)
 {
     int32_t first = 0;
     int32_t last = 0;
-    if (!CheckRange(doc, options, first, last, error)) {
-        return false;
+    if (toolbox::Status range = CheckRange(doc, options, first, last); !range) {
+        return range;
     }
     if (options.microsecondsPerQuarter <= 0 || options.microsecondsPerQuarter > 0xFFFFFF) {
-        error = "the tempo is out of range";
-        return false;
+        return toolbox::Status::Failure("the tempo is out of range");
     }
     const std::vector<int64_t> starts = MeasureStarts(doc, first, last);
     const int32_t staves = doc.StaffCount(kMainInstrumentList);
@@ -331,22 +328,21 @@ bool ExportMidi(const Document& doc, const ExportOptions& options, std::vector<u
         nextChannel = (nextChannel + 1) % kChannels;
     }
 
-    bytes = {'M', 'T', 'h', 'd', 0, 0, 0, 6};
+    std::vector<uint8_t> bytes = {'M', 'T', 'h', 'd', 0, 0, 0, 6};
     PutWord(bytes, 1, 2);
     PutWord(bytes, static_cast<uint32_t>(tracks.size()), 2);
     PutWord(bytes, kTicksPerQuarter, 2);
     for (const Bytes& track : tracks) {
         bytes.insert(bytes.end(), track.begin(), track.end());
     }
-    return true;
+    return bytes;
 }
 
 double RangeSeconds(const Document& doc, const ExportOptions& options)
 {
     int32_t first = 0;
     int32_t last = 0;
-    std::string error;
-    if (!CheckRange(doc, options, first, last, error)) {
+    if (!CheckRange(doc, options, first, last)) {
         return 0.0;
     }
     const int64_t ticks = MeasureStarts(doc, first, last).back();

@@ -12,6 +12,7 @@
 #pragma once
 
 #include "stavio/document/document.h"
+#include "toolbox/status.h"
 
 #include <cstdint>
 #include <string>
@@ -33,9 +34,9 @@ struct ExportOptions {
 // Quarters a minute as the file's tempo (rounded to the microsecond); 0 for a tempo outside 1..1000.
 int32_t MicrosecondsPerQuarter(double quartersPerMinute);
 
-// The file's bytes. False, with `error` for a person, when the range is not measures of the
-// document or the tempo is out of range.
-bool ExportMidi(const Document& doc, const ExportOptions& options, std::vector<uint8_t>& bytes, std::string& error);
+// The file's bytes; a failure, with a message for a person, when the range is not measures of
+// the document or the tempo is out of range.
+toolbox::Result<std::vector<uint8_t>> ExportMidi(const Document& doc, const ExportOptions& options);
 
 // How long the range plays, in seconds (0 when the range is not the document's).
 double RangeSeconds(const Document& doc, const ExportOptions& options);

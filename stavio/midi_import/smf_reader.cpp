@@ -4,6 +4,7 @@
 #include "toolbox/files.h"
 
 #include <cstring>
+#include <optional>
 
 namespace stavio::midi_import {
 
@@ -136,6 +137,23 @@ bool ReadSmfFile(const std::string& path, SmfFile& file, std::string& error)
         return false;
     }
     return ReadSmf(bytes, path, file, error);
+}
+
+double StartTempo(const SmfFile& file)
+{
+    std::optional<std::pair<int64_t, double>> first;   // tick, quarter notes a minute
+    for (const SmfTrack& track : file.tracks) {
+        for (const SmfEvent& event : track.events) {
+            const EventData data = file.DataOf(event);
+            if (event.IsMeta(kMetaTempo) && data.size >= 3 && (!first || event.tick < first->first)) {
+                const uint32_t micros = uint32_t{data[0]} << 16 | uint32_t{data[1]} << 8 | data[2];
+                if (micros > 0) {
+                    first = std::make_pair(event.tick, 60000000.0 / micros);
+                }
+            }
+        }
+    }
+    return first ? first->second : kDefaultFileTempo;
 }
 
 }   // namespace stavio::midi_import

@@ -79,4 +79,11 @@ bool ReadSmf(const std::vector<uint8_t>& bytes, const std::string& name, SmfFile
 // Reads the file at `path` ("<path>: cannot be read" when it cannot be opened).
 bool ReadSmfFile(const std::string& path, SmfFile& file, std::string& error);
 
+// A file without a tempo event plays at 120 quarter notes a minute, as the file format has it.
+constexpr double kDefaultFileTempo = 120.0;
+
+// The tempo the file starts at, in quarter notes a minute: its earliest tempo event in any
+// track (kDefaultFileTempo without one).
+double StartTempo(const SmfFile& file);
+
 }   // namespace stavio::midi_import

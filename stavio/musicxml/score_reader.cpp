@@ -372,11 +372,19 @@ void Reader::ReadNote(pugi::xml_node note, PartBuild& build, size_t meas, int di
         }
     }
 
+    // <tie type="start"/> is the sound of a tie (<tied> only its drawing): the host joins the
+    // note with the next one of the same pitch when it plays.
+    bool tiedForward = false;
+    for (pugi::xml_node tie : note.children("tie")) {
+        tiedForward = tiedForward || std::string(tie.attribute("type").as_string()) == "start";
+    }
+    const uint32_t tieFlag = tiedForward && !rest ? kNoteTiedForward : 0;
+
     if (chord && !rest && !target.content.entries.empty() && lastLayer.size() == 1 && lastLayer[0] == &target) {
         EXENTRY& entry = target.content.entries.back();
         if (entry.numNotes < kMaxNotesPerEntry) {
             pitch.noteID = static_cast<int16_t>(entry.numNotes + 1);
-            pitch.flag = static_cast<uint32_t>(pitch.noteID & kNoteIdBits) << kNoteIdShift;
+            pitch.flag = (static_cast<uint32_t>(pitch.noteID & kNoteIdBits) << kNoteIdShift) | tieFlag;
             entry.note[entry.numNotes++] = pitch;
         }
         return;
@@ -398,7 +406,7 @@ void Reader::ReadNote(pugi::xml_node note, PartBuild& build, size_t meas, int di
     entry.orgposi = static_cast<int16_t>(std::min<int32_t>(entry.elldur, INT16_MAX));
     if (!rest) {
         pitch.noteID = 1;
-        pitch.flag = static_cast<uint32_t>(1) << kNoteIdShift;
+        pitch.flag = (static_cast<uint32_t>(1) << kNoteIdShift) | tieFlag;
         entry.note[0] = pitch;
         entry.numNotes = 1;
     }
@@ -691,6 +699,11 @@ void Reader::BuildDocument(std::vector<PartBuild>& builds)
         if (!staff.drum && build.info.midiChannel > 0) {
             SetChannelCode(document, StaffChannelDefinition(document, staff.inst),
                            static_cast<uint16_t>(build.info.midiChannel - 1));
+        }
+        // Both count programs 1..128, so the file's number goes in as it stands.
+        if (!staff.drum && build.info.midiProgram > 0) {
+            SetChannelProgram(document, StaffChannelDefinition(document, staff.inst),
+                              static_cast<int16_t>(build.info.midiProgram));
         }
         for (size_t meas = 0; meas < build.layers.size() && meas < measures.size(); ++meas) {
             const int32_t measure = static_cast<int32_t>(meas + 1);

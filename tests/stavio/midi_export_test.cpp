@@ -102,10 +102,9 @@ Document BandScore()
 
 support::SmfListing Export(const Document& doc, const midi_export::ExportOptions& options)
 {
-    std::vector<uint8_t> bytes;
-    std::string error;
-    EXPECT_TRUE(midi_export::ExportMidi(doc, options, bytes, error)) << error;
-    return support::ListSmf(bytes);
+    const toolbox::Result<std::vector<uint8_t>> bytes = midi_export::ExportMidi(doc, options);
+    EXPECT_TRUE(bytes) << bytes.Message();
+    return bytes ? support::ListSmf(*bytes) : support::SmfListing{};
 }
 
 }   // namespace
@@ -174,10 +173,9 @@ TEST(MidiExport, ARangeStartsAtItsFirstMeasureAndCutsWhatRingsPastItsEnd)
     for (const auto& [first, last] : std::vector<std::pair<int, int>>{{0, 2}, {3, 2}, {1, 5}}) {
         options.firstMeasure = first;
         options.lastMeasure = last;
-        std::vector<uint8_t> bytes;
-        std::string error;
-        EXPECT_FALSE(midi_export::ExportMidi(doc, options, bytes, error));
-        EXPECT_EQ(error, "measures " + std::to_string(first) + "-" + std::to_string(last) +
-                             " are not a range of the score's measures 1-4");
+        const toolbox::Result<std::vector<uint8_t>> bytes = midi_export::ExportMidi(doc, options);
+        EXPECT_FALSE(bytes);
+        EXPECT_EQ(bytes.Message(), "measures " + std::to_string(first) + "-" + std::to_string(last) +
+                                       " are not a range of the score's measures 1-4");
     }
 }

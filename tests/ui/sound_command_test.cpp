@@ -2,6 +2,7 @@
 // `grooves play` and `export`, checked against the groove files themselves. The MIDI is read
 // with the tests' own SMF reader; the audio is read from its WAV header and samples, with an
 // energy onset detector of its own.
+#include "tests/musicxml/support/score_checks.h"
 #include "tests/support/smf.h"
 #include "tests/ui/ui_test_support.h"
 
@@ -123,6 +124,12 @@ std::vector<std::pair<int64_t, int>> DrumOnsets(const support::SmfListing& file,
     return onsets;
 }
 
+std::string Text(const std::string& path)
+{
+    const std::vector<uint8_t> bytes = support::ReadBytes(path);
+    return std::string(bytes.begin(), bytes.end());
+}
+
 int NoteOnsOnChannel(const std::vector<support::SmfEvent>& track, int channel)
 {
     return static_cast<int>(std::count_if(track.begin(), track.end(), [channel](const support::SmfEvent& event) {
@@ -218,6 +225,75 @@ TEST_F(SoundCommands, TheFilledRegionSoundsAsTheGroove)
     ExpectOnsetsLineUp(audio, Seconds(RepeatedGroove(4)));
 }
 
+// "Rock 8ths" into measures 5-12 of a band score's drum staff: the MIDI holds the groove's drum
+// notes four times over, onset for onset and key for key, and the guitar plays its own notes
+// there (read from the file on its own) with its own program.
+TEST_F(SoundCommands, AFilledScoreSoundsAsTheGrooveAndTheScore)
+{
+    const std::string score = support::SourceDir() + "/tests/musicxml/files/rock_band.musicxml";
+    const CommandRun run =
+        Run("fill " + score + " --measures 5-12 --groove \"Rock 8ths\" --staff \"Drum Set\" --yes -o " +
+            home_ / "filled.musicxml" + " --library " + library_ + " --midi " + home_ / "fill.mid");
+    ASSERT_EQ(run.status, 0) << run.err;
+    const support::SmfListing midi = support::ListSmf(support::ReadBytes(home_ / "fill.mid"));
+    ASSERT_EQ(midi.tracks.size(), 4u);   // the conductor, guitar, bass, drums
+
+    // The groove takes the drum staff's first voice; its other voices (the kick) play on.
+    constexpr double kRegionStart = 4 * 4.0;   // measure 5, in quarter notes: the score is all 4/4
+    const auto inRegion = [](const musicxml_support::TimedNote& note) {
+        return note.measureIndex >= 4 && note.measureIndex < 12 && !note.rest && !note.grace && !note.tieStop;
+    };
+    std::vector<std::pair<int64_t, int>> drums = RepeatedGroove(4);
+    for (const musicxml_support::TimedNote& note : musicxml_support::PartNotes(Text(score), "P3")) {
+        if (inRegion(note) && note.voice != "1") {
+            drums.emplace_back(std::llround((note.onset - kRegionStart) * kGrooveDivision), note.midiUnpitched - 1);
+        }
+    }
+    std::sort(drums.begin(), drums.end());
+    EXPECT_EQ(DrumOnsets(midi, kGrooveDivision), drums);
+
+    std::vector<std::pair<double, int>> written;
+    for (const musicxml_support::TimedNote& note : musicxml_support::PartNotes(Text(score), "P1")) {
+        if (inRegion(note)) {
+            written.emplace_back(note.onset - kRegionStart, note.key);
+        }
+    }
+    std::vector<std::pair<double, int>> played;
+    for (const support::SmfEvent& event : midi.tracks[1]) {
+        if ((event.status & 0xF0) == 0xC0) {
+            EXPECT_EQ(event.data1, 29) << "the guitar's <midi-program> 30";
+        }
+        if (event.IsNoteOn()) {
+            EXPECT_EQ(event.Channel(), 1);
+            played.emplace_back(static_cast<double>(event.tick) / midi.division, event.data1);
+        }
+    }
+    std::sort(written.begin(), written.end());
+    std::sort(played.begin(), played.end());
+    ASSERT_FALSE(written.empty());
+    EXPECT_EQ(played, written);
+
+    // A tied note sounds once: the piano plays every written note but those a tie continues.
+    const std::string piano = support::SourceDir() + "/tests/musicxml/files/piano_pickup.musicxml";
+    ASSERT_EQ(Run("export " + piano + " -o " + home_ / "piano.mid").status, 0);
+    std::multiset<int> struck;
+    for (const musicxml_support::TimedNote& note : musicxml_support::PartNotes(Text(piano), "P1")) {
+        if (!note.rest && !note.grace && !note.tieStop) struck.insert(note.key);
+    }
+    std::multiset<int> sounded;
+    for (const auto& track : support::ListSmf(support::ReadBytes(home_ / "piano.mid")).tracks) {
+        for (const support::SmfEvent& event : track) {
+            if (event.IsNoteOn()) sounded.insert(event.data1);
+        }
+    }
+    EXPECT_EQ(sounded, struck);
+
+    const CommandRun missing = Run("export " + home_ / "none.musicxml" + " -o " + home_ / "none.mid");
+    EXPECT_EQ(missing.status, 1);
+    ExpectHas(missing.err, {home_ / "none.musicxml"});
+    EXPECT_FALSE(std::filesystem::exists(home_ / "none.mid"));
+}
+
 // A groove alone, in both formats; a render that fails leaves the earlier file as it was.
 TEST_F(SoundCommands, GroovesPlayRendersTheGrooveAsTheScoreWouldHoldIt)
 {
@@ -292,7 +368,6 @@ TEST_F(SoundCommands, ExportWritesTheDemoScore)
     EXPECT_EQ(midi.tracks[2].back().tick, 2 * 4096);
 
     for (const auto& [arguments, complaint] : std::vector<std::pair<std::string, std::string>>{
-             {"export score.musicxml -o x.mid", "reading a score file is not available yet"},
              {"export", "needs the file to write: -o OUT.mid"},
              {"export -o x.mid --measures 3-17", "the score has 16 measures"},
              {"export -o x.mid --tempo fast", "--tempo takes quarter notes a minute, 1 to 1000 (got \"fast\")"},
@@ -303,7 +378,7 @@ TEST_F(SoundCommands, ExportWritesTheDemoScore)
         EXPECT_EQ(run.status, 2) << arguments;
         ExpectHas(run.err, {complaint});
     }
-    ExpectHas(Run("--help").out, {"export -o OUT.mid"});
+    ExpectHas(Run("--help").out, {"export SCORE -o OUT"});
     ExpectHas(Run("grooves --help").out, {"grooves play NAME -o OUT"});
     ExpectHas(Run("fill --help").out,
               {"--midi OUT.mid", "--audio OUT.wav|OUT.ogg", "--tempo BPM", "--sound-font FILE"});

@@ -124,6 +124,12 @@ private:
         timed.duration = timed.grace ? 0 : Quarters(note);
         for (pugi::xml_node tie : note.children("tie"))
             if (std::string(tie.attribute("type").value()) == "stop") timed.tieStop = true;
+        if (pugi::xml_node pitch = note.child("pitch")) {
+            static const std::string kSteps = "C D EF G A B";
+            const size_t step = kSteps.find(pitch.child_value("step"));
+            timed.key = (pitch.child("octave").text().as_int() + 1) * 12 + static_cast<int>(step) +
+                        pitch.child("alter").text().as_int();
+        }
         bool chord = static_cast<bool>(note.child("chord"));
         if (chord && !timed.grace) {
             cursor_ = lastOnset_;   // a chord note starts with the note before it

@@ -22,6 +22,7 @@ struct TimedNote {
     bool unpitched = false;
     bool grace = false;
     bool tieStop = false;       // continues a tied note: it does not sound again
+    int key = 0;                // a <pitch>'s MIDI key (60: middle C), 0 for others
     std::string instrumentId;   // the note's <instrument id>, else the part's only score-instrument
     int midiUnpitched = 0;      // that instrument's <midi-unpitched>, 0 when it has none
     int midiChannel = 0;        // and its <midi-channel>
