@@ -8,7 +8,8 @@
 //   timed as a child process (loading the plug-in, the groove library, reading, filling,
 //   writing), with its preferences and data in the temporary folder.
 //
-// Each reports the file's size and the megabytes per second it gets through.
+// Each reports the file's size and the megabytes per second it gets through: over this
+// process's CPU time for the first two, over the command's wall time for the third.
 // bench/compare_scores.sh times the same command against MuseScore 3 on the same file.
 #include "bench/big_score.h"
 #include "stavio/musicxml/score_file.h"
