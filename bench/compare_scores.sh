@@ -65,6 +65,12 @@ ours=$(median_ms env XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" "
     --measures "1-$measures" --groove "Rock 8ths" --staff "Drum Set" --yes -o "$work/ours.musicxml" --force)
 theirs=$(median_ms env XDG_CONFIG_HOME="$work/config" XDG_DATA_HOME="$work/data" QT_QPA_PLATFORM=offscreen \
     mscore3 -o "$work/theirs.musicxml" "$score")
+for output in "$work/ours.musicxml" "$work/theirs.musicxml"; do
+    if [[ ! -s "$output" ]]; then
+        echo "compare_scores.sh: $(basename "$output") was not written" >&2
+        exit 1
+    fi
+done
 ratio=$(awk -v a="$ours" -v b="$theirs" 'BEGIN { printf "%.1f", b / a }')
 size=$(stat -c %s "$score")
 
