@@ -10,6 +10,7 @@
 #include "stavio/app/shipped_folders.h"
 #include "stavio/app/sound_output.h"
 #include "stavio/app/staff_changes.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/dialogs/terminal_front_end.h"
 #include "stavio/document/host_tags.h"
 #include "stavio/host.h"
@@ -30,16 +31,6 @@ namespace stavio::app {
 namespace {
 
 constexpr char kPluginBundleName[] = "Tamberlyne.bundle";
-
-const char* StyleWord(int32_t style)
-{
-    switch (style) {
-        case kAlertStop: return "stop";
-        case kAlertWarning: return "warning";
-        case kAlertQuestion: return "question";
-        default: return "notice";
-    }
-}
 
 std::string AnswerWord(int32_t answer)
 {
@@ -207,7 +198,7 @@ void WriteTextReport(std::ostream& out, const FillReport& report)
         out << "Selection: nothing selected\n";
     }
     for (const ToldAlert& told : CollapseRepeats(report.alerts)) {
-        std::string style = StyleWord(told.alert.request.style);
+        std::string style = AlertStyleWord(told.alert.request.style);
         style[0] = static_cast<char>(std::toupper(static_cast<unsigned char>(style[0])));
         out << style << ": " << told.Text();
         if (IsQuestion(told.alert.request.style)) {
@@ -229,15 +220,15 @@ void WriteTextReport(std::ostream& out, const FillReport& report)
 void WriteJsonReport(std::ostream& out, const FillReport& report, const Document& before, const Document& after,
                      const EREGION& measures)
 {
-    out << "{\"library\":" << JsonString(report.library.folder) << ",\"libraryFilledFrom\":"
-        << (report.library.filledFrom.empty() ? "null" : JsonString(report.library.filledFrom));
+    out << "{\"library\":" << JsonQuoted(report.library.folder) << ",\"libraryFilledFrom\":"
+        << (report.library.filledFrom.empty() ? "null" : JsonQuoted(report.library.filledFrom));
     out << ",\"selection\":";
     if (report.selection) {
         // first/last count the document's measures from 1; a score adds its own numbers for them.
         out << "{\"first\":" << report.selection->first << ",\"last\":" << report.selection->last;
         if (!report.scoreNumbers.empty()) {
-            out << ",\"firstNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->first))
-                << ",\"lastNumber\":" << JsonString(MeasureName(report.scoreNumbers, report.selection->last));
+            out << ",\"firstNumber\":" << JsonQuoted(MeasureName(report.scoreNumbers, report.selection->first))
+                << ",\"lastNumber\":" << JsonQuoted(MeasureName(report.scoreNumbers, report.selection->last));
         }
         out << "}";
     } else {
@@ -247,8 +238,8 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
     out << ",\"alerts\":[";
     for (size_t i = 0; i < report.alerts.size(); ++i) {
         const AlertRecord& alert = report.alerts[i];
-        out << (i > 0 ? "," : "") << "{\"style\":\"" << StyleWord(alert.request.style)
-            << "\",\"id\":" << alert.request.stringId << ",\"text\":" << JsonString(alert.request.text)
+        out << (i > 0 ? "," : "") << "{\"style\":\"" << AlertStyleWord(alert.request.style)
+            << "\",\"id\":" << alert.request.stringId << ",\"text\":" << JsonQuoted(alert.request.text)
             << ",\"answer\":\"" << AnswerWord(alert.answer) << "\"}";
     }
     out << "],\"dialogs\":[";
@@ -257,15 +248,15 @@ void WriteJsonReport(std::ostream& out, const FillReport& report, const Document
         out << (i > 0 ? "," : "") << "{\"id\":" << dialog.dialogId
             << ",\"opened\":" << (dialog.opened ? "true" : "false")
             << ",\"shown\":" << (dialog.shown ? "true" : "false") << ",\"result\":" << dialog.result
-            << ",\"problem\":" << (dialog.problem.empty() ? "null" : JsonString(dialog.problem)) << ",\"notes\":[";
+            << ",\"problem\":" << (dialog.problem.empty() ? "null" : JsonQuoted(dialog.problem)) << ",\"notes\":[";
         for (size_t n = 0; n < dialog.notes.size(); ++n) {
-            out << (n > 0 ? "," : "") << JsonString(dialog.notes[n]);
+            out << (n > 0 ? "," : "") << JsonQuoted(dialog.notes[n]);
         }
         out << "]}";
     }
     out << "],\"staves\":";
     PrintStaffChanges(out, before, after, measures, ReportFormat::Json, report.scoreNumbers);
-    out << ",\"message\":" << (report.message.empty() ? "null" : JsonString(report.message)) << "}\n";
+    out << ",\"message\":" << (report.message.empty() ? "null" : JsonQuoted(report.message)) << "}\n";
 }
 
 }   // namespace

@@ -5,6 +5,7 @@
 #include "stavio/app/groove_analysis.h"
 #include "stavio/app/groove_library.h"
 #include "stavio/app/staff_changes.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/document_builder.h"
 #include "stavio/midi_import/midi_import.h"
 #include "stavio/views/staff_view.h"
@@ -167,19 +168,19 @@ void WriteTextList(std::ostream& out, const std::string& folder, const std::vect
 
 void WriteJsonList(std::ostream& out, const std::string& folder, const std::vector<GrooveSummary>& grooves)
 {
-    out << "{\"library\":" << JsonString(folder) << ",\"grooves\":[";
+    out << "{\"library\":" << JsonQuoted(folder) << ",\"grooves\":[";
     bool first = true;
     for (const GrooveSummary& groove : grooves) {
         if (!groove.Usable()) {
             continue;
         }
-        out << (first ? "" : ",") << "{\"name\":" << JsonString(groove.name) << ",\"file\":" << JsonString(groove.file)
+        out << (first ? "" : ",") << "{\"name\":" << JsonQuoted(groove.name) << ",\"file\":" << JsonQuoted(groove.file)
             << ",\"meter\":\"" << groove.Meter() << "\",\"bars\":" << groove.bars
             << ",\"closingHits\":" << (groove.closingHits ? "true" : "false")
             << ",\"tempo\":" << TempoText(groove.tempo) << ",\"feel\":\"" << FeelName(groove.feel) << "\",\"kit\":[";
         for (size_t i = 0; i < groove.kit.size(); ++i) {
             out << (i > 0 ? "," : "") << "{\"key\":" << groove.kit[i].key
-                << ",\"name\":" << JsonString(groove.kit[i].name) << "}";
+                << ",\"name\":" << JsonQuoted(groove.kit[i].name) << "}";
         }
         out << "]}";
         first = false;
@@ -188,8 +189,8 @@ void WriteJsonList(std::ostream& out, const std::string& folder, const std::vect
     first = true;
     for (const GrooveSummary& groove : grooves) {
         if (!groove.Usable()) {
-            out << (first ? "" : ",") << "{\"name\":" << JsonString(groove.name)
-                << ",\"file\":" << JsonString(groove.file) << ",\"reason\":" << JsonString(groove.refusal) << "}";
+            out << (first ? "" : ",") << "{\"name\":" << JsonQuoted(groove.name)
+                << ",\"file\":" << JsonQuoted(groove.file) << ",\"reason\":" << JsonQuoted(groove.refusal) << "}";
             first = false;
         }
     }

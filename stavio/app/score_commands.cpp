@@ -2,6 +2,7 @@
 // the host reads it, and the score between its plain and compressed forms.
 #include "stavio/app/commands.h"
 #include "stavio/app/staff_changes.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/musicxml/score_file.h"
 
 #include <filesystem>
@@ -50,25 +51,25 @@ void WriteInfoText(std::ostream& out, const musicxml::ScoreFile& score)
 
 void WriteInfoJson(std::ostream& out, const musicxml::ScoreFile& score)
 {
-    out << "{\"file\":" << JsonString(score.Name()) << ",\"container\":\""
+    out << "{\"file\":" << JsonQuoted(score.Name()) << ",\"container\":\""
         << (score.Stored() == musicxml::Container::Compressed ? "mxl" : "musicxml") << "\",\"parts\":[";
     for (size_t i = 0; i < score.Parts().size(); ++i) {
         const musicxml::PartInfo& part = score.Parts()[i];
-        out << (i > 0 ? "," : "") << "{\"id\":" << JsonString(part.id) << ",\"name\":" << JsonString(part.name)
+        out << (i > 0 ? "," : "") << "{\"id\":" << JsonQuoted(part.id) << ",\"name\":" << JsonQuoted(part.name)
             << ",\"staves\":" << part.staves << ",\"midiChannel\":" << part.midiChannel
             << ",\"midiProgram\":" << part.midiProgram << ",\"drum\":" << (part.drum ? "true" : "false") << "}";
     }
     out << "],\"staves\":[";
     for (size_t i = 0; i < score.Staves().size(); ++i) {
         const musicxml::StaffInfo& staff = score.Staves()[i];
-        out << (i > 0 ? "," : "") << "{\"number\":" << staff.inst << ",\"name\":" << JsonString(staff.name)
-            << ",\"part\":" << JsonString(score.Parts()[staff.part].id) << ",\"staffInPart\":" << staff.staffInPart
+        out << (i > 0 ? "," : "") << "{\"number\":" << staff.inst << ",\"name\":" << JsonQuoted(staff.name)
+            << ",\"part\":" << JsonQuoted(score.Parts()[staff.part].id) << ",\"staffInPart\":" << staff.staffInPart
             << ",\"drum\":" << (staff.drum ? "true" : "false") << "}";
     }
     out << "],\"measures\":[";
     for (size_t i = 0; i < score.Measures().size(); ++i) {
         const musicxml::MeasureInfo& measure = score.Measures()[i];
-        out << (i > 0 ? "," : "") << "{\"number\":" << JsonString(measure.number)
+        out << (i > 0 ? "," : "") << "{\"number\":" << JsonQuoted(measure.number)
             << ",\"implicit\":" << (measure.implicit ? "true" : "false") << ",\"time\":\"" << MeterText(measure)
             << "\",\"fifths\":" << measure.fifths << "}";
     }

@@ -1,6 +1,7 @@
 #include "stavio/app/staff_changes.h"
 
 #include "sdk/tags.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/document/canonical.h"
 #include "stavio/document/staff_playback.h"
 #include "stavio/document_builder.h"
@@ -127,36 +128,13 @@ void WriteJson(std::ostream& out, int slot, int32_t inst, const std::optional<St
                ",\"styleAssignments\":" + std::to_string(summary.styleAssignments) +
                ",\"entries\":" + std::to_string(summary.entries) + ",\"notes\":" + std::to_string(summary.notes) + "}";
     };
-    out << "{\"slot\":" << slot << ",\"staff\":" << inst << ",\"name\":" << JsonString(after.name)
+    out << "{\"slot\":" << slot << ",\"staff\":" << inst << ",\"name\":" << JsonQuoted(after.name)
         << ",\"new\":" << (before ? "false" : "true")
         << ",\"changed\":" << (!before || !(*before == after) ? "true" : "false") << ",\"after\":" << object(after)
         << ",\"before\":" << (before ? object(*before) : "null") << ",\"entries\":" << entries << "}";
 }
 
 }   // namespace
-
-std::string JsonString(const std::string& text)
-{
-    std::string quoted = "\"";
-    for (const char c : text) {
-        switch (c) {
-            case '"': quoted += "\\\""; break;
-            case '\\': quoted += "\\\\"; break;
-            case '\n': quoted += "\\n"; break;
-            case '\r': quoted += "\\r"; break;
-            case '\t': quoted += "\\t"; break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof(escaped), "\\u%04x", static_cast<unsigned>(c));
-                    quoted += escaped;
-                } else {
-                    quoted += c;
-                }
-        }
-    }
-    return quoted + "\"";
-}
 
 std::string MeasureName(const std::vector<std::string>& scoreNumbers, int32_t meas)
 {

@@ -32,7 +32,4 @@ std::string MeasureName(const std::vector<std::string>& scoreNumbers, int32_t me
 void PrintStaffChanges(std::ostream& out, const Document& before, const Document& after, const EREGION& measures,
                        ReportFormat format, const std::vector<std::string>& scoreNumbers = {});
 
-// A JSON string literal of `text`.
-std::string JsonString(const std::string& text);
-
 }   // namespace stavio::app

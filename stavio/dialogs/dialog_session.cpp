@@ -252,6 +252,16 @@ toolbox::Status DialogSession::ClickListRowNamed(const toolbox::ListControl& lis
     return ClickListRow(list, found, toolbox::kNoModifiers);
 }
 
+bool DialogSession::CloseIfNeverShown()
+{
+    if (Shown()) {
+        return false;
+    }
+    Note("the dialog's program did not show the dialog; it was closed");
+    CloseBox();
+    return true;
+}
+
 void DialogSession::CloseBox()
 {
     if (!initialised_ || finished_ || Ended()) {

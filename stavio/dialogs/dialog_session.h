@@ -60,6 +60,9 @@ public:
     // (item 2) when it is an enabled, visible button; if that does not end it either, the dialog
     // is ended with result 0.
     void CloseBox();
+    // When the dialog's program never showed it: a note saying so, then the close box. Says
+    // whether it did so.
+    bool CloseIfNeverShown();
 
     // ---- Time ------------------------------------------------------------------------------------
     // Sends a timer message for each timer due at `nowMs`.

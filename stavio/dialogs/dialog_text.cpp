@@ -1,9 +1,11 @@
 #include "stavio/dialogs/dialog_text.h"
 
+#include "sdk/funcs.h"
 #include "stavio/dialogs/dialog_session.h"
 
 #include <algorithm>
 #include <cctype>
+#include <cstdio>
 #include <sstream>
 
 namespace stavio {
@@ -97,6 +99,39 @@ int FindNamed(const std::vector<std::string>& texts, const std::string& wanted)
         }
     }
     return found;
+}
+
+const char* AlertStyleWord(int32_t style)
+{
+    switch (style) {
+        case kAlertStop: return "stop";
+        case kAlertWarning: return "warning";
+        case kAlertQuestion: return "question";
+        default: return "notice";
+    }
+}
+
+std::string JsonQuoted(const std::string& text)
+{
+    std::string quoted = "\"";
+    for (const char c : text) {
+        switch (c) {
+            case '"': quoted += "\\\""; break;
+            case '\\': quoted += "\\\\"; break;
+            case '\n': quoted += "\\n"; break;
+            case '\r': quoted += "\\r"; break;
+            case '\t': quoted += "\\t"; break;
+            default:
+                if (static_cast<unsigned char>(c) < 0x20) {
+                    char escaped[8];
+                    std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
+                    quoted += escaped;
+                } else {
+                    quoted += c;
+                }
+        }
+    }
+    return quoted + "\"";
 }
 
 }   // namespace stavio

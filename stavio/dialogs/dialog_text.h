@@ -5,6 +5,7 @@
 
 #include "toolbox/dialogs.h"
 
+#include <cstdint>
 #include <string>
 #include <vector>
 
@@ -19,5 +20,11 @@ std::string Lowered(std::string text);
 // Which of `texts` a person means by `wanted`: the first that reads it exactly, else the only
 // one that reads it ignoring case; -1 when none does (or several do, ignoring case only).
 int FindNamed(const std::vector<std::string>& texts, const std::string& wanted);
+
+// The word for an alert's style in reports: "stop", "warning", "question" or "notice".
+const char* AlertStyleWord(int32_t style);
+
+// A JSON string literal of `text`.
+std::string JsonQuoted(const std::string& text);
 
 }   // namespace stavio

@@ -74,9 +74,7 @@ void ScriptedFrontEnd::RunDialog(DialogSession& session)
     if (session.Ended()) {
         return;
     }
-    if (!session.Shown()) {
-        session.Note("the dialog's program did not show the dialog; it was closed");
-        session.CloseBox();
+    if (session.CloseIfNeverShown()) {
         return;
     }
     session.Paint();

@@ -165,8 +165,7 @@ void TerminalFrontEnd::RunDialog(DialogSession& session)
     }
     if (!session.Shown()) {
         Out() << "(the dialog did not appear; it is closed)\n";
-        session.Note("the dialog's program did not show the dialog; it was closed");
-        session.CloseBox();
+        session.CloseIfNeverShown();
         return;
     }
     session.Paint();

@@ -1,6 +1,7 @@
 #include "stavio/dialogs/web_front_end.h"
 
 #include "stavio/dialogs/dialog_session.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "toolbox/dialogs.h"
 
 #include <chrono>
@@ -14,16 +15,6 @@ namespace {
 
 // A hidden dialog that keeps ticking without ending is given up on after this long.
 constexpr uint64_t kLongestHiddenWaitMs = 10000;
-
-const char* StyleWord(int32_t style)
-{
-    switch (style) {
-        case kAlertStop: return "stop";
-        case kAlertWarning: return "warning";
-        case kAlertQuestion: return "question";
-        default: return "notice";
-    }
-}
 
 const char* KindWord(toolbox::DialogItemKind kind)
 {
@@ -79,29 +70,6 @@ toolbox::Status Act(DialogSession& session, const WebAction& action)
 }
 
 }   // namespace
-
-std::string JsonQuoted(const std::string& text)
-{
-    std::string quoted = "\"";
-    for (const char c : text) {
-        switch (c) {
-            case '"': quoted += "\\\""; break;
-            case '\\': quoted += "\\\\"; break;
-            case '\n': quoted += "\\n"; break;
-            case '\r': quoted += "\\r"; break;
-            case '\t': quoted += "\\t"; break;
-            default:
-                if (static_cast<unsigned char>(c) < 0x20) {
-                    char escaped[8];
-                    std::snprintf(escaped, sizeof escaped, "\\u%04x", static_cast<unsigned>(c));
-                    quoted += escaped;
-                } else {
-                    quoted += c;
-                }
-        }
-    }
-    return quoted + "\"";
-}
 
 std::string DialogJson(const toolbox::Dialog& dialog, const std::string& problem)
 {
@@ -213,8 +181,9 @@ bool WebFrontEnd::WaitForAction(WebAction& action, uint64_t deadlineMs)
 int32_t WebFrontEnd::Alert(const AlertRequest& request)
 {
     const bool question = IsQuestion(request.style);
-    Publish(Asking::Alert, std::string("{\"kind\":\"alert\",\"style\":\"") + StyleWord(request.style) + "\",\"text\":" +
-                               JsonQuoted(request.text) + ",\"question\":" + (question ? "true" : "false") + "}");
+    Publish(Asking::Alert, std::string("{\"kind\":\"alert\",\"style\":\"") + AlertStyleWord(request.style) +
+                               "\",\"text\":" + JsonQuoted(request.text) +
+                               ",\"question\":" + (question ? "true" : "false") + "}");
     int32_t answer = question ? kAlertAnswerNo : kAlertAnswerOk;
     WebAction action;
     if (WaitForAction(action, 0) && question) {
@@ -232,9 +201,7 @@ void WebFrontEnd::RunDialog(DialogSession& session)
     if (session.Ended()) {
         return;
     }
-    if (!session.Shown()) {
-        session.Note("the dialog's program did not show the dialog; it was closed");
-        session.CloseBox();
+    if (session.CloseIfNeverShown()) {
         return;
     }
     session.Paint();

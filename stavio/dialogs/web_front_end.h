@@ -84,7 +84,4 @@ private:
 // last action could not be done ("" when it could).
 std::string DialogJson(const toolbox::Dialog& dialog, const std::string& problem);
 
-// A JSON string literal.
-std::string JsonQuoted(const std::string& text);
-
 }   // namespace stavio

@@ -1,6 +1,7 @@
 #include "stavio/web/score_view.h"
 
 #include "sdk/tags.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/dialogs/web_front_end.h"
 #include "stavio/document/staff_playback.h"
 #include "stavio/document_builder.h"

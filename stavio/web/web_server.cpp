@@ -3,7 +3,11 @@
 #include "stavio/app/commands.h"
 #include "stavio/app/demo_score.h"
 #include "stavio/app/groove_library.h"
+#include "stavio/app/groove_preview.h"
+#include "stavio/dialogs/dialog_text.h"
 #include "stavio/dialogs/web_front_end.h"
+#include "stavio/midi_export/audio_render.h"
+#include "stavio/midi_export/midi_export.h"
 #include "stavio/web/score_view.h"
 #include "stavio/web/web_assets.h"
 
@@ -14,6 +18,7 @@
 #include <stdlib.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <condition_variable>
@@ -23,6 +28,7 @@
 #include <functional>
 #include <map>
 #include <mutex>
+#include <optional>
 #include <ostream>
 #include <sstream>
 #include <thread>
@@ -40,6 +46,8 @@ constexpr size_t kMostTabs = 32;
 constexpr char kJson[] = "application/json";
 // A tab that runs the plug-in and has not asked for its state for this long is taken as closed.
 constexpr uint64_t kPageGoneMs = 60000;
+// The filled measures are heard at the tempo the command line's fill uses without a groove file.
+constexpr double kListenTempo = 120.0;
 
 // ---- The server's own folder ---------------------------------------------------------------------
 
@@ -163,7 +171,8 @@ struct Tab {
     LoadedScore score = DemoScoreForSession();
     Document document = score.file->document();
     uint64_t scoreVersion = 1;
-    std::string lastRun = "null";   // what the last run of the plug-in gave, as JSON
+    std::string lastRun = "null";                        // what the last run of the plug-in gave, as JSON
+    std::optional<std::pair<int32_t, int32_t>> filled;   // the measures the last fill changed
     uint64_t lastSeen = 0;
 };
 
@@ -228,8 +237,10 @@ bool ReadWholeFile(const std::string& path, std::string& bytes)
 
 class WebServer {
 public:
-    WebServer(const WebServerSettings& settings, std::string grooveFolder, HostThread& host, WebFrontEnd& frontEnd)
-        : settings_(settings), grooveFolder_(std::move(grooveFolder)), host_(host), frontEnd_(frontEnd)
+    WebServer(const WebServerSettings& settings, std::string grooveFolder, std::string soundFolder, HostThread& host,
+              WebFrontEnd& frontEnd)
+        : settings_(settings), grooveFolder_(std::move(grooveFolder)), soundFolder_(std::move(soundFolder)),
+          host_(host), frontEnd_(frontEnd)
     {
         Routes();
     }
@@ -266,6 +277,17 @@ private:
         }
         found->second.lastSeen = toolbox::NowMilliseconds();
         return &found->second;
+    }
+
+    // The request's tab when the score in it may change: not while the plug-in runs there.
+    Tab* EditableTabOf(const httplib::Request& request, httplib::Response& response)
+    {
+        Tab* tab = TabOf(request, response);
+        if (tab != nullptr && runningTab_ == request.get_param_value("session")) {
+            Fail(response, 409, "the plug-in is running in this tab");
+            return nullptr;
+        }
+        return tab;
     }
 
     // Requests come only from the page itself: the Host header must be the address the server
@@ -310,6 +332,11 @@ private:
         http_.Get("/api/groove", [this](const httplib::Request& request, httplib::Response& response) {
             GrooveGrid(request, response);
         });
+        http_.Get("/api/groove-sound", [this](const httplib::Request& request, httplib::Response& response) {
+            GrooveSound(request, response);
+        });
+        http_.Get("/api/listen",
+                  [this](const httplib::Request& request, httplib::Response& response) { Listen(request, response); });
         http_.Post("/api/run", [this](const httplib::Request& request, httplib::Response& response) {
             StartRun(request, response);
         });
@@ -364,6 +391,76 @@ private:
         response.set_content(*grid, "text/plain; charset=utf-8");
     }
 
+    // The groove as it sounds: only a groove the library lists (the name never becomes a path).
+    void GrooveSound(const httplib::Request& request, httplib::Response& response)
+    {
+        const std::string name = request.get_param_value("name");
+        std::string error;
+        if (!app::GrooveGridText(grooveFolder_, name, error)) {
+            Fail(response, 404, error);
+            return;
+        }
+        const std::optional<std::string> path = app::FindGrooveFile(grooveFolder_, name);
+        app::GroovePreview preview;
+        if (!path || !app::BuildGroovePreview(*path, preview, error)) {
+            Fail(response, 422, path ? error : "there is no groove \"" + name + "\"");
+            return;
+        }
+        SendSound(preview.document, 1, preview.bars, preview.tempo, response);
+    }
+
+    // The measures the tab's last fill wrote, as they sound now.
+    void Listen(const httplib::Request& request, httplib::Response& response)
+    {
+        Document document;
+        std::pair<int32_t, int32_t> measures;
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            Tab* tab = TabOf(request, response);
+            if (tab == nullptr) {
+                return;
+            }
+            if (!tab->filled) {
+                Fail(response, 409, "nothing has been filled in this tab yet");
+                return;
+            }
+            document = tab->document;
+            measures = *tab->filled;
+        }
+        SendSound(document, measures.first, std::min(measures.second, document.MeasureCount()), kListenTempo, response);
+    }
+
+    // Measures first..last of `document` rendered by FluidSynth into the server's own folder,
+    // answered as WAV audio; the file goes as soon as it is read.
+    void SendSound(const Document& document, int32_t first, int32_t last, double tempo, httplib::Response& response)
+    {
+        midi_export::AudioTools tools;
+        std::string error;
+        if (!midi_export::FindAudioTools(std::nullopt, tools, error)) {
+            Fail(response, 501, error);
+            return;
+        }
+        midi_export::ExportOptions range;
+        range.firstMeasure = first;
+        range.lastMeasure = last;
+        range.microsecondsPerQuarter = midi_export::MicrosecondsPerQuarter(tempo);
+        std::vector<uint8_t> midi;
+        if (!midi_export::ExportMidi(document, range, midi, error)) {
+            Fail(response, 422, "cannot export the MIDI: " + error);
+            return;
+        }
+        const std::string path = soundFolder_ + "/sound-" + std::to_string(++soundsMade_) + ".wav";
+        std::string bytes;
+        const bool rendered = midi_export::RenderAudio(midi, path, tools, error) && ReadWholeFile(path, bytes);
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+        if (!rendered) {
+            Fail(response, 500, error.empty() ? "cannot read the rendered audio" : error);
+            return;
+        }
+        response.set_content(std::move(bytes), "audio/wav");
+    }
+
     void State(const std::string& id, const Tab& tab, httplib::Response& response)
     {
         const bool mine = runningTab_ == id;
@@ -376,7 +473,8 @@ private:
              << ",\"busyElsewhere\":" << (!runningTab_.empty() && !mine ? "true" : "false")
              << ",\"ask\":" << (mine ? frontEnd_.Pending() : "null") << ",\"scoreName\":" << JsonQuoted(tab.score.name)
              << ",\"scoreVersion\":" << tab.scoreVersion << ",\"undo\":" << tab.document.UndoCount()
-             << ",\"redo\":" << tab.document.RedoCount() << ",\"lastRun\":" << tab.lastRun << "}";
+             << ",\"redo\":" << tab.document.RedoCount() << ",\"filled\":" << (tab.filled ? "true" : "false")
+             << ",\"lastRun\":" << tab.lastRun << "}";
         response.set_content(json.str(), kJson);
     }
 
@@ -452,6 +550,9 @@ private:
         if (result == 1) {
             tab->second.document = host.document();
             ++tab->second.scoreVersion;
+            // Without a selection the plug-in asks for one; the whole score is then what to hear.
+            tab->second.filled = selection ? std::pair<int32_t, int32_t>(selection->start.meas, selection->end.meas)
+                                           : std::pair<int32_t, int32_t>(1, tab->second.document.MeasureCount());
         }
         tab->second.lastRun = "{\"result\":" + std::to_string(result) +
                               ",\"changed\":" + (result == 1 ? "true" : "false") + ",\"alerts\":" + AlertsJson(alerts) +
@@ -501,12 +602,8 @@ private:
     void Edit(const httplib::Request& request, httplib::Response& response)
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        Tab* tab = TabOf(request, response);
+        Tab* tab = EditableTabOf(request, response);
         if (tab == nullptr) {
-            return;
-        }
-        if (runningTab_ == request.get_param_value("session")) {
-            Fail(response, 409, "the plug-in is running in this tab");
             return;
         }
         const std::string what = request.matches[1];
@@ -519,6 +616,7 @@ private:
             tab->score = DemoScoreForSession();
             tab->document = tab->score.file->document();
             tab->lastRun = "null";
+            tab->filled.reset();
         }
         if (!done) {
             Fail(response, 409, "nothing to " + what);
@@ -550,12 +648,8 @@ private:
     void Upload(const httplib::Request& request, httplib::Response& response)
     {
         std::lock_guard<std::mutex> lock(mutex_);
-        Tab* tab = TabOf(request, response);
+        Tab* tab = EditableTabOf(request, response);
         if (tab == nullptr) {
-            return;
-        }
-        if (runningTab_ == request.get_param_value("session")) {
-            Fail(response, 409, "the plug-in is running in this tab");
             return;
         }
         // Only the file's own name is kept, for messages: it never becomes a path.
@@ -573,12 +667,15 @@ private:
         tab->document = score->file->document();
         tab->score = std::move(*score);
         tab->lastRun = "null";
+        tab->filled.reset();
         ++tab->scoreVersion;
         response.set_content("{\"loaded\":true}", kJson);
     }
 
     const WebServerSettings& settings_;
     const std::string grooveFolder_;
+    const std::string soundFolder_;
+    std::atomic<uint64_t> soundsMade_{0};
     HostThread& host_;
     WebFrontEnd& frontEnd_;
     httplib::Server http_;
@@ -676,7 +773,7 @@ int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostr
             err << "tamberlyne: " << error << "\n";
             return 1;
         }
-        WebServer server(settings, work.Path() + "/" + app::kGrooveFolderName, host, frontEnd);
+        WebServer server(settings, work.Path() + "/" + app::kGrooveFolderName, work.Path(), host, frontEnd);
         const int port = settings.port == 0
                              ? server.Http().bind_to_any_port(kLoopback)
                              : (server.Http().bind_to_port(kLoopback, settings.port) ? settings.port : -1);

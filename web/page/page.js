@@ -159,6 +159,7 @@
     $('undo').disabled = running || !state || state.undo === 0;
     $('download').disabled = running || !score || !score.musicxml;
     $('redo').disabled = running || !state || state.redo === 0;
+    $('listen').disabled = running || !state || !state.filled;
     $('demo').disabled = running;
   }
 
@@ -221,8 +222,26 @@
     }
   }
 
+  // Audio the server renders (WAV), played in the page; when it cannot render (FluidSynth or
+  // the sound font missing) its message, which names the package to install, is shown instead.
+  async function playSound(path, params) {
+    try {
+      const response = await fetch(url(path, params));
+      if (!response.ok) {
+        const json = await response.json().catch(() => ({ error: `${response.status} ${response.statusText}` }));
+        throw new Error(json.error);
+      }
+      const player = $('player');
+      if (player.src) URL.revokeObjectURL(player.src);
+      player.src = URL.createObjectURL(await response.blob());
+      await player.play();
+    } catch (error) {
+      say(error.message, true);
+    }
+  }
+
   // Beside the dialog: the drum grid of the groove selected in its list, as `tamberlyne grooves
-  // show` prints it, and the seam for hearing it.
+  // show` prints it, and a button to hear it.
   const grids = new Map();
   async function showGrooveGrid(dialog) {
     const row = dialog.lists.flatMap((list) => list.rows).find((candidate) => candidate.selected);
@@ -232,9 +251,9 @@
     panel.className = 'groove-grid';
     const play = document.createElement('button');
     play.type = 'button';
-    play.disabled = true;
     play.textContent = 'Play';
-    play.title = 'Hearing a groove comes with the audio export, which is not built into this page yet';
+    play.title = `Hear ${row.text}`;
+    play.addEventListener('click', () => playSound('/api/groove-sound', { name: row.text }));
     const grid = document.createElement('pre');
     grid.textContent = grids.get(row.text) || '…';
     panel.append(play, grid);
@@ -320,6 +339,7 @@
     }
     poll();
   });
+  $('listen').addEventListener('click', () => playSound('/api/listen'));
   $('download').addEventListener('click', () => {
     const format = $('download-format').value;
     const link = document.createElement('a');

@@ -70,17 +70,35 @@ function runTool(command, ...args) {
   return result.stdout;
 }
 
+// Clicks `button` and checks the audio the page fetches for it from `endpoint`: WAV from
+// FluidSynth, at least a second of it.
+async function heard(target, button, endpoint) {
+  const before = await target.$eval('#player', (player) => player.src);
+  const [response] = await Promise.all([
+    target.waitForResponse((candidate) => new URL(candidate.url()).pathname === endpoint), target.click(button)]);
+  assert.equal(response.status(), 200, `${endpoint}: ${await target.textContent('#status')}`);
+  assert.equal(response.headers()['content-type'], 'audio/wav');
+  // What the <audio> element was given, read back from it.
+  await target.waitForFunction((old) => document.querySelector('#player').src !== old, before);
+  const audio = await target.$eval('#player', async (player) => {
+    const bytes = new Uint8Array(await (await fetch(player.src)).arrayBuffer());
+    return { size: bytes.length, head: String.fromCharCode(...bytes.subarray(0, 4)) };
+  });
+  assert.equal(audio.head, 'RIFF');
+  assert.ok(audio.size > 44100 * 4, `${endpoint}: ${audio.size} bytes`);
+}
+
 // Runs the plug-in on the selection and answers its dialog: the groove from the list (its drum
-// grid shows beside the dialog, as `grooves show` prints it), the drum staff in the "Staff:"
-// pop-up, then OK.
-async function fillThroughDialog(target, groove, screenshot, staff = 'Drums') {
+// grid shows beside the dialog, as `grooves show` prints it, with its Play button), the drum
+// staff in the "Staff:" pop-up, then OK.
+async function fillThroughDialog(target, groove, screenshot, staff = 'Drums', play = false) {
   await target.click('#run');
   await target.waitForSelector('#dialog-layer [role=dialog]');
   await target.locator('#dialog-layer .list div').filter({ hasText: new RegExp(`^${groove}$`) }).click();
   await target.waitForSelector(`#dialog-layer .list div.selected:text-is("${groove}")`);
   const grid = await target.waitForSelector(`.groove-grid[data-groove="${groove}"] pre`);
   assert.equal(await grid.textContent(), run('grooves', 'show', groove));
-  assert.equal(await target.isDisabled('.groove-grid button:text-is("Play")'), true);
+  if (play) await heard(target, '.groove-grid button:text-is("Play")', '/api/groove-sound');
   const staffPopup = target.locator('#dialog-layer label[data-kind=popup]').filter({ hasText: 'Staff:' }).locator('select');
   await staffPopup.selectOption({ label: staff });
   assert.equal(await staffPopup.evaluate((s) => s.options[s.selectedIndex].text), staff);
@@ -168,7 +186,8 @@ test('a fill through the plug-in\'s dialog and question, then undo and redo', as
   assert.equal(await page.locator('rect.measure-box.selected').count(), 16);
   await shot(page, '02-measures-5-12-selected');
 
-  await fillThroughDialog(page, 'Rock 8ths', '03-plugin-dialog-and-groove-grid');
+  assert.equal(await page.isDisabled('#listen'), true);
+  await fillThroughDialog(page, 'Rock 8ths', '03-plugin-dialog-and-groove-grid', 'Drums', true);
   await page.waitForSelector(`.note[data-staff="${DRUMS}"][data-measure="5"]`);
   await waitUntilIdle(page);
   const rock = await notes(page, DRUMS);
@@ -178,6 +197,7 @@ test('a fill through the plug-in\'s dialog and question, then undo and redo', as
   const fillMs = await page.evaluate(() => document.body.dataset.lastFillMs);
   console.log(`fill and redraw of the 16-measure demo score in the page: ${fillMs} ms (OK pressed to notes drawn)`);
   await shot(page, '04-filled-rock-8ths');
+  await heard(page, '#listen', '/api/listen');
 
   // Filling measures that hold notes: the plug-in asks first, in its own words.
   await fillThroughDialog(page, 'Funk 16ths Ghost Notes');
@@ -324,7 +344,8 @@ test('a 100-measure score: fill and redraw in the page (timed, printed)', async 
 test('requests cannot reach outside the page\'s files', async () => {
   assert.equal(await rawRequest('/'), 200);
   for (const attempt of ['/../../etc/passwd', '/%2e%2e/%2e%2e/etc/passwd', '/..%2f..%2fetc%2fpasswd', '//etc/passwd',
-    '/etc/passwd', '/web/../index.html/../../../etc/hostname', '/%2fetc%2fpasswd', '/api/score/../../etc/passwd']) {
+    '/etc/passwd', '/web/../index.html/../../../etc/hostname', '/%2fetc%2fpasswd', '/api/score/../../etc/passwd',
+    '/api/groove-sound?name=..%2F..%2F..%2Fetc%2Fpasswd']) {
     assert.ok([400, 404].includes(await rawRequest(attempt)), attempt);
   }
   for (const session of ['../../etc', '%2e%2e%2f%2e%2e', '/etc/passwd']) {
