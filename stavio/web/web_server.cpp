@@ -401,12 +401,16 @@ private:
             return;
         }
         const std::optional<std::string> path = app::FindGrooveFile(grooveFolder_, name);
-        app::GroovePreview preview;
-        if (!path || !app::BuildGroovePreview(*path, preview, error)) {
-            Fail(response, 422, path ? error : "there is no groove \"" + name + "\"");
+        if (!path) {
+            Fail(response, 422, "there is no groove \"" + name + "\"");
             return;
         }
-        SendSound(preview.document, 1, preview.bars, preview.tempo, response);
+        const toolbox::Result<app::GroovePreview> preview = app::BuildGroovePreview(*path);
+        if (!preview) {
+            Fail(response, 422, preview.Message());
+            return;
+        }
+        SendSound(preview->document, 1, preview->bars, preview->tempo, response);
     }
 
     // The measures the tab's last fill wrote, as they sound now.
@@ -434,28 +438,28 @@ private:
     // answered as WAV audio; the file goes as soon as it is read.
     void SendSound(const Document& document, int32_t first, int32_t last, double tempo, httplib::Response& response)
     {
-        midi_export::AudioTools tools;
-        std::string error;
-        if (!midi_export::FindAudioTools(std::nullopt, tools, error)) {
-            Fail(response, 501, error);
+        const toolbox::Result<midi_export::AudioTools> tools = midi_export::FindAudioTools(std::nullopt);
+        if (!tools) {
+            Fail(response, 501, tools.Message());
             return;
         }
         midi_export::ExportOptions range;
         range.firstMeasure = first;
         range.lastMeasure = last;
         range.microsecondsPerQuarter = midi_export::MicrosecondsPerQuarter(tempo);
-        std::vector<uint8_t> midi;
-        if (!midi_export::ExportMidi(document, range, midi, error)) {
-            Fail(response, 422, "cannot export the MIDI: " + error);
+        const toolbox::Result<std::vector<uint8_t>> midi = midi_export::ExportMidi(document, range);
+        if (!midi) {
+            Fail(response, 422, "cannot export the MIDI: " + midi.Message());
             return;
         }
         const std::string path = soundFolder_ + "/sound-" + std::to_string(++soundsMade_) + ".wav";
         std::string bytes;
-        const bool rendered = midi_export::RenderAudio(midi, path, tools, error) && ReadWholeFile(path, bytes);
+        const toolbox::Status rendered = midi_export::RenderAudio(*midi, path, *tools);
+        const bool read = rendered && ReadWholeFile(path, bytes);
         std::error_code ignored;
         std::filesystem::remove(path, ignored);
-        if (!rendered) {
-            Fail(response, 500, error.empty() ? "cannot read the rendered audio" : error);
+        if (!read) {
+            Fail(response, 500, rendered ? "cannot read the rendered audio" : rendered.Message());
             return;
         }
         response.set_content(std::move(bytes), "audio/wav");
