@@ -19,12 +19,28 @@ toolbox::Result<std::string> TakeValue(const std::string& option, const std::str
     return std::string(argv[++index]);
 }
 
+}   // namespace
+
 bool IsOption(const std::string& argument, const std::string& name)
 {
     return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
 }
 
-}   // namespace
+toolbox::Result<std::string> TakeOptionValue(const std::vector<std::string>& arguments, size_t& index,
+                                             const std::string& name)
+{
+    const std::string& argument = arguments[index];
+    std::string value;
+    if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
+        value = argument.substr(name.size() + 1);
+    } else if (index + 1 < arguments.size()) {
+        value = arguments[++index];
+    }
+    if (value.empty()) {
+        return Status::Failure("option " + name + " needs a value");
+    }
+    return value;
+}
 
 toolbox::Result<CommandLine> ParseCommandLine(int argc, char** argv)
 {

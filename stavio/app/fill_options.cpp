@@ -1,5 +1,7 @@
 #include "stavio/app/fill_options.h"
 
+#include "stavio/app/command_line.h"
+
 #include <cctype>
 
 namespace stavio::app {
@@ -7,28 +9,6 @@ namespace stavio::app {
 namespace {
 
 using toolbox::Status;
-
-// "--name=value" or "--name value"; the value may not be empty.
-toolbox::Result<std::string> TakeValue(const std::vector<std::string>& arguments, size_t& index,
-                                       const std::string& name)
-{
-    const std::string& argument = arguments[index];
-    std::string value;
-    if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
-        value = argument.substr(name.size() + 1);
-    } else if (index + 1 < arguments.size()) {
-        value = arguments[++index];
-    }
-    if (value.empty()) {
-        return Status::Failure("option " + name + " needs a value");
-    }
-    return value;
-}
-
-bool IsOption(const std::string& argument, const std::string& name)
-{
-    return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
-}
 
 bool ReadMeasureNumber(const std::string& text, int& number)
 {
@@ -59,7 +39,7 @@ template <typename Target, typename Read>
 Status TakeInto(const std::vector<std::string>& arguments, size_t& index, const std::string& name, Target& target,
                 Read read)
 {
-    const toolbox::Result<std::string> value = TakeValue(arguments, index, name);
+    const toolbox::Result<std::string> value = TakeOptionValue(arguments, index, name);
     if (!value) {
         return value.status();
     }

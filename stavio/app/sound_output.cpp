@@ -1,5 +1,7 @@
 #include "stavio/app/sound_output.h"
 
+#include "stavio/app/command_line.h"
+
 #include "stavio/app/commands.h"
 #include "stavio/midi_import/smf_reader.h"
 
@@ -19,28 +21,6 @@
 namespace stavio::app {
 
 namespace {
-
-bool IsOption(const std::string& argument, const std::string& name)
-{
-    return argument == name || argument.compare(0, name.size() + 1, name + "=") == 0;
-}
-
-// "--name=value" or "--name value".
-toolbox::Result<std::string> TakeValue(const std::vector<std::string>& arguments, size_t& index,
-                                       const std::string& name)
-{
-    const std::string& argument = arguments[index];
-    std::string value;
-    if (argument.size() > name.size() && argument.compare(0, name.size() + 1, name + "=") == 0) {
-        value = argument.substr(name.size() + 1);
-    } else if (index + 1 < arguments.size()) {
-        value = arguments[++index];
-    }
-    if (value.empty()) {
-        return toolbox::Status::Failure("option " + name + " needs a value");
-    }
-    return value;
-}
 
 toolbox::Result<double> ReadTempo(const std::string& text)
 {
@@ -77,7 +57,7 @@ toolbox::Result<bool> TakeSoundOption(const std::vector<std::string>& arguments,
         return false;
     }
     const std::string name = midi ? "--midi" : audio ? "--audio" : tempo ? "--tempo" : "--sound-font";
-    const toolbox::Result<std::string> value = TakeValue(arguments, index, name);
+    const toolbox::Result<std::string> value = TakeOptionValue(arguments, index, name);
     if (!value) {
         return value.status();
     }
