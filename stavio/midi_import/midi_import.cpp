@@ -7,13 +7,14 @@
 #include "stavio/midi_import/smf_reader.h"
 
 #include <cstring>
+#include <optional>
 
 namespace stavio::midi_import {
 
 namespace {
 
 constexpr EVERSION kMeasureSpecVersion = 0x0A000000;   // the 26-byte layout
-constexpr int32_t kImportLayer = 0;
+constexpr int32_t kImportLayer = 0;                    // the groove's notes; the measure's other layers are emptied
 
 std::string RegionText(const EREGION& region)
 {
@@ -46,9 +47,20 @@ MeasureGrid GridOfMeasure(const Document& doc, int32_t meas, const TimeSignature
     return GridFor(spec.beats, spec.divbeat, meter);
 }
 
+// Entries or a frame number: a detail saved on its own may have left one without the other.
+bool HoldsAnything(const Document& doc, int32_t inst, int32_t meas, int32_t layer)
+{
+    const std::optional<FrameContent> frame = doc.Frame(inst, meas, layer);
+    return doc.FrameNumber(inst, meas, layer) != 0 || (frame && !frame->Empty());
+}
+
 // Notates and writes the region's measures one by one: groove bar i into the region's measure
 // i, its hits as offsets from the bar's start. A hit just before a bar line counts for the bar
 // after it. The onsets are in time order, so one walk over them serves the whole region.
+//
+// Each measure is replaced, not overlaid: whatever the staff's other layers held there (a
+// drum part's feet in a voice of their own, say) would go on playing under the groove, so
+// those layers are emptied and their frame numbers cleared with them.
 bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const DrumGroove& groove)
 {
     const int64_t measures = region.end.meas - region.start.meas + 1;
@@ -70,6 +82,12 @@ bool WriteMeasures(Document& doc, int32_t inst, const EREGION& region, const Dru
         const int32_t meas = region.start.meas + static_cast<int32_t>(bar);
         FrameContent frame = NotateMeasure(hits, GridOfMeasure(doc, meas, groove.meter));
         written = doc.SetFrame(inst, meas, kImportLayer, frame) && written;
+        for (int32_t layer = 0; layer < kMaxLayers; ++layer) {
+            if (layer != kImportLayer && HoldsAnything(doc, inst, meas, layer)) {
+                FrameContent nothing;
+                written = doc.SetFrame(inst, meas, layer, nothing) && written;
+            }
+        }
     }
     return written;
 }

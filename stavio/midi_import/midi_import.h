@@ -1,10 +1,10 @@
 // The host's MIDI import (SX_ProcessMidiData): the drum hits of a Standard MIDI File written
-// into layer 0 of one staff over a region of measures.
+// into layer 0 of one staff over a region of measures, in place of what they held.
 //
 // Groove bar 1 goes into the region's first measure, bar 2 into the next, and so on; bars
-// beyond the region are ignored. Each measure of the region is replaced whole: its old layer-0
-// entries go, and a measure the file does not reach, or where nothing sounds, gets one
-// whole-measure rest. Nothing outside the region changes, nor any other layer. Which hits
+// beyond the region are ignored. Each measure of the region is replaced whole: its old entries
+// go from every layer, the new ones are in layer 0, and a measure the file does not reach, or
+// where nothing sounds, gets one whole-measure rest. Nothing outside the region changes. Which hits
 // count and how bars are found: drum_groove.h; the grid: beat_quantiser.h; the entries:
 // measure_notation.h. Frames go through the document's frame store, which keeps the staff's
 // frame detail ('SDGF') in step.

@@ -200,49 +200,11 @@ void WriteVoice(const Voice& voice, const FrameContent& frame, bool drum, int32_
     }
 }
 
-// A voice as written, with the frame (tuplets) and layer it comes from.
+// A voice as written, with the frame (tuplets) it comes from.
 struct WrittenVoice {
     Voice voice;
     FrameContent frame;
-    int layer = 0;
 };
-
-// A drum stroke sounds as long as its written note; a reader does not strike a piece again while
-// it still sounds, so a stroke of another voice inside that time is silently lost (MuseScore
-// drops it). The notes the fill wrote (layer 0) are the groove and must all be heard: a piece
-// that another layer plays while the groove plays it too is left out of that layer's note (a
-// note left with no piece becomes a rest), and a layer left with nothing to play is not written.
-void DropRestrikes(std::vector<WrittenVoice>& voices)
-{
-    auto overlaps = [](const VoiceEntry& a, const VoiceEntry& b) {
-        return a.position < b.position + b.actual && b.position < a.position + a.actual;
-    };
-    for (WrittenVoice& other : voices) {
-        if (other.layer == 0) {
-            continue;
-        }
-        for (VoiceEntry& entry : other.voice.entries) {
-            auto played = [&](int key) {
-                return std::any_of(voices.begin(), voices.end(), [&](const WrittenVoice& groove) {
-                    return groove.layer == 0 && std::any_of(groove.voice.entries.begin(), groove.voice.entries.end(),
-                                                            [&](const VoiceEntry& stroke) {
-                                                                return overlaps(stroke, entry) &&
-                                                                       std::find(stroke.keys.begin(), stroke.keys.end(),
-                                                                                 key) != stroke.keys.end();
-                                                            });
-                });
-            };
-            entry.keys.erase(std::remove_if(entry.keys.begin(), entry.keys.end(), played), entry.keys.end());
-        }
-    }
-    voices.erase(std::remove_if(voices.begin(), voices.end(),
-                                [](const WrittenVoice& written) {
-                                    return written.layer > 0 &&
-                                           std::none_of(written.voice.entries.begin(), written.voice.entries.end(),
-                                                        [](const VoiceEntry& entry) { return !entry.keys.empty(); });
-                                }),
-                 voices.end());
-}
 
 }   // namespace
 
@@ -335,13 +297,10 @@ MeasureMusic WriteMeasureMusic(const Document& doc, int32_t inst, int32_t meas, 
             rest.wholeMeasureRest = true;
             upper.entries.push_back(rest);
         }
-        voices.push_back(WrittenVoice{upper, frame, layer});
+        voices.push_back(WrittenVoice{upper, frame});
         if (anyLower) {
-            voices.push_back(WrittenVoice{lower, frame, layer});
+            voices.push_back(WrittenVoice{lower, frame});
         }
-    }
-    if (drum) {
-        DropRestrikes(voices);
     }
 
     // Durations in divisions: the part's own where they are exact, else a multiple of them.
