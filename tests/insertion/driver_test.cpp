@@ -205,6 +205,36 @@ TEST_F(Driver, EachStylePreparesTheStaffForDrums)
 
 // ---- With the host's import ------------------------------------------------------------------
 
+// Yes to "replace?" replaces: the filled measures keep nothing in any layer (a drum part's feet
+// sit in layer 1), the measures around them keep every layer, also where the groove's last
+// repetition is cut at the region's end, and one undo of the bracket brings all of it back.
+TEST_F(Driver, YesReplacesTheRegionsNotesInEveryLayerAndOneUndoBringsThemBack)
+{
+    DocumentBuilder builder;
+    builder.Measures(6).Staff("Drums");
+    for (int meas = 1; meas <= 6; ++meas)
+        builder.Entries(1, meas, 0, {stavio::Note(42, 4096)})
+            .Entries(1, meas, 1, {stavio::Note(36, 2048), stavio::Rest(2048)});
+    StartOn(builder.Build(), 2, 4);
+    UseLibraryGroove("Rock 8ths");   // two bars: measures 2-3, then 4 alone
+    frontEnd = stavio::ScriptedFrontEnd({kAlertAnswerYes});
+    const stavio::RecordStore before = doc().Records();
+    ASSERT_EQ(doc().StartEdit("Tamberlyne Plug-In"), 1);   // as the dialog brackets the driver
+    ASSERT_TRUE(Run());
+    ASSERT_EQ(doc().EndEdit(), 1);
+    EXPECT_EQ(AlertIds(), Ids{kAlertOverwriteNotes});
+    EXPECT_EQ(Imported(), (std::vector<std::pair<int, int>>{{2, 3}, {4, 4}}));
+    ASSERT_TRUE(EveryImportAnswered());
+    for (int meas = 1; meas <= 6; ++meas) {
+        const bool filled = meas >= 2 && meas <= 4;
+        EXPECT_EQ(score_test::Entries(doc(), 1, meas, 0).size(), filled ? 8u : 1u) << meas;
+        EXPECT_EQ(score_test::Entries(doc(), 1, meas, 1).size(), filled ? 0u : 2u) << meas;
+        EXPECT_EQ(doc().FrameNumber(1, meas, 1) == 0, filled) << meas;
+    }
+    ASSERT_TRUE(doc().Undo());
+    EXPECT_TRUE(doc().Records() == before);
+}
+
 // The imported rhythm is the groove's, repeated and cut to the region; "Rock 8ths Fill" loses its
 // closing crash, and the keys the cleaner moved in "Songo" (some above 59) are respelled back.
 TEST_F(Driver, TheImportedRhythmIsTheGroovesRepeatedWithItsOwnKeys)
