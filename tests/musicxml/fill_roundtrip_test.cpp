@@ -1,7 +1,7 @@
 // The command on every corpus file, as a person runs it: opening and saving gives the same bytes,
-// a fill changes only the target's measures (byte for byte) and writes a valid, sound score that
-// MuseScore 3 plays with the written drum notes in the region, and a broken file is refused with
-// a message naming it and no file written.
+// a fill changes only the target's measures (byte for byte), leaves nothing of a drum part's old
+// notes in them, and writes a valid, sound score that MuseScore 3 plays with the written drum
+// notes in the region, and a broken file is refused with a message naming it and no file written.
 #include "tests/musicxml/support/byte_regions.h"
 #include "tests/musicxml/support/corpus.h"
 #include "tests/musicxml/support/external_checks.h"
