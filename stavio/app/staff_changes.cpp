@@ -7,11 +7,13 @@
 #include "stavio/document_builder.h"
 #include "stavio/views/staff_view.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstring>
 #include <optional>
 #include <ostream>
 #include <sstream>
+#include <vector>
 
 namespace stavio::app {
 
@@ -28,12 +30,15 @@ struct StaffSummary {
     int styleAssignments = 0;
     int entries = 0;   // in the region's measures, all layers
     int notes = 0;
+    // What the region's entries say musically (where, how long, which pitches), so that notes
+    // replaced by as many other notes still count as a change.
+    std::vector<int64_t> music;
 
     bool operator==(const StaffSummary& other) const
     {
         return name == other.name && playsOnChannel10 == other.playsOnChannel10 && clef == other.clef &&
                drumStaffRecord == other.drumStaffRecord && styleAssignments == other.styleAssignments &&
-               entries == other.entries && notes == other.notes;
+               entries == other.entries && notes == other.notes && music == other.music;
     }
 };
 
@@ -57,10 +62,16 @@ std::optional<StaffSummary> Summarise(const Document& doc, int32_t inst, const E
     }
     summary.drumStaffRecord = doc.Records().Find(kTagDrumStaff, staffKey) != nullptr;
     summary.styleAssignments = doc.Records().IncidenceCount(kTagStaffStyleAssign, staffKey);
-    doc.ForEachEntry(inst, region.start.meas, region.end.meas, [&summary](int32_t, int, const EXENTRY& entry) {
-        ++summary.entries;
-        summary.notes += (entry.ef & kEntryIsNote) != 0 ? 1 : 0;
-    });
+    doc.ForEachEntry(
+        inst, region.start.meas, region.end.meas, [&summary](int32_t meas, int layer, const EXENTRY& entry) {
+            ++summary.entries;
+            summary.notes += (entry.ef & kEntryIsNote) != 0 ? 1 : 0;
+            summary.music.insert(summary.music.end(),
+                                 {meas, layer, entry.elldur, entry.actdur, entry.dura, entry.ef & kEntryIsNote});
+            for (int n = 0; n < std::clamp<int>(entry.numNotes, 0, kMaxNotesPerEntry); ++n) {
+                summary.music.insert(summary.music.end(), {entry.note[n].tcd, entry.note[n].alteration});
+            }
+        });
     return summary;
 }
 
