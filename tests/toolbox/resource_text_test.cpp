@@ -109,21 +109,10 @@ TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
 
 TEST(ResourceText, ReadsAHandWrittenFile)
 {
-    const std::string text = "\xEF\xBB\xBF# a comment line\r\n"
-                             "resource 'STR#' 20000 \"Menu\" {   # trailing comment\r\n"
-                             "\r\n"
-                             "    1 = \"Fill \\x41 # kept\"\r\n"
-                             "\t2=\"\"\r\n"
-                             "}\r\n"
-                             "resource 'VRNX' 20000 \"tamberlyne\" {\n"
-                             "    text = \"1\\0\"\n"
-                             "    hex = 0aFF 7f   # three bytes\n"
-                             "    text = \"\\01\"\n"
-                             "}\n"
-                             "resource 'STR ' -5 {\n"
-                             "}";
+    // A byte-order mark, CRLF and LF lines, tabs, comments, escapes, and no newline at the end.
+    const std::string path = support::SourceDir() + "/tests/toolbox/files/hand_written.rsrc";
     ResourceFile file;
-    const Status parsed = file.Parse(text, "hand.rsrc");
+    const Status parsed = file.Parse(support::ReadFile(path), path);
     ASSERT_TRUE(parsed) << parsed.Message();
     ASSERT_EQ(file.All().size(), 3u);
 
