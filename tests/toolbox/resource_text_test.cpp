@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -128,47 +129,18 @@ TEST(ResourceText, ReadsAHandWrittenFile)
 
 TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
 {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"resource 'STR ' 1 {\n    text = \"a\\q\"\n}\n", "bad.rsrc:2: unknown escape '\\q' in a string"},
-        {"# one\n\nresource 'STR#' 5 {\n    1 = \"x\"\n",
-         "bad.rsrc:3: resource 'STR#' 5 is not closed (a line with '}' is missing)"},
-        {"resource 'STR' 1 {\n}\n", "bad.rsrc:1: a resource type has exactly 4 characters, 'STR' has 3"},
-        {"resource 'STR ' 40000 {\n}\n", "bad.rsrc:1: resource id 40000 is out of range (-32768 to 32767)"},
-        {"resource 'STR#' 1 {\n    1 = \"a\"\n    3 = \"c\"\n}\n",
-         "bad.rsrc:3: entry 3 is out of order: entries count from 1 without gaps, this one must be 2"},
-        {"resource 'STR ' 1 {\n}\n\nresource 'STR ' 1 \"again\" {\n}\n",
-         "bad.rsrc:4: resource 'STR ' 1 appears twice (first at line 1)"},
-        {"resource 'STR ' 1 {\n    text = \"open\n}\n",
-         "bad.rsrc:2: string is not closed (strings end on the line they start)"},
-        {"resource 'DATA' 1 {\n    hex = 0a b\n}\n", "bad.rsrc:2: odd number of hex digits (each byte takes two)"},
-        {"resource 'DATA' 1 {\n    hex = 0g\n}\n", "bad.rsrc:2: expected hex digits, found 'g'"},
-        {"resource 'VRNX' 1 {\n    txt = \"1\"\n}\n",
-         "bad.rsrc:2: expected 'text = \"...\"' or 'hex = ...' in the data of resource 'VRNX' 1, found 'txt'"},
-        {"resource 'STR ' 1 {\n    text = \"caf\xE9\"\n}\n",
-         "bad.rsrc:2: invalid UTF-8 (resource files are UTF-8 text; write other bytes as \\xHH escapes)"},
-        {"}\n", "bad.rsrc:1: '}' without an open resource"},
-        {"resources 'STR ' 1 {\n", "bad.rsrc:1: expected 'resource', found 'resources'"},
-        {"resource 'STR ' 1\n}\n",
-         "bad.rsrc:1: expected '{' at the end of the resource header, found the end of the line"},
-        {"resource 'STR#' 1 {\n    1 = \"a\" \"b\"\n}\n", "bad.rsrc:2: unexpected '\"b\"' at the end of the line"},
-        {"resource 'DLOG' 1 {\n    item 1 = slider 0 0 10 10\n}\n",
-         "bad.rsrc:2: unknown item kind 'slider' (known: button, radio, checkbox, popup, user, static)"},
-        {"resource 'DLOG' 1 {\n    item 2 = button 50 0 10 10 \"OK\"\n}\n",
-         "bad.rsrc:2: the right edge lies left of the left edge"},
-        {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n",
-         "bad.rsrc:3: item 2 appears twice"},
-        {"resource 'DLOG' 1 {\n    colour = 3\n}\n",
-         "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item, entries)"},
-        {"resource 'DLOG' 1 {\n    entries 3 = \"a\"\n}\n",
-         "bad.rsrc:2: entries for item 3, which no earlier line makes"},
-        {"resource 'DLOG' 1 {\n    item 3 = radio 0 0 1 1\n    entries 3 = \"a\"\n}\n",
-         "bad.rsrc:3: entries for item 3, which is not a pop-up menu"},
-        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 =\n}\n",
-         "bad.rsrc:3: expected at least one quoted entry, found the end of the line"},
-        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 = \"a\"\n    entries 3 = \"b\"\n}\n",
-         "bad.rsrc:4: item 3 has its entries already"},
-    };
-    for (const auto& [text, expected] : cases) EXPECT_EQ(ParseError(text), expected);
+    // tests/toolbox/files/malformed.txt: a line "=== " with the refusal, then the file's text.
+    std::vector<std::pair<std::string, std::string>> cases;   // (refusal, text)
+    std::istringstream lines(support::ReadFile(support::SourceDir() + "/tests/toolbox/files/malformed.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("=== ", 0) == 0) {
+            cases.emplace_back(line.substr(4), "");
+        } else if (!cases.empty()) {
+            cases.back().second += line + "\n";
+        }
+    }
+    ASSERT_EQ(cases.size(), 23u);
+    for (const auto& [expected, text] : cases) EXPECT_EQ(ParseError(text), expected);
 }
 
 TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
