@@ -56,6 +56,17 @@ void ExpectSameResources(const ResourceFile& expected, const ResourceFile& actua
     }
 }
 
+// tests/toolbox/files/hand_written.rsrc: a byte-order mark, CRLF and LF lines, tabs, comments,
+// escapes, spacing of all kinds in a dialog layout, and no newline at the end.
+ResourceFile HandWrittenFile()
+{
+    const std::string path = support::SourceDir() + "/tests/toolbox/files/hand_written.rsrc";
+    ResourceFile file;
+    const Status parsed = file.Parse(support::ReadFile(path), path);
+    EXPECT_TRUE(parsed) << parsed.Message();
+    return file;
+}
+
 std::string ParseError(const std::string& text)
 {
     ResourceFile file;
@@ -110,12 +121,8 @@ TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
 
 TEST(ResourceText, ReadsAHandWrittenFile)
 {
-    // A byte-order mark, CRLF and LF lines, tabs, comments, escapes, and no newline at the end.
-    const std::string path = support::SourceDir() + "/tests/toolbox/files/hand_written.rsrc";
-    ResourceFile file;
-    const Status parsed = file.Parse(support::ReadFile(path), path);
-    ASSERT_TRUE(parsed) << parsed.Message();
-    ASSERT_EQ(file.All().size(), 3u);
+    const ResourceFile file = HandWrittenFile();
+    ASSERT_EQ(file.All().size(), 4u);
 
     const Resource* menu = file.Find(kStringListType, 20000);
     const Resource* setting = file.Find(kVrnx, 20000);
@@ -160,15 +167,7 @@ TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
 
 TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
 {
-    const std::string text = "resource 'DLOG' 20129 \"Groove\" {\n"
-                             "    title   =   \"Fill with Drum Groove\"   # window title\n"
-                             "    size = 420 300\n"
-                             "    item 1 = button 330 260 400 280 \"OK\"\n"
-                             "    item 4 = user  20 40 220 240\n"
-                             "    item 8=popup 240 64 400 84 \"Staff:\"\n"
-                             "}\n";
-    ResourceFile file;
-    ASSERT_TRUE(file.Parse(text, "dlog.rsrc"));
+    const ResourceFile file = HandWrittenFile();
     const Resource* resource = file.Find(kDialogLayoutType, 20129);
     ASSERT_NE(resource, nullptr);
     EXPECT_EQ(resource->strings,
