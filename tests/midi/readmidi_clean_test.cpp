@@ -163,9 +163,9 @@ TEST_F(MidiCleaner, FullBlockFailsTheConversionInsteadOfOverflowing)
 // The cleaner's outputs for random valid files, whole and cut short anywhere (as a broken
 // download or copy leaves them), for a file of thousands of one-data-byte messages (each grows
 // the kept track by a byte, in both passes) and for every groove of the library: to the byte, and
-// to the number of end-of-file messages, as tests/midi/cleaned.txt lists them. That listing was
-// made by the slow byte-moving cleaner this one replaced (every insertion moved all later bytes
-// up) and equals what it gives. After an intended change of the cleaner, rewrite it with
+// to the number of end-of-file messages, as tests/midi/cleaned.txt lists them. When the listing
+// was made it was checked against the cleaner as first defined, a slow one in which every
+// insertion moved all later bytes up: the same outputs. After an intended change, rewrite it with
 //   TAMBERLYNE_REWRITE_EXPECTED=1 build/bin/midi_tests --gtest_filter='*ListedOutcomes*'
 // and read the difference before committing it.
 TEST_F(MidiCleaner, GivesTheListedOutcomesOnRandomFilesWholeAndCutShortAndOnTheGrooves)
