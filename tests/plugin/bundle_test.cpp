@@ -34,15 +34,6 @@ protected:
         host_.UnloadPlugins();
         toolbox::CloseAllResFiles();
     }
-    std::vector<int32_t> AskedQuestions() const
-    {
-        std::vector<int32_t> ids;
-        for (const auto& alert : frontEnd_.Alerts()) {
-            EXPECT_EQ(alert.request.style, kAlertQuestion);
-            ids.push_back(alert.request.stringId);
-        }
-        return ids;
-    }
 
     stavio::ScriptedFrontEnd frontEnd_;
     stavio::Host host_{stavio::HostSettings{GetParam(), "", ""}, &frontEnd_};
@@ -58,22 +49,6 @@ TEST_P(BundleInHost, EnumeratesItsCommandFromItsResources)
               plugin_test::Ints(0x09000000, 0, 1));
     EXPECT_EQ((std::vector<std::string>{plugin.MenuItem(), plugin.StatusText(), plugin.UndoText()}),
               (std::vector<std::string>{MenuText(1), MenuText(2), MenuText(3)}));
-}
-
-TEST_P(BundleInHost, SelectionQuestionsDecideWhetherTheDialogOpens)
-{
-    // Nothing selected, then a selection from beat two: No opens nothing, Yes the dialog.
-    const EREGION fromBeatTwo = Region(2, 1024);
-    size_t dialogs = 0;
-    for (const EREGION* selection : {static_cast<const EREGION*>(nullptr), &fromBeatTwo}) {
-        for (const int32_t answer : {kAlertAnswerNo, kAlertAnswerYes}) {
-            frontEnd_.AddAnswer(answer);
-            EXPECT_EQ(host_.Invoke(0, selection), 0);
-            EXPECT_EQ(host_.DialogRequests().size(), dialogs += answer == kAlertAnswerYes);
-        }
-    }
-    EXPECT_EQ(AskedQuestions(), (std::vector<int32_t>{0x4E210001, 0x4E210001, 0x4E21000B, 0x4E21000B}));
-    EXPECT_NE(frontEnd_.Alerts()[0].request.text.find('?'), std::string::npos);   // the bundle's own text
 }
 
 // The host resolves the handler for its pose: the first word of a transition vector on the

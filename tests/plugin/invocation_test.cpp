@@ -50,6 +50,14 @@ TEST(PluginInvocation, WorkingRegionFromTheAnswers)
     EXPECT_EQ(StavioExtensionInvoke(nullptr, 0, nullptr, &document), 0);
     EXPECT_EQ(needRefresh, 0);
     EXPECT_EQ(session.host.DialogRequests().size(), 3u);
+    // The bundle's own questions: nothing selected, and a selection not of whole measures.
+    std::vector<int32_t> asked;
+    for (const auto& alert : session.frontEnd.Alerts()) {
+        EXPECT_EQ(alert.request.style, kAlertQuestion);
+        asked.push_back(alert.request.stringId);
+    }
+    EXPECT_EQ(asked, (std::vector<int32_t>{0x4E210001, 0x4E21000B, 0x4E210001}));
+    EXPECT_NE(session.AlertTexts()[0].find('?'), std::string::npos);
 }
 
 TEST(PluginEntryPoints, VersionInitAndEnumerate)

@@ -1,5 +1,6 @@
-// Dialogs built from layout resources found through the resource chain: items and their states,
-// controls, pop-up menus, ending, and the handles that travel through other interfaces.
+// Dialogs built from the layouts in tests/toolbox/files/dialogs.rsrc, found through the resource
+// chain: items and their states, controls, pop-up menus, ending, and the handles that travel
+// through other interfaces.
 #include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
@@ -16,25 +17,7 @@ class ToolboxDialogs : public ::testing::Test {
 protected:
     void SetUp() override
     {
-        support::WriteFile(folder_ / "dialogs.rsrc", "resource 'DLOG' 20129 \"Groove\" {\n"
-                                                     "    title = \"Fill with Drum Groove\"\n"
-                                                     "    size = 420 300\n"
-                                                     "    item 1 = button 330 260 400 280 \"OK\"\n"
-                                                     "    item 2 = button 240 260 310 280 \"Cancel\"\n"
-                                                     "    item 4 = user 20 40 220 240\n"
-                                                     "    item 5 = static 20 16 220 32 \"Grooves:\"\n"
-                                                     "    item 6 = radio 240 40 400 58 \"Existing staff\"\n"
-                                                     "    item 9 = checkbox 240 100 400 118 \"Slashes\"\n"
-                                                     "    item 8 = popup 240 64 400 84 \"Staff:\"\n"
-                                                     "    item 3 = user 10 10 410 290\n"
-                                                     "}\n"
-                                                     "resource 'DLOG' 7 {\n"
-                                                     "    item 1 = button 10 10 50 30 \"Go\"\n"
-                                                     "    item 2 = static 10 40 90 70\n"
-                                                     "    item 3 = popup 10 72 90 90 \"Style:\"\n"
-                                                     "    entries 3 = \"Drums\" \"Clef\" \"Slashes\"\n"
-                                                     "}\n");
-        ASSERT_GT(OpenResFile(FileSpec{folder_.Path(), "dialogs.rsrc"}, true), 0);
+        ASSERT_GT(OpenResFile(FileSpec{support::SourceDir() + "/tests/toolbox/files", "dialogs.rsrc"}, true), 0);
         const Result<Dialog*> made = NewDialog(kGrooveLayout);
         ASSERT_TRUE(made) << made.Message();
         dialog_ = *made;
@@ -45,7 +28,6 @@ protected:
         CloseAllResFiles();
     }
 
-    support::TempFolder folder_;
     Dialog* dialog_ = nullptr;
 };
 

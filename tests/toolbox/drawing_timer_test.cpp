@@ -1,4 +1,5 @@
-// A dialog port's drawing state and log, as the list painter uses them, and dialog timers.
+// A dialog port's drawing state and log, and dialog timers. (The list painter's use of them is
+// tested through the painter itself, in tests/ui/dialog_lists_test.cpp.)
 #include "tests/support/test_support.h"
 #include "toolbox/dialogs.h"
 
@@ -40,54 +41,17 @@ TEST_F(ToolboxDrawing, StateIsSavedNormalisedAndRestored)
     EXPECT_EQ(port.GetPenState(), (PenState{3, 4}));
 }
 
-// The way a list is painted: frame it in grey on the dialog's own background, then draw its cells
-// on white, and leave the port as it was.
-TEST_F(ToolboxDrawing, TheLogShowsWhatWasDrawnInWhichState)
-{
-    ListSpec spec;
-    spec.view = DialogRect{20, 20, 105, 100};
-    spec.drawing = false;
-    ListControl* list = nullptr;
-    ASSERT_EQ(dialog_->NewList(spec, list), kNoErr);
-    list->AddRows(2, 0);
-    DrawingPort& port = dialog_->Port();
-    port.SetBackground(kGrey);
-    port.ClearLog();
-
-    dialog_->DrawItems(port.VisibleRegion());
-    const PenState pen = port.GetPenState();
-    port.SetPenSize(1, 1);
-    port.SetForeground(kGrey);
-    port.FrameRect(InsetRect(list->Bounds(), -1, -2));
-    port.SetForeground(kBlack);
-    const DrawingState saved = port.SaveState();
-    port.Normalize();
-    list->Update(port.VisibleRegion());
-    port.RestoreState(saved);
-    port.SetPenState(pen);
-
-    const std::vector<DrawOp>& log = port.Log();
-    ASSERT_EQ(log.size(), 3u);
-    EXPECT_EQ(Ints(log[0].kind, log[1].kind, log[2].kind),
-              Ints(DrawKind::kDialogItems, DrawKind::kFrameRect, DrawKind::kListCells));
-    EXPECT_EQ(log[0].rect, (DialogRect{0, 0, 200, 150}));
-    EXPECT_EQ(log[1].rect, (DialogRect{19, 18, 121, 102}));
-    EXPECT_EQ(log[1].state.foreground, kGrey);
-    EXPECT_EQ(log[2].rect, (DialogRect{20, 20, 120, 100}));
-    EXPECT_EQ(log[2].state.background, kWhite);
-    EXPECT_EQ(port.State().background, kGrey);
-    EXPECT_EQ(dialog_->ItemsDrawCount(), 1);
-
-    dialog_->DrawItems(DialogRect{300, 300, 400, 400});   // outside the content area: no items drawn
-    EXPECT_EQ(dialog_->ItemsDrawCount(), 1);
-}
-
 TEST_F(ToolboxDrawing, TheLogKeepsTheNewestOperations)
 {
     DrawingPort& port = dialog_->Port();
     for (size_t i = 0; i <= DrawingPort::kLogLimit; ++i) port.FrameRect(MakeRect(0, 0, static_cast<long>(i), 1));
     EXPECT_EQ(port.Log().size(), DrawingPort::kLogLimit / 2 + 1);
     EXPECT_EQ(port.Log().back().rect.right, static_cast<int16_t>(DrawingPort::kLogLimit));
+
+    dialog_->DrawItems(DialogRect{300, 300, 400, 400});   // outside the content area: no items drawn
+    EXPECT_EQ(dialog_->ItemsDrawCount(), 0);
+    dialog_->DrawItems(port.VisibleRegion());
+    EXPECT_EQ(Ints(dialog_->ItemsDrawCount(), port.Log().back().kind), Ints(1, DrawKind::kDialogItems));
 }
 
 TEST(ToolboxGeometry, InsetClampAndIntersect)

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -53,6 +54,17 @@ void ExpectSameResources(const ResourceFile& expected, const ResourceFile& actua
         EXPECT_EQ(a.data, b.data);
         EXPECT_EQ(a.strings, b.strings);
     }
+}
+
+// tests/toolbox/files/hand_written.rsrc: a byte-order mark, CRLF and LF lines, tabs, comments,
+// escapes, spacing of all kinds in a dialog layout, and no newline at the end.
+ResourceFile HandWrittenFile()
+{
+    const std::string path = support::SourceDir() + "/tests/toolbox/files/hand_written.rsrc";
+    ResourceFile file;
+    const Status parsed = file.Parse(support::ReadFile(path), path);
+    EXPECT_TRUE(parsed) << parsed.Message();
+    return file;
 }
 
 std::string ParseError(const std::string& text)
@@ -109,23 +121,8 @@ TEST(ResourceText, AwkwardResourcesSurviveAPrintAndParse)
 
 TEST(ResourceText, ReadsAHandWrittenFile)
 {
-    const std::string text = "\xEF\xBB\xBF# a comment line\r\n"
-                             "resource 'STR#' 20000 \"Menu\" {   # trailing comment\r\n"
-                             "\r\n"
-                             "    1 = \"Fill \\x41 # kept\"\r\n"
-                             "\t2=\"\"\r\n"
-                             "}\r\n"
-                             "resource 'VRNX' 20000 \"tamberlyne\" {\n"
-                             "    text = \"1\\0\"\n"
-                             "    hex = 0aFF 7f   # three bytes\n"
-                             "    text = \"\\01\"\n"
-                             "}\n"
-                             "resource 'STR ' -5 {\n"
-                             "}";
-    ResourceFile file;
-    const Status parsed = file.Parse(text, "hand.rsrc");
-    ASSERT_TRUE(parsed) << parsed.Message();
-    ASSERT_EQ(file.All().size(), 3u);
+    const ResourceFile file = HandWrittenFile();
+    ASSERT_EQ(file.All().size(), 4u);
 
     const Resource* menu = file.Find(kStringListType, 20000);
     const Resource* setting = file.Find(kVrnx, 20000);
@@ -139,47 +136,18 @@ TEST(ResourceText, ReadsAHandWrittenFile)
 
 TEST(ResourceText, MalformedFilesNameTheFileAndTheLine)
 {
-    const std::vector<std::pair<std::string, std::string>> cases = {
-        {"resource 'STR ' 1 {\n    text = \"a\\q\"\n}\n", "bad.rsrc:2: unknown escape '\\q' in a string"},
-        {"# one\n\nresource 'STR#' 5 {\n    1 = \"x\"\n",
-         "bad.rsrc:3: resource 'STR#' 5 is not closed (a line with '}' is missing)"},
-        {"resource 'STR' 1 {\n}\n", "bad.rsrc:1: a resource type has exactly 4 characters, 'STR' has 3"},
-        {"resource 'STR ' 40000 {\n}\n", "bad.rsrc:1: resource id 40000 is out of range (-32768 to 32767)"},
-        {"resource 'STR#' 1 {\n    1 = \"a\"\n    3 = \"c\"\n}\n",
-         "bad.rsrc:3: entry 3 is out of order: entries count from 1 without gaps, this one must be 2"},
-        {"resource 'STR ' 1 {\n}\n\nresource 'STR ' 1 \"again\" {\n}\n",
-         "bad.rsrc:4: resource 'STR ' 1 appears twice (first at line 1)"},
-        {"resource 'STR ' 1 {\n    text = \"open\n}\n",
-         "bad.rsrc:2: string is not closed (strings end on the line they start)"},
-        {"resource 'DATA' 1 {\n    hex = 0a b\n}\n", "bad.rsrc:2: odd number of hex digits (each byte takes two)"},
-        {"resource 'DATA' 1 {\n    hex = 0g\n}\n", "bad.rsrc:2: expected hex digits, found 'g'"},
-        {"resource 'VRNX' 1 {\n    txt = \"1\"\n}\n",
-         "bad.rsrc:2: expected 'text = \"...\"' or 'hex = ...' in the data of resource 'VRNX' 1, found 'txt'"},
-        {"resource 'STR ' 1 {\n    text = \"caf\xE9\"\n}\n",
-         "bad.rsrc:2: invalid UTF-8 (resource files are UTF-8 text; write other bytes as \\xHH escapes)"},
-        {"}\n", "bad.rsrc:1: '}' without an open resource"},
-        {"resources 'STR ' 1 {\n", "bad.rsrc:1: expected 'resource', found 'resources'"},
-        {"resource 'STR ' 1\n}\n",
-         "bad.rsrc:1: expected '{' at the end of the resource header, found the end of the line"},
-        {"resource 'STR#' 1 {\n    1 = \"a\" \"b\"\n}\n", "bad.rsrc:2: unexpected '\"b\"' at the end of the line"},
-        {"resource 'DLOG' 1 {\n    item 1 = slider 0 0 10 10\n}\n",
-         "bad.rsrc:2: unknown item kind 'slider' (known: button, radio, checkbox, popup, user, static)"},
-        {"resource 'DLOG' 1 {\n    item 2 = button 50 0 10 10 \"OK\"\n}\n",
-         "bad.rsrc:2: the right edge lies left of the left edge"},
-        {"resource 'DLOG' 1 {\n    item 2 = user 0 0 1 1\n    item 2 = user 0 0 1 1\n}\n",
-         "bad.rsrc:3: item 2 appears twice"},
-        {"resource 'DLOG' 1 {\n    colour = 3\n}\n",
-         "bad.rsrc:2: unknown dialog key 'colour' (known: title, size, item, entries)"},
-        {"resource 'DLOG' 1 {\n    entries 3 = \"a\"\n}\n",
-         "bad.rsrc:2: entries for item 3, which no earlier line makes"},
-        {"resource 'DLOG' 1 {\n    item 3 = radio 0 0 1 1\n    entries 3 = \"a\"\n}\n",
-         "bad.rsrc:3: entries for item 3, which is not a pop-up menu"},
-        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 =\n}\n",
-         "bad.rsrc:3: expected at least one quoted entry, found the end of the line"},
-        {"resource 'DLOG' 1 {\n    item 3 = popup 0 0 1 1\n    entries 3 = \"a\"\n    entries 3 = \"b\"\n}\n",
-         "bad.rsrc:4: item 3 has its entries already"},
-    };
-    for (const auto& [text, expected] : cases) EXPECT_EQ(ParseError(text), expected);
+    // tests/toolbox/files/malformed.txt: a line "=== " with the refusal, then the file's text.
+    std::vector<std::pair<std::string, std::string>> cases;   // (refusal, text)
+    std::istringstream lines(support::ReadFile(support::SourceDir() + "/tests/toolbox/files/malformed.txt"));
+    for (std::string line; std::getline(lines, line);) {
+        if (line.rfind("=== ", 0) == 0) {
+            cases.emplace_back(line.substr(4), "");
+        } else if (!cases.empty()) {
+            cases.back().second += line + "\n";
+        }
+    }
+    ASSERT_EQ(cases.size(), 23u);
+    for (const auto& [expected, text] : cases) EXPECT_EQ(ParseError(text), expected);
 }
 
 TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
@@ -199,15 +167,7 @@ TEST(ResourceText, FailuresNameTheFileAndKeepWhatWasThere)
 
 TEST(ResourceText, DialogLayoutLinesAreNormalisedAndRead)
 {
-    const std::string text = "resource 'DLOG' 20129 \"Groove\" {\n"
-                             "    title   =   \"Fill with Drum Groove\"   # window title\n"
-                             "    size = 420 300\n"
-                             "    item 1 = button 330 260 400 280 \"OK\"\n"
-                             "    item 4 = user  20 40 220 240\n"
-                             "    item 8=popup 240 64 400 84 \"Staff:\"\n"
-                             "}\n";
-    ResourceFile file;
-    ASSERT_TRUE(file.Parse(text, "dlog.rsrc"));
+    const ResourceFile file = HandWrittenFile();
     const Resource* resource = file.Find(kDialogLayoutType, 20129);
     ASSERT_NE(resource, nullptr);
     EXPECT_EQ(resource->strings,

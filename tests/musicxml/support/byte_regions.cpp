@@ -1,60 +1,32 @@
 #include "tests/musicxml/support/byte_regions.h"
 
+#include <pugixml.hpp>
+
 #include <algorithm>
 #include <stdexcept>
 
 namespace musicxml_support {
 namespace {
 
-// The file as a sequence of code units: bytes, or 16-bit units after a byte-order mark. Only
-// ASCII matters for finding tags; any other unit reads as 0x80.
-class Units {
-public:
-    explicit Units(const std::string& bytes) : bytes_(bytes)
-    {
-        if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFF &&
-            static_cast<unsigned char>(bytes[1]) == 0xFE) {
-            width_ = 2;
-            littleEndian_ = true;
-        } else if (bytes.size() >= 2 && static_cast<unsigned char>(bytes[0]) == 0xFE &&
-                   static_cast<unsigned char>(bytes[1]) == 0xFF) {
-            width_ = 2;
-        }
-    }
-    std::size_t Width() const { return width_; }
-    std::size_t Size() const { return bytes_.size() / width_; }
-    std::size_t Byte(std::size_t unit) const { return unit * width_; }
-    char At(std::size_t unit) const
-    {
-        if (unit >= Size()) return '\0';
-        if (width_ == 1) return bytes_[unit];
-        auto low = static_cast<unsigned char>(bytes_[unit * 2 + (littleEndian_ ? 0 : 1)]);
-        auto high = static_cast<unsigned char>(bytes_[unit * 2 + (littleEndian_ ? 1 : 0)]);
-        return high == 0 && low < 0x80 ? static_cast<char>(low) : '\x80';
-    }
-    bool StartsWith(std::size_t unit, const std::string& text) const
-    {
-        for (std::size_t i = 0; i < text.size(); ++i)
-            if (At(unit + i) != text[i]) return false;
-        return true;
-    }
-    // The unit after the next `text` from `unit`.
-    std::size_t After(std::size_t unit, const std::string& text) const
-    {
-        while (unit < Size() && !StartsWith(unit, text)) ++unit;
-        if (unit >= Size()) throw std::runtime_error("unterminated markup, looking for " + text);
-        return unit + text.size();
-    }
-
-private:
-    const std::string& bytes_;
-    std::size_t width_ = 1;
-    bool littleEndian_ = false;
+// The file as one character per code unit: a UTF-8 file as it is, a UTF-16 one (after its
+// byte-order mark) as each unit's ASCII character, '?' for any other. The markup is ASCII, so
+// an offset in the text times the unit width is the offset in the file.
+struct UnitText {
+    std::string text;
+    std::size_t width = 1;
 };
 
-bool IsNameChar(char c)
+UnitText Units(const std::string& bytes)
 {
-    return c != '\0' && c != '>' && c != '/' && c != ' ' && c != '\t' && c != '\r' && c != '\n' && c != '=';
+    const auto byte = [&bytes](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+    const bool little = bytes.size() >= 2 && byte(0) == 0xFF && byte(1) == 0xFE;
+    if (!little && !(bytes.size() >= 2 && byte(0) == 0xFE && byte(1) == 0xFF)) return {bytes, 1};
+    UnitText units{" ", 2};   // the mark itself
+    for (std::size_t i = 2; i + 1 < bytes.size(); i += 2) {
+        const unsigned low = byte(little ? i : i + 1), high = byte(little ? i + 1 : i);
+        units.text += high == 0 && low < 0x80 ? static_cast<char>(low) : '?';
+    }
+    return units;
 }
 
 bool IsSpace(char c)
@@ -62,136 +34,58 @@ bool IsSpace(char c)
     return c == ' ' || c == '\t' || c == '\r' || c == '\n';
 }
 
-struct Tag {
-    std::string name;
-    std::map<std::string, std::string> attributes;
-    bool closing = false;
-    bool empty = false;
-    std::size_t end = 0;   // unit after ">"
-};
-
-Tag ReadTag(const Units& units, std::size_t at)
+// Where a node starts in the text: its "<", or its first character for text.
+std::size_t Start(const std::string& text, pugi::xml_node node)
 {
-    Tag tag;
-    std::size_t i = at + 1;
-    if (units.At(i) == '/') {
-        tag.closing = true;
-        ++i;
-    }
-    while (IsNameChar(units.At(i))) tag.name += units.At(i++);
-    while (i < units.Size() && units.At(i) != '>') {
-        if (IsSpace(units.At(i))) {
-            ++i;
-        } else if (units.At(i) == '/') {
-            tag.empty = true;
-            ++i;
-        } else {
-            std::string name;
-            while (IsNameChar(units.At(i))) name += units.At(i++);
-            while (IsSpace(units.At(i))) ++i;
-            if (units.At(i) != '=') throw std::runtime_error("attribute without a value in <" + tag.name + ">");
-            ++i;
-            while (IsSpace(units.At(i))) ++i;
-            char quote = units.At(i++);
-            std::string value;
-            while (i < units.Size() && units.At(i) != quote) value += units.At(i++);
-            ++i;
-            tag.attributes[name] = value;
-            tag.empty = false;
-        }
-    }
-    if (i >= units.Size()) throw std::runtime_error("unterminated tag <" + tag.name);
-    tag.end = i + 1;
-    return tag;
+    const auto at = static_cast<std::size_t>(node.offset_debug());
+    return node.type() == pugi::node_pcdata ? at : text.rfind('<', at - 1);
 }
 
-// The unit after a DOCTYPE, which may hold an internal subset in brackets.
-std::size_t SkipDoctype(const Units& units, std::size_t at)
+// One past a node's last character: where what follows it starts, else where its parent's end
+// tag does (white space between nodes is kept as text nodes, so nothing lies in between).
+std::size_t End(const std::string& text, pugi::xml_node node)
 {
-    int brackets = 0;
-    for (std::size_t i = at; i < units.Size(); ++i) {
-        char c = units.At(i);
-        if (c == '"' || c == '\'') {
-            do ++i;
-            while (i < units.Size() && units.At(i) != c);
-        } else if (c == '[') {
-            ++brackets;
-        } else if (c == ']') {
-            --brackets;
-        } else if (c == '>' && brackets == 0) {
-            return i + 1;
-        }
-    }
-    throw std::runtime_error("unterminated DOCTYPE");
+    if (pugi::xml_node next = node.next_sibling()) return Start(text, next);
+    if (node.parent().type() == pugi::node_document) return text.rfind('>') + 1;
+    return text.rfind('<', End(text, node.parent()) - 1);
 }
-
-struct Open {
-    ElementRange range;
-    std::size_t beginUnit = 0;
-};
 
 }   // namespace
 
 std::vector<ElementRange> ScanElements(const std::string& bytes)
 {
-    Units units(bytes);
+    const UnitText units = Units(bytes);
+    pugi::xml_document document;
+    const unsigned flags = pugi::parse_full | pugi::parse_ws_pcdata;
+    const pugi::xml_parse_result parsed =
+        document.load_buffer(units.text.data(), units.text.size(), flags, pugi::encoding_utf8);
+    if (!parsed)
+        throw std::runtime_error(std::string("not well-formed: ") + parsed.description() + " at unit " +
+                                 std::to_string(parsed.offset));
     std::vector<ElementRange> found;
-    std::vector<Open> stack;
-    std::size_t i = 0;
-    while (i < units.Size()) {
-        if (units.At(i) != '<') {
-            ++i;
-        } else if (units.StartsWith(i, "<!--")) {
-            i = units.After(i + 4, "-->");
-        } else if (units.StartsWith(i, "<![CDATA[")) {
-            i = units.After(i + 9, "]]>");
-        } else if (units.StartsWith(i, "<?")) {
-            i = units.After(i + 2, "?>");
-        } else if (units.StartsWith(i, "<!")) {
-            i = SkipDoctype(units, i + 2);
-        } else {
-            Tag tag = ReadTag(units, i);
-            if (tag.closing) {
-                if (stack.empty() || stack.back().range.name != tag.name)
-                    throw std::runtime_error("</" + tag.name + "> closes nothing open");
-                ElementRange range = stack.back().range;
-                stack.pop_back();
-                range.end = units.Byte(tag.end);
-                if (range.depth >= 1 && range.depth <= 2) found.push_back(range);
-            } else {
-                ElementRange range;
-                range.name = tag.name;
-                range.depth = static_cast<int>(stack.size());
-                range.begin = units.Byte(i);
-                const std::string parent = stack.empty() ? "" : stack.back().range.name;
-                if (tag.name == "part" || tag.name == "score-part") {
-                    range.partId = tag.attributes["id"];
-                    range.key = tag.name + " " + range.partId;
-                } else if (tag.name == "measure" && parent == "part") {
-                    range.partId = stack.back().range.partId;
-                    range.number = tag.attributes["number"];
-                    range.key = "part " + range.partId + " measure " + range.number;
-                } else {
-                    range.key = tag.name;
-                }
-                if (tag.empty) {
-                    range.end = units.Byte(tag.end);
-                    if (range.depth >= 1 && range.depth <= 2) found.push_back(range);
-                } else {
-                    stack.push_back({range, i});
-                }
-            }
-            i = tag.end;
+    std::map<std::string, int> measureCount;   // measures are told apart by their place too: numbers repeat
+    const auto add = [&](pugi::xml_node element, int depth) {
+        ElementRange range{element.name(), element.name(), "", "", depth, 0, 0};
+        range.begin = Start(units.text, element) * units.width;
+        range.end = End(units.text, element) * units.width;
+        const std::string parent = element.parent().name();
+        if (range.name == "part" || range.name == "score-part") {
+            range.partId = element.attribute("id").value();
+            range.key += " " + range.partId;
+        } else if (range.name == "measure" && parent == "part") {
+            range.partId = element.parent().attribute("id").value();
+            range.number = element.attribute("number").value();
+            range.key = "part " + range.partId + " measure " + range.number + " (#" +
+                        std::to_string(++measureCount[range.partId]) + ")";
         }
+        found.push_back(range);
+    };
+    for (pugi::xml_node child : document.document_element().children()) {
+        if (child.type() != pugi::node_element) continue;
+        add(child, 1);
+        for (pugi::xml_node grandchild : child.children())
+            if (grandchild.type() == pugi::node_element) add(grandchild, 2);
     }
-    if (!stack.empty()) throw std::runtime_error("<" + stack.back().range.name + "> is never closed");
-    std::sort(found.begin(), found.end(),
-              [](const ElementRange& a, const ElementRange& b) { return a.begin < b.begin; });
-    // Measures are told apart by their place in the part too: numbers can repeat.
-    std::map<std::string, int> measureCount;
-    for (ElementRange& range : found)
-        if (range.name == "measure" && !range.partId.empty())
-            range.key += " (#" + std::to_string(++measureCount[range.partId]) + ")";
     return found;
 }
 
@@ -206,7 +100,7 @@ struct Masked {
 Masked Mask(const std::string& bytes, const AllowedChanges& allowed)
 {
     std::vector<ElementRange> ranges = ScanElements(bytes);
-    Units units(bytes);
+    const UnitText units = Units(bytes);
     Masked masked;
     std::size_t at = 0;
     auto keep = [&](std::size_t until) {
@@ -224,7 +118,7 @@ Masked Mask(const std::string& bytes, const AllowedChanges& allowed)
             (range.name == "score-part" || (range.name == "measure" && target->second.count(range.number)));
         if (isNew) {
             std::size_t start = range.begin;   // drop the white space that leads up to it as well
-            while (start > at && IsSpace(units.At(start / units.Width() - 1))) start -= units.Width();
+            while (start > at && IsSpace(units.text[start / units.width - 1])) start -= units.width;
             keep(start);
             at = range.end;
         } else if (mayChange) {

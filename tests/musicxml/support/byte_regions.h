@@ -1,6 +1,7 @@
-// Byte-for-byte comparison of a score before and after an edit. The files are scanned for the
-// byte ranges of their parts, measures and part-list entries (no parse and re-serialise), the
-// ranges allowed to change are masked out, and everything else must be the same bytes.
+// Byte-for-byte comparison of a score before and after an edit. The byte ranges of the files'
+// parts, measures and part-list entries are taken from where pugixml found them (nothing is
+// re-serialised), the ranges allowed to change are masked out, and everything else must be the
+// same bytes.
 #pragma once
 
 #include <cstddef>
@@ -24,8 +25,8 @@ struct ElementRange {
 };
 
 // The ranges of every element at depth 1 and 2, in file order. UTF-8 and UTF-16 (with a
-// byte-order mark) files are scanned in their own code units. Throws std::runtime_error when
-// the tags do not nest.
+// byte-order mark) files are read in their own code units. Throws std::runtime_error when the
+// file is not well-formed.
 std::vector<ElementRange> ScanElements(const std::string& bytes);
 
 struct AllowedChanges {

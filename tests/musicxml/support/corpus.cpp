@@ -24,43 +24,10 @@ std::vector<std::string> Split(const std::string& text, char separator)
     return pieces;
 }
 
-// "1-8 8 12a": whole-number ranges expand, other tokens stand as they are.
-std::vector<std::string> MeasureNumbers(const std::string& text)
-{
-    std::vector<std::string> numbers;
-    for (const std::string& token : Split(text, ' ')) {
-        std::size_t dash = token.find('-');
-        if (dash == std::string::npos || dash == 0) {
-            numbers.push_back(token);
-            continue;
-        }
-        for (int n = std::stoi(token.substr(0, dash)); n <= std::stoi(token.substr(dash + 1)); ++n)
-            numbers.push_back(std::to_string(n));
-    }
-    return numbers;
-}
-
 void Set(CorpusFile& file, const std::string& key, const std::string& value)
 {
     if (key == "kind") {
         file.valid = value == "valid";
-    } else if (key == "parts") {
-        for (const std::string& part : Split(value, ';')) {
-            std::vector<std::string> fields = Split(part, ':');
-            if (fields.size() != 3) ADD_FAILURE() << file.file << ": part \"" << part << "\" is not id:staves:name";
-            if (fields.size() == 3) file.parts.push_back({fields[0], std::stoi(fields[1]), fields[2]});
-        }
-    } else if (key == "measures") {
-        file.measures = std::stoi(value);
-    } else if (key == "numbers") {
-        file.numbers = MeasureNumbers(value);
-    } else if (key == "meters") {
-        for (const std::string& meter : Split(value, ';')) {
-            std::vector<std::string> fields = Split(meter, ':');
-            if (fields.size() == 2) file.meters.emplace_back(fields[0], fields[1]);
-        }
-    } else if (key == "drums") {
-        file.drums = Split(value, ' ');
     } else if (key == "channel10") {
         file.channel10 = Split(value, ' ');
     } else if (key == "fill") {
@@ -76,8 +43,6 @@ void Set(CorpusFile& file, const std::string& key, const std::string& value)
         }
     } else if (key == "rootfile") {
         file.rootfile = value;
-    } else if (key == "entries") {
-        file.entries = Split(value, ' ');
     } else if (key == "error") {
         file.error = value;
     } else {

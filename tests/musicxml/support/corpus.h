@@ -1,4 +1,4 @@
-// The checked-in MusicXML corpus (tests/musicxml/files) and what must come out of each file, as
+// The checked-in MusicXML corpus (tests/musicxml/files) and what the tests do with each file, as
 // its corpus.manifest says.
 #pragma once
 
@@ -7,28 +7,16 @@
 
 namespace musicxml_support {
 
-struct CorpusPart {
-    std::string id;
-    int staves = 1;
-    std::string name;
-};
-
 struct CorpusFile {
     std::string file;   // relative to the corpus folder
     std::string path;   // absolute
     bool valid = true;
-    std::vector<CorpusPart> parts;
-    int measures = 0;
-    std::vector<std::string> numbers;                          // every measure number, in order
-    std::vector<std::pair<std::string, std::string>> meters;   // (measure number, "6/8") where each starts
-    std::vector<std::string> drums;                            // part ids of drum staves
-    std::vector<std::string> channel10;                        // part ids MuseScore plays on channel 10 as written
-    std::string fillPart;                                      // part id, or "new" for a new staff
-    std::string fillFirst, fillLast;                           // measure numbers
-    std::string fillGroove;                                    // the groove to fill with
-    std::string rootfile;                                      // .mxl only
-    std::vector<std::string> entries;                          // .mxl only
-    std::string error;                                         // broken only
+    std::vector<std::string> channel10;   // part ids MuseScore plays on channel 10 as written
+    std::string fillPart;                 // part id, or "new" for a new staff
+    std::string fillFirst, fillLast;      // measure numbers
+    std::string fillGroove;               // the groove to fill with
+    std::string rootfile;                 // .mxl only
+    std::string error;                    // broken only
     bool IsMxl() const { return file.size() > 4 && file.compare(file.size() - 4, 4, ".mxl") == 0; }
 };
 
