@@ -92,6 +92,8 @@ TEST_F(MidiGrooveLibrary, EveryGrooveCleansIntoItsDrumPart)
         EXPECT_EQ(support::Ints(out.meter.BPM, out.meter.Denominator, out.meter.TPM, bars),
                   support::Ints(g.pattern.numerator, g.pattern.denominator, g.pattern.BarTicks(), g.pattern.bars));
 
+        EXPECT_EQ(out.image, CleanByMovingBytes(g.bytes).image);
+
         features["format 0"] += g.pattern.format == 0;
         features["remapped"] += out.remapped;
         features["running status"] += g.pattern.runningStatus;

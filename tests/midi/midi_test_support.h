@@ -1,6 +1,6 @@
 // Shared pieces of the midi tests: a fixture that records the host alerts, a cleaning run with
-// all its outputs, and random valid files. Small MIDI files and an independent reader are in
-// tests/support.
+// all its outputs, random valid files, and the slow reference cleaner that moves the image's
+// bytes on every insertion. Small MIDI files and an independent reader are in tests/support.
 #pragma once
 
 #include <cstdint>
@@ -56,9 +56,10 @@ struct CleanOutcome {
     int32_t lastTickInBar = 0;
     bool remapped = false;
     std::vector<uint8_t> reverseMap;   // 128 entries
-    int64_t readsPastEnd = 0;          // end-of-file messages shown (reads past the end)
+    int64_t readsPastEnd = 0;          // end-of-file messages shown (reads past the end, for the reference)
 };
 
 CleanOutcome Clean(const Bytes& file, int32_t capacity = -1);
+CleanOutcome CleanByMovingBytes(const Bytes& file);
 
 Bytes RandomValidFile(std::mt19937& rng);
