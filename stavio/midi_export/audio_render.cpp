@@ -116,21 +116,49 @@ bool IsSoundFont(const std::string& path)
            std::memcmp(head + 8, "sfbk", 4) == 0;
 }
 
-// Runs the program with its output in `logPath`; its exit status, or -1 when it did not run.
-int RunChild(const std::vector<std::string>& arguments, const std::string& logPath)
+// The environment the renderer runs in: ours, but with the temporary and runtime folders in
+// `scratch`. Without a session's runtime folder, FluidSynth's sound-server client leaves a
+// folder of its own in the temporary folder, which belongs to whoever runs us (the page's server
+// promises to leave its temporary folder as it found it).
+std::vector<std::string> RendererEnvironment(const std::string& scratch)
+{
+    std::vector<std::string> variables;
+    for (char** variable = environ; *variable != nullptr; ++variable) {
+        const std::string text(*variable);
+        if (text.rfind("TMPDIR=", 0) != 0 && text.rfind("XDG_RUNTIME_DIR=", 0) != 0) {
+            variables.push_back(text);
+        }
+    }
+    const char* runtime = std::getenv("XDG_RUNTIME_DIR");
+    variables.push_back("XDG_RUNTIME_DIR=" + std::string(runtime != nullptr && *runtime != '\0' ? runtime : scratch));
+    variables.push_back("TMPDIR=" + scratch);
+    return variables;
+}
+
+std::vector<char*> NullTerminated(const std::vector<std::string>& texts)
+{
+    std::vector<char*> pointers;
+    for (const std::string& text : texts) {
+        pointers.push_back(const_cast<char*>(text.c_str()));
+    }
+    pointers.push_back(nullptr);
+    return pointers;
+}
+
+// Runs the program with its output in `logPath` and its temporary files in `scratch`; its exit
+// status, or -1 when it did not run.
+int RunChild(const std::vector<std::string>& arguments, const std::string& logPath, const std::string& scratch)
 {
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, logPath.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
     posix_spawn_file_actions_adddup2(&actions, STDOUT_FILENO, STDERR_FILENO);
-    std::vector<char*> argv;
-    for (const std::string& argument : arguments) {
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    }
-    argv.push_back(nullptr);
+    const std::vector<char*> argv = NullTerminated(arguments);
+    const std::vector<std::string> environment = RendererEnvironment(scratch);
+    const std::vector<char*> envp = NullTerminated(environment);
     pid_t child = 0;
-    const int spawned = posix_spawn(&child, arguments[0].c_str(), &actions, nullptr, argv.data(), environ);
+    const int spawned = posix_spawn(&child, arguments[0].c_str(), &actions, nullptr, argv.data(), envp.data());
     posix_spawn_file_actions_destroy(&actions);
     if (spawned != 0) {
         return -1;
@@ -234,7 +262,7 @@ toolbox::Status RenderAudio(const std::vector<uint8_t>& midi, const std::string&
                                                 *format == AudioFormat::Wav ? "wav" : "oga",
                                                 tools.soundFont,
                                                 midiPath};
-    const int status = RunChild(arguments, logPath);
+    const int status = RunChild(arguments, logPath, scratch.Path());
     std::error_code sizeError;
     const auto written = fs::file_size(temporary, sizeError);
     bool complained = false;
