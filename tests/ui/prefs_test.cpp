@@ -2,6 +2,7 @@
 // on OK, with the plug-in's code linked in so that the remembered word can be read back.
 #include "tamberlyne/plugin/plugin_globals.h"
 #include "tamberlyne/ui/prefs.h"
+#include "tests/support/plugin_core.h"
 #include "tests/ui/ui_test_support.h"
 #include "toolbox/resources.h"
 
@@ -110,9 +111,7 @@ TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
     EXPECT_EQ(OptionAfterOpening(session), 0u);
     toolbox::CloseAllResFiles();
     WritePrefs(session, std::string("1\0", 2));
-    toolbox::FileSpec resources;
-    toolbox::MakeFileSpec(BundlePath() + "/Resources", "Tamberlyne.rsrc", resources);
-    ASSERT_GE(toolbox::OpenResFile(resources, true), 0);
+    support::OpenBundleResources();
     EXPECT_EQ(OptionAfterOpening(session), 0u);
 }
 
@@ -137,6 +136,7 @@ TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
 
     const std::string longText(150, 'x');
     ASSERT_EQ(PutSettings(5, longText.c_str(), 150, "unit", "unit Prefs"), 0);
+    EXPECT_TRUE(std::filesystem::is_regular_file(base.Path() + "/not/yet/ui_tests/unit Prefs"));
     char big[100];
     std::memset(big, '?', sizeof(big));
     EXPECT_EQ(GetSettings(5, big, sizeof(big), "unit Prefs"), 100);
@@ -152,17 +152,5 @@ TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
     const toolbox::ResFileRef current = toolbox::CurResFile();
     GetSettings(5, buffer, sizeof(buffer), "unit Prefs");
     EXPECT_EQ(toolbox::CurResFile(), current);
-    toolbox::CloseAllResFiles();
-}
-
-TEST(Prefs, WritingIntoAMissingFolderCreatesIt)
-{
-    TempFolder base;
-    ScopedEnv env("XDG_CONFIG_HOME", base.Path() + "/not/yet");
-    ASSERT_EQ(PutSettings(20000, "1", 2, "tamberlyne", "tamberlyne Prefs"), 0);
-    EXPECT_TRUE(std::filesystem::is_regular_file(base.Path() + "/not/yet/ui_tests/tamberlyne Prefs"));
-    char buffer[4] = {};
-    EXPECT_EQ(GetSettings(20000, buffer, sizeof(buffer), "tamberlyne Prefs"), 2);
-    EXPECT_STREQ(buffer, "1");
     toolbox::CloseAllResFiles();
 }
