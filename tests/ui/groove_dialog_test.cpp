@@ -189,18 +189,6 @@ TEST_P(GrooveDialog, TheRadioButtonsSwitchTheStaffPopUp)
     EXPECT_EQ(Ints(views[1].newStaffRadio, views[1].chosenStaffRadio, views[1].staffEnabled), Ints(0, 1, true));
 }
 
-TEST_P(GrooveDialog, AScriptThatCannotBeFollowedCancels)
-{
-    BundleHost session(Session({"Rock.mid", "Funk.mid"}));
-    session.Fill({DialogAction::ClickListRowNamed(4, "Samba"), DialogAction::PressItem(1)}, &kWholeScore);
-    ExpectHas(session.AllNotes(), {"no row reads \"Samba\" (rows: Funk, Rock)"});
-    EXPECT_EQ(session.DialogFlags(), 0x10000u);
-    EXPECT_TRUE(session.frontEnd.Alerts().empty());
-
-    session.Fill({DialogAction::ChooseEntry(8, 3)}, &kWholeScore);
-    ExpectHas(session.AllNotes(), {"has no entry 3 (entries: 1 Piano, 2 Drums)"});
-}
-
 INSTANTIATE_TEST_SUITE_P(Dialog, GrooveDialog, ::testing::Values(HostPose::Newer, HostPose::Older),
                          [](const auto& instance) {
                              return instance.param == HostPose::Older ? "OlderHost" : "NewerHost";
