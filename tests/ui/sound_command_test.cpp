@@ -355,7 +355,7 @@ TEST_F(SoundCommands, MissingFluidSynthOrSoundFontNamesThePackage)
     }
 }
 
-// `export` writes the demo score; wrong usage says what is wrong.
+// `export` writes the demo score (its usage complaints are in tests/stavio/cli_test).
 TEST_F(SoundCommands, ExportWritesTheDemoScore)
 {
     CommandRun run = Run("export -o " + home_ / "demo.mid" + " --measures 2-3 --tempo 90");
@@ -366,20 +366,4 @@ TEST_F(SoundCommands, ExportWritesTheDemoScore)
     EXPECT_EQ(midi.tracks[0][0].data, (support::Bytes{0x0A, 0x2C, 0x2B}));   // 666667 microseconds a quarter
     EXPECT_EQ(midi.tracks[2][0].data, (support::Bytes{'D', 'r', 'u', 'm', 's'}));
     EXPECT_EQ(midi.tracks[2].back().tick, 2 * 4096);
-
-    for (const auto& [arguments, complaint] : std::vector<std::pair<std::string, std::string>>{
-             {"export", "needs the file to write: -o OUT.mid"},
-             {"export -o x.mid --measures 3-17", "the score has 16 measures"},
-             {"export -o x.mid --tempo fast", "--tempo takes quarter notes a minute, 1 to 1000 (got \"fast\")"},
-             {"export -o x.mid --audio x.mp3", "must end in .wav or .ogg"},
-             {"grooves list", "takes \"show NAME\" or options only"},
-             {"grooves play \"Rock 8ths\"", "needs the audio file to write: -o OUT.wav or -o OUT.ogg"}}) {
-        run = Run(arguments);
-        EXPECT_EQ(run.status, 2) << arguments;
-        ExpectHas(run.err, {complaint});
-    }
-    ExpectHas(Run("--help").out, {"export SCORE -o OUT"});
-    ExpectHas(Run("grooves --help").out, {"grooves play NAME -o OUT"});
-    ExpectHas(Run("fill --help").out,
-              {"--midi OUT.mid", "--audio OUT.wav|OUT.ogg", "--tempo BPM", "--sound-font FILE"});
 }
