@@ -170,22 +170,5 @@ TEST_F(StavioHostDefaults, EveryStaffGetsAChannelOfItsOwnSkippingTheDrumChannel)
     EXPECT_EQ(ChannelName(host_.document(), StaffChannelDefinition(host_.document(), key.other.cmper)), "Staff 12");
 }
 
-TEST_F(StavioHostDefaults, FilledChannelDefinitionsTakeEveryNumberUpTo99AndNoneIsChannel10)
-{
-    Use(DocumentBuilder().Measures(1).Staff("Drum Set").FillChannelDefinitions().Build());
-    for (int number = 1; number <= 99; ++number) {
-        const std::optional<uint16_t> code = ChannelCode(host_.document(), number);
-        ASSERT_TRUE(code.has_value()) << number;
-        EXPECT_NE(*code, kChannel10Code) << number;
-    }
-    EXPECT_EQ(ChannelName(host_.document(), 1), "Drum Set");
-    EXPECT_EQ(ChannelName(host_.document(), 42), "Channel 42");
-    EDataID key = OtherKey(kPickNumber, 0);
-    EDTGeneric definition{};
-    definition.words[0] = int16_t{kChannel10Code};
-    ASSERT_EQ(T().SX_CreateEData(kTagChannelDef, &key, &definition, 12, kV), 1);
-    EXPECT_EQ(key.other.cmper, 100);
-}
-
 }   // namespace
 }   // namespace stavio
