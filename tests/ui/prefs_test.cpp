@@ -18,13 +18,13 @@ const std::vector<StaffNames> kPianoAndDrums = {{"Piano"}, {"Drums", "", true}};
 
 // The file in the application's own preferences folder: here the application is this test
 // program (the command's own folder is checked in fill_command_test).
-std::string PrefsPath(const DialogHostBase& session)
+std::string PrefsPath(const DialogHost& session)
 {
     return session.config.Path() + "/ui_tests/tamberlyne Prefs";
 }
 
 // A preferences file holding `data` as the option's resource.
-void WritePrefs(const DialogHostBase& session, const std::string& data)
+void WritePrefs(const DialogHost& session, const std::string& data)
 {
     toolbox::ResourceFile file;
     toolbox::Resource option;
@@ -38,7 +38,7 @@ void WritePrefs(const DialogHostBase& session, const std::string& data)
 }
 
 // The option's resource in the file on disk.
-std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
+std::optional<toolbox::Resource> StoredOption(const DialogHost& session)
 {
     const toolbox::Result<toolbox::ResourceFile> file = toolbox::LoadResourceFile(PrefsPath(session));
     if (!file) return std::nullopt;
@@ -47,7 +47,7 @@ std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
 }
 
 // Opens and cancels the dialog once; answers the remembered option afterwards.
-uint32_t OptionAfterOpening(CoreHost& session)
+uint32_t OptionAfterOpening(DialogHost& session)
 {
     const EREGION selection = Measures(1, 4, 2);
     session.Fill({DialogAction::PressItem(2)}, &selection);
@@ -58,7 +58,7 @@ uint32_t OptionAfterOpening(CoreHost& session)
 
 TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     EXPECT_EQ(OptionAfterOpening(session), 1u);
     EXPECT_FALSE(std::filesystem::exists(PrefsPath(session))) << "Cancel writes nothing";
 
@@ -97,7 +97,7 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
         {"0"s, 0u},   // no terminator
     };
     for (const auto& [text, expected] : cases) {
-        CoreHost session(Score(kPianoAndDrums));
+        DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
         WritePrefs(session, text);
         EXPECT_EQ(OptionAfterOpening(session), expected) << "stored \"" << text << "\"";
         EXPECT_TRUE(session.frontEnd.Alerts().empty());
@@ -106,7 +106,7 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
 
 TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     WritePrefs(session, std::string("0\0", 2));
     EXPECT_EQ(OptionAfterOpening(session), 0u);
     toolbox::CloseAllResFiles();
@@ -117,7 +117,7 @@ TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 
 TEST(GrooveDialogPrefs, ABrokenPreferencesFileIsIgnoredSilently)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     std::filesystem::create_directories(std::filesystem::path(PrefsPath(session)).parent_path());
     WriteFile(PrefsPath(session), "resource 'VRNX' 20000 {\n    text = \"0\n");
     EXPECT_EQ(OptionAfterOpening(session), 1u);
