@@ -173,7 +173,7 @@ TEST_F(SoundCommands, TheFilledRegionSoundsAsTheGroove)
     EXPECT_EQ(DrumOnsets(midi, kGrooveDivision), RepeatedGroove(4));
     std::vector<size_t> noteOns(3);   // the piano plays nothing, the drum track every note of the groove
     for (size_t track = 0; track < 3; ++track)
-        for (const support::SmfEvent& event : midi.tracks[track]) noteOns[track] += event.IsNoteOn() ? 1 : 0;
+        for (const support::SmfEvent& event : midi.tracks[track]) noteOns[track] += event.IsNoteOn() ? 1u : 0u;
     EXPECT_EQ(noteOns, (std::vector<size_t>{0, 0, RepeatedGroove(4).size()}));
     EXPECT_EQ(midi.tracks[0][0].data, (support::Bytes{0x08, 0x2C, 0xA2}));   // 535714 microseconds: 112 a minute
 
