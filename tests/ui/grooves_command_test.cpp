@@ -15,13 +15,6 @@ CommandRun Grooves(const std::string& arguments, const std::string& library)
     return support::RunTamberlyne("grooves " + arguments + " --library \"" + library + "\"");
 }
 
-Bytes TrackBody(std::initializer_list<uint8_t> events)
-{
-    Bytes body(events);
-    body.insert(body.end(), support::kEndOfTrack.begin(), support::kEndOfTrack.end());
-    return body;
-}
-
 }   // namespace
 
 // The listing of the bundled library, checked in as tests/ui/files/grooves_listing.txt. After a
@@ -67,8 +60,10 @@ TEST(GroovesCommand, NamesAReasonForEachRefusedFile)
     write("Notes.mid", Bytes{'T', 'e', 'x', 't'});
     write("Piano.mid", support::DrumFile(480, 4, 4, {{0, 60, 1}, {960, 64, 1}}));
     write("Changes.mid",
-          support::Smf(0, 480, {TrackBody({0x00, 0xFF, 0x58, 0x04, 4,    2,    24,   8,    0x00, 0x99, 36, 100, 0x83,
-                                           0x60, 0x89, 36,   0,    0x8B, 0x20, 0xFF, 0x58, 0x04, 3,    2,  24,  8})}));
+          support::Smf(0, 480,
+                       {support::Concat({{0x00, 0xFF, 0x58, 0x04, 4,    2,    24,   8,    0x00, 0x99, 36, 100, 0x83,
+                                          0x60, 0x89, 36,   0,    0x8B, 0x20, 0xFF, 0x58, 0x04, 3,    2,  24,  8},
+                                         support::kEndOfTrack})}));
     write("Latin.mId", Bytes(drums.begin(), drums.end()));
     write("Tamberlyne$$Temp$$File.mid", Bytes(drums.begin(), drums.end()));
     WriteFile(library + "/notes.txt", "not a groove");
