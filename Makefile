@@ -10,12 +10,12 @@
 DEBIAN_PACKAGES := cmake ninja-build g++ clang llvm-14 libclang-rt-14-dev libgtest-dev libgmock-dev \
                    libbenchmark-dev \
                    libpugixml-dev libzip-dev pkg-config libxml2-utils musescore3 \
-                   libcpp-httplib-dev nodejs chromium unzip fluidsynth timgm6mb-soundfont
+                   libcpp-httplib-dev nodejs chromium unzip fluidsynth timgm6mb-soundfont libsndfile1-dev
 # (llvm-14: the sanitizers' symbolizer. MusicXML: pugixml and libzip read scores and .mxl
 # archives; xmllint validates what is written against the schema; MuseScore 3 is the notation
 # program the tests play written drum notes in. The page: cpp-httplib serves it, node runs its
 # browser test in Debian's chromium; unzip opens the .mxl it downloads. Sound: FluidSynth with a
-# General MIDI sound font.)
+# General MIDI sound font; the tests read the audio it renders with libsndfile.)
 BUILD := build
 RELEASE_BUILD := build-release
 TEST_BUILD := build-test

@@ -1,6 +1,6 @@
-// The host's MusicXML: what it reads from real-style score files (files/), that saving gives
-// the input's bytes back, that a change rewrites only its own measures, what it says about bad
-// files, and the commands as a person runs them.
+// The host's MusicXML: what it reads from real-style score files (files/), how a change rewrites
+// its own measures and only those, what it says about bad files, and the commands as a person
+// runs them. Byte-for-byte round trips and fills of every corpus score are in tests/musicxml.
 #include "sdk/tags.h"
 #include "stavio/document/pitch.h"
 #include "stavio/document/staff_playback.h"
@@ -67,6 +67,18 @@ std::string PartText(const std::string& text, const std::string& id)
     return text.substr(part, text.find("</part>", part) - part);
 }
 
+// One measure's layer holding `entries` one after another, laid out by the document builder.
+stavio::FrameContent FrameOf(std::vector<stavio::EntrySpec> entries, int16_t beats = 4, int16_t divbeat = 1024)
+{
+    return stavio::DocumentBuilder()
+        .Measures(1, beats, divbeat)
+        .Staff("")
+        .Entries(1, 1, 0, std::move(entries))
+        .Build()
+        .Frame(1, 1, 0)
+        .value();
+}
+
 }   // namespace
 
 TEST(MusicXmlRead, PartsStavesMeasuresAndNotesComeFromTheFile)
@@ -97,6 +109,7 @@ TEST(MusicXmlRead, PartsStavesMeasuresAndNotesComeFromTheFile)
     EXPECT_EQ(KeysOf(doc, 2, 4), std::set<int>{36});
     const std::optional<uint16_t> code = stavio::ChannelCode(doc, stavio::StaffChannelDefinition(doc, 2));
     EXPECT_EQ(code.value_or(0), stavio::kDrumChannelCode);
+    EXPECT_EQ(Open("guitar_drums_utf16.musicxml").Staves()[0].name, "Gitarre \xC3\xA9\xF0\x9D\x84\x9E");
 }
 
 TEST(MusicXmlRead, TwoStavesCompoundMeterTupletsAndADrumPartOffChannelTen)
@@ -118,19 +131,7 @@ TEST(MusicXmlRead, TwoStavesCompoundMeterTupletsAndADrumPartOffChannelTen)
     EXPECT_EQ(KeysOf(doc, 3, 1), (std::set<int>{38, 42}));
 }
 
-TEST(MusicXmlWrite, WithoutAChangeEveryFileComesBackByteForByte)
-{
-    for (const char* name :
-         {"two_parts.musicxml", "guitar_drums_utf16.musicxml", "piano_kit_6-8_crlf.musicxml", "two_parts.mxl"}) {
-        const ScoreFile score = Open(name);
-        const toolbox::Result<std::string> bytes = score.Write(score.document(), Container::Same);
-        ASSERT_TRUE(bytes) << name << bytes.Message();
-        EXPECT_TRUE(*bytes == ReadFile(ScorePath(name))) << name;
-    }
-    EXPECT_EQ(Open("guitar_drums_utf16.musicxml").Staves()[0].name, "Gitarre \xC3\xA9\xF0\x9D\x84\x9E");
-}
-
-TEST(MusicXmlWrite, ConvertingToMxlAndBackKeepsTheScoreAndTheArchiveEntries)
+TEST(MusicXmlWrite, ConvertingToMxlAndBackKeepsTheScore)
 {
     support::TempFolder folder;
     const std::string plain = ScorePath("two_parts.musicxml");
@@ -140,87 +141,38 @@ TEST(MusicXmlWrite, ConvertingToMxlAndBackKeepsTheScoreAndTheArchiveEntries)
     const auto archived = stavio::musicxml::ReadArchiveScore(ReadFile(folder / "a.mxl"));
     ASSERT_TRUE(archived) << archived.Message();
     EXPECT_EQ(ReadFile(folder / "a.mxl").substr(30, 8), "mimetype");   // stored first
-
-    // A change to an archive keeps its other entries and its container.
-    ScoreFile score = Open("two_parts.mxl");
-    stavio::Document edited = score.document();
-    stavio::FrameContent hit;
-    hit.entries.push_back(EXENTRY{});
-    EXENTRY& entry = hit.entries[0];
-    entry.ef = kEntryValid | kEntryIsNote;
-    entry.dura = 4096;
-    entry.actdur = 4096;
-    entry.numNotes = 1;
-    entry.note[0].tcd = stavio::PitchOfKey(49).tcd;
-    entry.note[0].alteration = stavio::PitchOfKey(49).alteration;
-    ASSERT_TRUE(edited.SetFrame(2, 3, 0, hit));
-    const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
-    ASSERT_TRUE(written) << written.Message();
-    const std::string& bytes = *written;
-    toolbox::Result<ScoreFile> back = ScoreFile::FromBytes(bytes, "back.mxl");
-    ASSERT_TRUE(back) << back.Message();
-    EXPECT_EQ(KeysOf(back->document(), 2, 3), std::set<int>{49});
-    EXPECT_NE(bytes.find("notes.txt"), std::string::npos);
 }
 
 // A changed staff-measure is rewritten; every other part and measure keeps its bytes.
 TEST(MusicXmlWrite, AFillRewritesOnlyItsMeasuresOfTheTargetPart)
 {
-    for (const char* name : {"two_parts.musicxml", "guitar_drums_utf16.musicxml"}) {
-        const ScoreFile score = Open(name);
-        stavio::Document edited = score.document();
-        std::vector<stavio::EntrySpec> specs = {stavio::Chord({36, 42}, 1024), stavio::Note(42, 1024),
-                                                stavio::Chord({38, 42}, 1024), stavio::Note(42, 1024)};
-        stavio::FrameContent frame;
-        int32_t position = 0;
-        for (const stavio::EntrySpec& spec : specs) {
-            EXENTRY entry{};
-            entry.ef = kEntryValid | kEntryIsNote;
-            entry.dura = static_cast<int16_t>(spec.duration);
-            entry.actdur = spec.duration;
-            entry.elldur = position;
-            position += spec.duration;
-            for (const stavio::NotePitch& pitch : spec.notes) {
-                entry.note[entry.numNotes].tcd = pitch.tcd;
-                entry.note[entry.numNotes++].alteration = pitch.alteration;
-            }
-            frame.entries.push_back(entry);
-        }
-        ASSERT_TRUE(edited.SetFrame(2, 3, 0, frame));   // measure "2" of the drums
-
-        const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
-
-        ASSERT_TRUE(written) << written.Message();
-
-        const std::string& bytes = *written;
-        std::string before = ReadFile(ScorePath(name));
-        if (name == std::string("guitar_drums_utf16.musicxml")) {
-            // Compare as text; the bytes on both sides are UTF-16 with the same byte-order mark.
-            ASSERT_EQ(bytes.substr(0, 2), before.substr(0, 2));
-            toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, name);
-            ASSERT_TRUE(reread) << reread.Message();
-            EXPECT_EQ(KeysOf(reread->document(), 2, 3), (std::set<int>{36, 38, 42}));
-            continue;
-        }
-        EXPECT_EQ(PartText(bytes, "P1"), PartText(before, "P1")) << name;
-        const std::vector<std::string> oldMeasures = MeasuresOfPart(before, "P2");
-        const std::vector<std::string> newMeasures = MeasuresOfPart(bytes, "P2");
-        ASSERT_EQ(newMeasures.size(), oldMeasures.size());
-        for (size_t i = 0; i < oldMeasures.size(); ++i) {
-            EXPECT_EQ(newMeasures[i] == oldMeasures[i], i != 2) << "measure index " << i;
-        }
-        // Hands up in voice 1, the kick down in voice 2, the hi-hat's new instrument on channel 10.
-        // The measure's rehearsal mark stays at its start, its words after the whole rest.
-        ExpectHas(newMeasures[2],
-                  {"<rehearsal>B</rehearsal>",
-                   "<forward><duration>8</duration></forward>\n      <direction><direction-type><words>fill",
-                   "<voice>2</voice><type>quarter</type><stem>down</stem>", "<notehead>x</notehead>",
-                   "<backup><duration>8</duration></backup>", "<instrument id=\"P2-I43\"/>"});
-        ExpectHas(bytes, {"<midi-unpitched>43</midi-unpitched>"});
-        toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, name);
-        ASSERT_TRUE(reread) << reread.Message();
-        EXPECT_EQ(KeysOf(reread->document(), 2, 3), (std::set<int>{36, 38, 42}));
+    const ScoreFile score = Open("two_parts.musicxml");
+    stavio::Document edited = score.document();
+    stavio::FrameContent frame = FrameOf(
+        {stavio::Chord({36, 42}, 1024), stavio::Note(42, 1024), stavio::Chord({38, 42}, 1024), stavio::Note(42, 1024)});
+    ASSERT_TRUE(edited.SetFrame(2, 3, 0, frame));   // measure "2" of the drums
+    const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
+    ASSERT_TRUE(written) << written.Message();
+    const std::string& bytes = *written;
+    const std::string before = ReadFile(ScorePath("two_parts.musicxml"));
+    EXPECT_EQ(PartText(bytes, "P1"), PartText(before, "P1"));
+    const std::vector<std::string> oldMeasures = MeasuresOfPart(before, "P2");
+    const std::vector<std::string> newMeasures = MeasuresOfPart(bytes, "P2");
+    ASSERT_EQ(newMeasures.size(), oldMeasures.size());
+    for (size_t i = 0; i < oldMeasures.size(); ++i) {
+        EXPECT_EQ(newMeasures[i] == oldMeasures[i], i != 2) << "measure index " << i;
     }
+    // Hands up in voice 1, the kick down in voice 2, the hi-hat's new instrument on channel 10.
+    // The measure's rehearsal mark stays at its start, its words after the whole rest.
+    ExpectHas(newMeasures[2],
+              {"<rehearsal>B</rehearsal>",
+               "<forward><duration>8</duration></forward>\n      <direction><direction-type><words>fill",
+               "<voice>2</voice><type>quarter</type><stem>down</stem>", "<notehead>x</notehead>",
+               "<backup><duration>8</duration></backup>", "<instrument id=\"P2-I43\"/>"});
+    ExpectHas(bytes, {"<midi-unpitched>43</midi-unpitched>"});
+    toolbox::Result<ScoreFile> reread = ScoreFile::FromBytes(bytes, "two_parts.musicxml");
+    ASSERT_TRUE(reread) << reread.Message();
+    EXPECT_EQ(KeysOf(reread->document(), 2, 3), (std::set<int>{36, 38, 42}));
 }
 
 // In a part with two staves the other staff's notes stay as they were, its own give way to the new ones.
@@ -228,18 +180,7 @@ TEST(MusicXmlWrite, AFillOfOneStaffOfAPianoKeepsTheOtherStaff)
 {
     const ScoreFile score = Open("piano_kit_6-8_crlf.musicxml");
     stavio::Document edited = score.document();
-    stavio::FrameContent frame;
-    for (int32_t position : {0, 1536}) {
-        EXENTRY entry{};
-        entry.ef = kEntryValid | kEntryIsNote;
-        entry.dura = 1536;
-        entry.actdur = 1536;
-        entry.elldur = position;
-        entry.numNotes = 2;
-        entry.note[0].tcd = stavio::PitchOfKey(36).tcd;
-        entry.note[1].tcd = stavio::PitchOfKey(38).tcd;
-        frame.entries.push_back(entry);
-    }
+    stavio::FrameContent frame = FrameOf({stavio::Chord({36, 38}, 1536), stavio::Chord({36, 38}, 1536)}, 2, 1536);
     ASSERT_TRUE(edited.SetFrame(1, 1, 0, frame));
     const toolbox::Result<std::string> written = score.Write(edited, Container::Same);
     ASSERT_TRUE(written) << written.Message();
@@ -269,26 +210,17 @@ TEST(MusicXmlWrite, NewElementsFollowTheFilesLayout)
               "<backup>\n    <duration>8</duration>\n  </backup>");
 }
 
+// (The corpus's broken files cover empty, timewise and unreadable files and archives.)
 TEST(MusicXmlRead, BadFilesAreNamedWithWhatIsWrong)
 {
     support::TempFolder folder;
-    const toolbox::Result<std::string> archive = stavio::musicxml::NewArchive("score.xml", "<score-partwise/>");
-    ASSERT_TRUE(archive);
-    const toolbox::Result<std::string> withoutScore = stavio::musicxml::ReplaceArchiveScore(
-        *archive, "META-INF/container.xml",
-        "<container><rootfiles><rootfile full-path=\"other.xml\"/></rootfiles></container>");
-    ASSERT_TRUE(withoutScore);
     for (const auto& [bytes, complaint] : std::vector<std::pair<std::string, std::string>>{
-             {"<score-partwise>\n  <part-list>\n</score-partwise>", "not well-formed XML at line 3:"},
              // A part is parsed on its own: its fault is still told at its place in the file.
              {"<score-partwise>\n<part-list/>\n<part id=\"P1\">\n<measure>\n<note></measure></part>\n</score-partwise>",
               "not well-formed XML at line 5:9: Start-end tags mismatch"},
-             {"<score-timewise version=\"4.0\"/>", "a timewise MusicXML score"},
              {"<html><body/></html>", "not a MusicXML score: its root element is <html>"},
-             {"", "an empty file"},
              {"<score-partwise><part-list/></score-partwise>", "without parts"},
              {"<score-partwise><part id=\"P1\"/></score-partwise>", "it has no <part-list>"},
-             {*withoutScore, "names other.xml, which the archive does not hold"},
              {"PK\x03\x04garbage", "not a readable .mxl archive"}}) {
         support::WriteFile(folder / "bad.musicxml", bytes);
         const toolbox::Result<ScoreFile> score = ScoreFile::Read(folder / "bad.musicxml");
@@ -329,10 +261,6 @@ TEST(MusicXmlCommands, FillInfoAndTheirRefusals)
     EXPECT_EQ(filled->Staves()[2].name, "Drums 2");   // the score has a "Drums": --staff still tells them apart
     EXPECT_EQ(KeysOf(filled->document(), 3, 3), (std::set<int>{36, 38, 42}));
     EXPECT_TRUE(KeysOf(filled->document(), 3, 4).empty());
-    const std::string newText = ReadFile(folder / "new.musicxml");
-    for (const char* id : {"P1", "P2"}) {
-        EXPECT_EQ(PartText(newText, id), PartText(ReadFile(score), id)) << id;
-    }
 
     // Two fills in one run, one output; a dry run writes nothing.
     const std::string twoFills = "fill " + score + " --library " + (folder / "app/Tamberlyne") +

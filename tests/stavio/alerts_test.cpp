@@ -26,31 +26,18 @@ TEST(StavioScriptedFrontEnd, AnswersQuestionsInOrderThenNoAndNoticesWithOne)
     EXPECT_EQ(script.Alerts()[4].answer, kAlertAnswerNo);
 }
 
-class StavioHostAlerts : public ::testing::Test {
-protected:
-    void SetUp() override
-    {
-        const std::string path = folder_.Path() + "/Alerts.rsrc";
-        test::WriteStringList(path, 20001, {"Nothing is selected. Use the whole score?", "Second text"});
-        before_ = toolbox::CurResFile();
-        const toolbox::Result<toolbox::ResFileRef> opened =
-            toolbox::OpenResourceFile(toolbox::FileSpec{folder_.Path(), "Alerts.rsrc"}, true);
-        ASSERT_TRUE(opened) << opened.Message();
-        file_ = *opened;
-    }
-    void TearDown() override
-    {
-        toolbox::CloseResFile(file_);
-        toolbox::UseResFile(before_);
-    }
-
-    test::TempFolder folder_;
-    toolbox::ResFileRef before_ = -1;
-    toolbox::ResFileRef file_ = -1;
-};
-
-TEST_F(StavioHostAlerts, StringIdsAreResolvedFromTheCurrentResourceChain)
+// Resolved through the chain, a text of the plug-in's file; without a front end every question
+// is answered No.
+TEST(StavioHostAlerts, StringIdsAreResolvedFromTheCurrentResourceChain)
 {
+    test::TempFolder folder;
+    test::WriteStringList(folder.Path() + "/Alerts.rsrc", 20001,
+                          {"Nothing is selected. Use the whole score?", "Second text"});
+    const toolbox::ResFileRef before = toolbox::CurResFile();
+    const toolbox::Result<toolbox::ResFileRef> opened =
+        toolbox::OpenResourceFile(toolbox::FileSpec{folder.Path(), "Alerts.rsrc"}, true);
+    ASSERT_TRUE(opened) << opened.Message();
+
     ScriptedFrontEnd script({kAlertAnswerYes});
     Host host(HostSettings{}, &script);
     const StavioFuncs& table = host.FunctionTable();
@@ -65,14 +52,11 @@ TEST_F(StavioHostAlerts, StringIdsAreResolvedFromTheCurrentResourceChain)
                                                "Warning to plug-in developer", "(text 0x4E210063 not found)"}));
     EXPECT_EQ(support::Ints(script.Alerts()[0].request.stringId, script.Alerts()[1].request.style),
               support::Ints(0x4E210001, kAlertWarning));
-}
 
-TEST_F(StavioHostAlerts, WithoutAFrontEndEveryQuestionIsAnsweredNo)
-{
-    Host host;
-    EXPECT_EQ(host.Alert(kAlertQuestion, 0x4E210001, nullptr), kAlertAnswerNo);
-    EXPECT_EQ(ResolveAlertText(0x4E210002), "Second text");
+    EXPECT_EQ(Host().Alert(kAlertQuestion, 0x4E210001, nullptr), kAlertAnswerNo);
     EXPECT_EQ(ResolveAlertText(0x4E220001), "");
+    toolbox::CloseResFile(*opened);
+    toolbox::UseResFile(before);
 }
 
 }   // namespace

@@ -1,12 +1,13 @@
 // Edit brackets opened by a plug-in become whole undo steps of the document.
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-#include "tests/support/test_support.h"
+#include "tests/stavio/test_support.h"
 
 namespace stavio {
 namespace {
 
 using support::Ints;
+using test::OtherKey;
 
 class StavioEditBrackets : public ::testing::Test {
 protected:
@@ -17,8 +18,7 @@ protected:
     void Cancel() { Table().SX_CancelStavioEdit(kPluginApiVersion); }
     void AddStaff()
     {
-        EDataID key{};
-        key.other.cmper = kPickNumber;
+        EDataID key = OtherKey(kPickNumber);
         ASSERT_EQ(Table().SX_CreateEData(kTagStaffSpec, &key, nullptr, 102, kPluginApiVersion), 1);
     }
     int32_t Staves() const { return host_.document().StaffCount(); }

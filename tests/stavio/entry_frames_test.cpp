@@ -225,17 +225,5 @@ TEST_F(StavioEntryFrames, AFrameSavedInsideAnEditBracketIsUndoneWithIt)
     EXPECT_EQ(host_.document().Frame(1, 2, 0)->entries.size(), 1u);
 }
 
-TEST(StavioFrameContent, BuilderSpellsMidiKeysSoThatTheHostPlaysThemBack)
-{
-    Host host;
-    for (int key = 24; key <= 96; ++key) {
-        EXNOTE note{};
-        note.tcd = PitchOfKey(key).tcd;
-        note.alteration = PitchOfKey(key).alteration;
-        EXPECT_EQ(host.FunctionTable().SX_NoteToMidi(&note, 0, kV), key);
-    }
-    EXPECT_EQ(Ints(PitchOfKey(61).tcd, PitchOfKey(61).alteration, PitchOfKey(59).tcd), Ints(0, 1, -1));
-}
-
 }   // namespace
 }   // namespace stavio

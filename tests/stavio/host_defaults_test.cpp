@@ -4,7 +4,7 @@
 #include "stavio/document/staff_playback.h"
 #include "stavio/document_builder.h"
 #include "stavio/host.h"
-#include "tests/support/test_support.h"
+#include "tests/stavio/test_support.h"
 
 #include <set>
 #include <string>
@@ -12,6 +12,7 @@
 namespace stavio {
 namespace {
 
+using test::OtherKey;
 constexpr EVERSION kV = kPluginApiVersion;
 using support::Ints;
 
@@ -29,8 +30,7 @@ protected:
     template <typename Record>
     int32_t LoadOther(EXTAG tag, uint16_t cmper, Record& record) const
     {
-        EDataID key{};
-        key.other = EOtherID{cmper, 0};
+        EDataID key = OtherKey(cmper, 0);
         int32_t size = sizeof(Record);
         return T().SX_LoadEData(tag, &key, &record, &size, kV);
     }
@@ -165,28 +165,9 @@ TEST_F(StavioHostDefaults, EveryStaffGetsAChannelOfItsOwnSkippingTheDrumChannel)
     EXPECT_EQ(drum.percMap, 1);
 
     // A staff the plug-in makes gets its channel as well.
-    EDataID key{};
-    key.other = EOtherID{kPickNumber, 0};
+    EDataID key = OtherKey(kPickNumber, 0);
     ASSERT_EQ(T().SX_CreateEData(kTagStaffSpec, &key, nullptr, sizeof(EDTStaffSpec2003), kV), 1);
     EXPECT_EQ(ChannelName(host_.document(), StaffChannelDefinition(host_.document(), key.other.cmper)), "Staff 12");
-}
-
-TEST_F(StavioHostDefaults, FilledChannelDefinitionsTakeEveryNumberUpTo99AndNoneIsChannel10)
-{
-    Use(DocumentBuilder().Measures(1).Staff("Drum Set").FillChannelDefinitions().Build());
-    for (int number = 1; number <= 99; ++number) {
-        const std::optional<uint16_t> code = ChannelCode(host_.document(), number);
-        ASSERT_TRUE(code.has_value()) << number;
-        EXPECT_NE(*code, kChannel10Code) << number;
-    }
-    EXPECT_EQ(ChannelName(host_.document(), 1), "Drum Set");
-    EXPECT_EQ(ChannelName(host_.document(), 42), "Channel 42");
-    EDataID key{};
-    key.other = EOtherID{kPickNumber, 0};
-    EDTGeneric definition{};
-    definition.words[0] = int16_t{kChannel10Code};
-    ASSERT_EQ(T().SX_CreateEData(kTagChannelDef, &key, &definition, 12, kV), 1);
-    EXPECT_EQ(key.other.cmper, 100);
 }
 
 }   // namespace

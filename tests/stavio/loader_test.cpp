@@ -39,11 +39,6 @@ private:
     void* handle_;
 };
 
-bool IsLoaded(const std::string& modulePath)
-{
-    return ProbeView(modulePath).Loaded();
-}
-
 // The menu text (list 20000, entry 1) that a lookup from a new file at the head of the chain
 // finds: a bundle's resource file left in the chain would answer it.
 std::optional<std::string> MenuTextInChain(const std::string& folder)
@@ -116,7 +111,7 @@ TEST(StavioPluginLoader, ReportsEachBrokenBundleByNameAndReleasesWhatItOpened)
         EXPECT_EQ(failure->path, bundle);
         EXPECT_EQ(failure->message.substr(0, bundle.size() + 2 + expected.message.size()),
                   bundle + ": " + expected.message);
-        EXPECT_FALSE(IsLoaded(bundle + "/lib" + expected.bundle + ".so")) << expected.bundle;
+        EXPECT_FALSE(ProbeView(bundle + "/lib" + expected.bundle + ".so").Loaded()) << expected.bundle;
     }
     EXPECT_EQ(MenuTextInChain(folder.Path()), "Probe Command") << "only the plug-in that loaded stays";
     host.UnloadPlugins();

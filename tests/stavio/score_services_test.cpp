@@ -50,7 +50,7 @@ TEST_F(StavioScoreServices, MeasureDurationIsBeatsTimesDivbeat)
     EXPECT_EQ(durations, Ints(4096, 4096, 3072, 0, 0));
 }
 
-TEST_F(StavioScoreServices, NoteToMidiCountsMajorScaleStepsFromMiddleC)
+TEST_F(StavioScoreServices, NoteToMidiCountsMajorScaleStepsFromMiddleCAndPlaysTheBuildersKeysBack)
 {
     struct Case {
         int16_t tcd;
@@ -68,6 +68,15 @@ TEST_F(StavioScoreServices, NoteToMidiCountsMajorScaleStepsFromMiddleC)
         EXPECT_EQ(Table().SX_NoteToMidi(&n, 3, kPluginApiVersion), note.key) << "the key signature changes nothing";
     }
     EXPECT_EQ(Table().SX_NoteToMidi(nullptr, 0, kPluginApiVersion), -1);
+
+    // The builder spells every key so that the host plays it back.
+    for (int key = 24; key <= 96; ++key) {
+        EXNOTE n{};
+        n.tcd = PitchOfKey(key).tcd;
+        n.alteration = PitchOfKey(key).alteration;
+        EXPECT_EQ(Table().SX_NoteToMidi(&n, 0, kPluginApiVersion), key);
+    }
+    EXPECT_EQ(Ints(PitchOfKey(61).tcd, PitchOfKey(61).alteration, PitchOfKey(59).tcd), Ints(0, 1, -1));
 }
 
 TEST_F(StavioScoreServices, RegionsPathAndFixedAnswers)

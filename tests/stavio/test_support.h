@@ -1,5 +1,5 @@
-// What the host tests share besides tests/support: string resources and bundles made on the
-// spot from the test modules.
+// What the host tests share besides tests/support: record keys, string resources and bundles
+// made on the spot from the test modules.
 #pragma once
 
 #include "tests/support/test_support.h"
@@ -11,6 +11,14 @@
 namespace stavio::test {
 
 using support::TempFolder;
+
+// The key of the "other" record (cmper, inci).
+inline EDataID OtherKey(uint16_t cmper, int16_t inci = 0)
+{
+    EDataID key{};
+    key.other = EOtherID{cmper, inci};
+    return key;
+}
 
 // Writes a resource file holding the string list `listId`.
 void WriteStringList(const std::string& path, int16_t listId, const std::vector<std::string>& entries);

@@ -1,6 +1,8 @@
 #include "tests/support/smf.h"
 
 #include <algorithm>
+#include <iomanip>
+#include <sstream>
 #include <stdexcept>
 
 namespace support {
@@ -166,6 +168,35 @@ SmfListing ListSmf(const Bytes& bytes, bool asFarAsItGoes)
         in.pos += length;
     }
     return file;
+}
+
+std::string ListingText(const SmfListing& file)
+{
+    static const char* const kKinds[] = {"off", "on", "key pressure", "control", "program", "pressure", "bend"};
+    std::ostringstream out;
+    out << "format " << file.format << ", " << file.trackCountField << " tracks, " << file.division
+        << " ticks a quarter\n";
+    for (size_t track = 0; track < file.tracks.size(); ++track) {
+        out << "track " << track << "\n";
+        for (const SmfEvent& event : file.tracks[track]) {
+            out << std::setw(7) << event.tick << ' ';
+            if (event.status < 0xF0) {
+                out << kKinds[(event.status >> 4) - 8] << ' ' << event.Channel() << ' ' << int{event.data1};
+                if ((event.status & 0xE0) != 0xC0) out << ' ' << int{event.data2};
+            } else {
+                out << (event.status == 0xFF ? "meta" : "sysex") << std::hex << std::setfill('0');
+                if (event.status == 0xFF) out << ' ' << std::setw(2) << int{event.data1};
+                if (event.status == 0xFF && event.data1 >= 1 && event.data1 <= 7) {
+                    out << " \"" << std::string(event.data.begin(), event.data.end()) << '"';
+                } else {
+                    for (const uint8_t byte : event.data) out << ' ' << std::setw(2) << int{byte};
+                }
+                out << std::dec << std::setfill(' ');
+            }
+            out << '\n';
+        }
+    }
+    return out.str();
 }
 
 }   // namespace support

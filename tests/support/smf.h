@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <string>
 #include <vector>
 
 namespace support {
@@ -48,5 +49,10 @@ struct SmfListing {
 // file as a player reads it: each track up to its first fault, a chunk that runs past the file
 // to the file's end (only the header must be whole).
 SmfListing ListSmf(const Bytes& bytes, bool asFarAsItGoes = false);
+
+// The listing as text, an event a line: "tick on/off/control/program/... channel data..." for
+// channel events; "tick meta TYPE" and its bytes in hex (a text in quotes), "tick sysex" and its
+// bytes.
+std::string ListingText(const SmfListing& file);
 
 }   // namespace support

@@ -1,5 +1,5 @@
-// `tamberlyne fill` as a person runs it: its help, its complaints, the groove library it uses,
-// what it prints and its exit status.
+// `tamberlyne fill` as a person runs it: the groove library it uses, its refusals, what it
+// prints and its exit status (its help and usage complaints are in tests/stavio/cli_test).
 #include "tests/support/smf.h"
 #include "tests/ui/ui_test_support.h"
 
@@ -34,33 +34,6 @@ protected:
 };
 
 }   // namespace
-
-TEST_F(FillCommand, HelpDescribesEveryOption)
-{
-    const CommandRun run = Fill("--help");
-    EXPECT_EQ(run.status, 0);
-    ExpectHas(run.out,
-              {"--measures FIRST-LAST", "--groove NAME", "--staff NAME|NUMBER", "--style drums|percussion-clef|slashes",
-               "--new-staff", "--yes, --no", "--library DIR", "--interactive", "--json", "Exit status"});
-    ExpectHas(support::RunTamberlyne("--help").out, {"fill [fill options]"});
-}
-
-TEST_F(FillCommand, WrongUsageSaysWhatIsWrongAndExitsWithTwo)
-{
-    for (const auto& [options, complaint] : std::vector<std::pair<std::string, std::string>>{
-             {"--style wood", "--style takes drums, percussion-clef or slashes (got \"wood\")"},
-             {"--measures 12-5", "the last measure 5 comes before the first 12"},
-             {"--measures five", "FIRST-LAST or one measure number"},
-             {"--measures 5-20", "the demo score has 16 measures"},
-             {"--yes --no", "--yes and --no contradict each other"},
-             {"--groove", "option --groove needs a value"},
-             {"--colour red", "unknown option \"--colour\" for the fill command"},
-             {"a.musicxml b.musicxml", "takes one score (got \"a.musicxml\" and \"b.musicxml\")"}}) {
-        const CommandRun run = Fill(options);
-        EXPECT_EQ(run.status, 2) << options;
-        ExpectHas(run.err, {complaint});
-    }
-}
 
 TEST_F(FillCommand, TheLibraryMustBeAWritableFolderNamedTamberlyne)
 {

@@ -2,6 +2,7 @@
 // on OK, with the plug-in's code linked in so that the remembered word can be read back.
 #include "tamberlyne/plugin/plugin_globals.h"
 #include "tamberlyne/ui/prefs.h"
+#include "tests/support/plugin_core.h"
 #include "tests/ui/ui_test_support.h"
 #include "toolbox/resources.h"
 
@@ -17,13 +18,13 @@ const std::vector<StaffNames> kPianoAndDrums = {{"Piano"}, {"Drums", "", true}};
 
 // The file in the application's own preferences folder: here the application is this test
 // program (the command's own folder is checked in fill_command_test).
-std::string PrefsPath(const DialogHostBase& session)
+std::string PrefsPath(const DialogHost& session)
 {
     return session.config.Path() + "/ui_tests/tamberlyne Prefs";
 }
 
 // A preferences file holding `data` as the option's resource.
-void WritePrefs(const DialogHostBase& session, const std::string& data)
+void WritePrefs(const DialogHost& session, const std::string& data)
 {
     toolbox::ResourceFile file;
     toolbox::Resource option;
@@ -37,7 +38,7 @@ void WritePrefs(const DialogHostBase& session, const std::string& data)
 }
 
 // The option's resource in the file on disk.
-std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
+std::optional<toolbox::Resource> StoredOption(const DialogHost& session)
 {
     const toolbox::Result<toolbox::ResourceFile> file = toolbox::LoadResourceFile(PrefsPath(session));
     if (!file) return std::nullopt;
@@ -46,7 +47,7 @@ std::optional<toolbox::Resource> StoredOption(const DialogHostBase& session)
 }
 
 // Opens and cancels the dialog once; answers the remembered option afterwards.
-uint32_t OptionAfterOpening(CoreHost& session)
+uint32_t OptionAfterOpening(DialogHost& session)
 {
     const EREGION selection = Measures(1, 4, 2);
     session.Fill({DialogAction::PressItem(2)}, &selection);
@@ -57,7 +58,7 @@ uint32_t OptionAfterOpening(CoreHost& session)
 
 TEST(GrooveDialogPrefs, NoFileMeansOneAndTheFirstOKCreatesIt)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     EXPECT_EQ(OptionAfterOpening(session), 1u);
     EXPECT_FALSE(std::filesystem::exists(PrefsPath(session))) << "Cancel writes nothing";
 
@@ -96,7 +97,7 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
         {"0"s, 0u},   // no terminator
     };
     for (const auto& [text, expected] : cases) {
-        CoreHost session(Score(kPianoAndDrums));
+        DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
         WritePrefs(session, text);
         EXPECT_EQ(OptionAfterOpening(session), expected) << "stored \"" << text << "\"";
         EXPECT_TRUE(session.frontEnd.Alerts().empty());
@@ -105,20 +106,18 @@ TEST(GrooveDialogPrefs, StoredTextsAreReadAndOnlyZeroAndOneAreKept)
 
 TEST(GrooveDialogPrefs, TheOptionIsReadOnlyAtTheFirstOpening)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     WritePrefs(session, std::string("0\0", 2));
     EXPECT_EQ(OptionAfterOpening(session), 0u);
     toolbox::CloseAllResFiles();
     WritePrefs(session, std::string("1\0", 2));
-    toolbox::FileSpec resources;
-    toolbox::MakeFileSpec(BundlePath() + "/Resources", "Tamberlyne.rsrc", resources);
-    ASSERT_GE(toolbox::OpenResFile(resources, true), 0);
+    support::OpenBundleResources();
     EXPECT_EQ(OptionAfterOpening(session), 0u);
 }
 
 TEST(GrooveDialogPrefs, ABrokenPreferencesFileIsIgnoredSilently)
 {
-    CoreHost session(Score(kPianoAndDrums));
+    DialogHost session(Score(kPianoAndDrums), PlugIn::Linked);
     std::filesystem::create_directories(std::filesystem::path(PrefsPath(session)).parent_path());
     WriteFile(PrefsPath(session), "resource 'VRNX' 20000 {\n    text = \"0\n");
     EXPECT_EQ(OptionAfterOpening(session), 1u);
@@ -137,6 +136,7 @@ TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
 
     const std::string longText(150, 'x');
     ASSERT_EQ(PutSettings(5, longText.c_str(), 150, "unit", "unit Prefs"), 0);
+    EXPECT_TRUE(std::filesystem::is_regular_file(base.Path() + "/not/yet/ui_tests/unit Prefs"));
     char big[100];
     std::memset(big, '?', sizeof(big));
     EXPECT_EQ(GetSettings(5, big, sizeof(big), "unit Prefs"), 100);
@@ -152,17 +152,5 @@ TEST(Prefs, GetSettingsCopiesWhatFitsAndZeroFillsTheRest)
     const toolbox::ResFileRef current = toolbox::CurResFile();
     GetSettings(5, buffer, sizeof(buffer), "unit Prefs");
     EXPECT_EQ(toolbox::CurResFile(), current);
-    toolbox::CloseAllResFiles();
-}
-
-TEST(Prefs, WritingIntoAMissingFolderCreatesIt)
-{
-    TempFolder base;
-    ScopedEnv env("XDG_CONFIG_HOME", base.Path() + "/not/yet");
-    ASSERT_EQ(PutSettings(20000, "1", 2, "tamberlyne", "tamberlyne Prefs"), 0);
-    EXPECT_TRUE(std::filesystem::is_regular_file(base.Path() + "/not/yet/ui_tests/tamberlyne Prefs"));
-    char buffer[4] = {};
-    EXPECT_EQ(GetSettings(20000, buffer, sizeof(buffer), "tamberlyne Prefs"), 2);
-    EXPECT_STREQ(buffer, "1");
     toolbox::CloseAllResFiles();
 }

@@ -58,42 +58,52 @@ void InspectingFrontEnd::RunDialog(stavio::DialogSession& session)
     ScriptedFrontEnd::RunDialog(session);
 }
 
-DialogHostBase::DialogHostBase(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves)
-    : configEnv("XDG_CONFIG_HOME", config.Path()), host(stavio::HostSettings{pose, "", application.Path()}, &frontEnd)
+DialogHost::DialogHost(stavio::Document doc, PlugIn plugIn, stavio::HostPose pose,
+                       const std::vector<std::string>& grooves)
+    : configEnv("XDG_CONFIG_HOME", config.Path()), host(stavio::HostSettings{pose, "", application.Path()}, &frontEnd),
+      plugIn_(plugIn)
 {
     host.SetDocument(std::move(doc));
     if (!grooves.empty()) MakeGrooveFolder(application.Path(), grooves);
+    if (plugIn == PlugIn::Bundle) {
+        EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().message);
+        return;
+    }
+    support::OpenBundleResources();
+    support::StartPluginCore(host);
+    initFlag = kInitFlagUnread;
+    stylenum = 0;
 }
 
-DialogHostBase::~DialogHostBase()
+DialogHost::~DialogHost()
 {
+    if (plugIn_ == PlugIn::Bundle) host.UnloadPlugins();
     toolbox::DisposeAllDialogs();
     toolbox::CloseAllResFiles();
 }
 
-int32_t DialogHostBase::Fill(const std::vector<stavio::DialogAction>& actions, const EREGION* selection)
+int32_t DialogHost::Fill(const std::vector<stavio::DialogAction>& actions, const EREGION* selection)
 {
-    stavio::DialogScript script;
-    script.dialogId = 20129;
-    script.actions = actions;
-    frontEnd.SetDialogScript(script);
-    return Invoke(selection);
+    frontEnd.SetDialogScript(stavio::DialogScript{20129, actions});
+    if (plugIn_ == PlugIn::Bundle) return host.Invoke(0, selection);
+    const EREGION document = host.document().WholeRegion();
+    return StavioExtensionInvoke(nullptr, 0, selection, &document);
 }
 
-const stavio::DialogOutcome& DialogHostBase::LastDialog() const
+const stavio::DialogOutcome& DialogHost::LastDialog() const
 {
     static const stavio::DialogOutcome none;
     return frontEnd.DialogLog().empty() ? none : frontEnd.DialogLog().back();
 }
 
-std::vector<int32_t> DialogHostBase::AlertIds() const
+std::vector<int32_t> DialogHost::AlertIds() const
 {
     std::vector<int32_t> ids;
     for (const auto& alert : frontEnd.Alerts()) ids.push_back(alert.request.stringId);
     return ids;
 }
 
-std::string DialogHostBase::AllNotes() const
+std::string DialogHost::AllNotes() const
 {
     return ui_test::AllNotes(frontEnd);
 }
@@ -106,43 +116,10 @@ std::string AllNotes(const stavio::ScriptedFrontEnd& frontEnd)
     return notes;
 }
 
-BundleHost::BundleHost(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves)
-    : DialogHostBase(std::move(doc), pose, grooves)
-{
-    EXPECT_TRUE(host.LoadBundle(BundlePath())) << (host.Failures().empty() ? "" : host.Failures().back().message);
-}
-
-BundleHost::~BundleHost()
-{
-    host.UnloadPlugins();
-}
-
-int32_t BundleHost::Invoke(const EREGION* selection)
-{
-    return host.Invoke(0, selection);
-}
-
-uint32_t BundleHost::DialogFlags() const
+uint32_t DialogHost::DialogFlags() const
 {
     const auto& requests = host.DialogRequests();
     return requests.empty() || requests.back().flags == nullptr ? 0xDEADBEEF : *requests.back().flags;
-}
-
-CoreHost::CoreHost(stavio::Document doc, const std::vector<std::string>& grooves)
-    : DialogHostBase(std::move(doc), stavio::HostPose::Newer, grooves)
-{
-    support::OpenBundleResources();
-    support::StartPluginCore(host);
-    initFlag = kInitFlagUnread;
-    stylenum = 0;
-}
-
-CoreHost::~CoreHost() = default;
-
-int32_t CoreHost::Invoke(const EREGION* selection)
-{
-    const EREGION document = host.document().WholeRegion();
-    return StavioExtensionInvoke(nullptr, 0, selection, &document);
 }
 
 }   // namespace ui_test

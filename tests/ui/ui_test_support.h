@@ -66,12 +66,22 @@ public:
     void RunDialog(stavio::DialogSession& session) override;
 };
 
-// A host with its application folder and the preferences folder in temporary folders.
-class DialogHostBase {
+// The plug-in of a DialogHost: the real bundle loaded by the host, or its code linked into the
+// test (for what only the code can tell, the remembered option), started on the host's table
+// with the bundle's resource file current and its remembered option reset as at load.
+enum class PlugIn {
+    Bundle,
+    Linked
+};
+
+// A host with its application folder and the preferences folder in temporary folders, and a
+// groove folder holding files of these names unless there are none.
+class DialogHost {
 public:
-    // With a groove folder holding files of these names, unless there are none.
-    DialogHostBase(stavio::Document doc, stavio::HostPose pose, const std::vector<std::string>& grooves);
-    virtual ~DialogHostBase();
+    explicit DialogHost(stavio::Document doc, PlugIn plugIn = PlugIn::Bundle,
+                        stavio::HostPose pose = stavio::HostPose::Newer,
+                        const std::vector<std::string>& grooves = {"Rock.mid"});
+    ~DialogHost();
 
     TempFolder application;
     TempFolder config;
@@ -81,31 +91,15 @@ public:
 
     // Runs the command once with this script for its dialog.
     int32_t Fill(const std::vector<stavio::DialogAction>& actions, const EREGION* selection);
-    virtual int32_t Invoke(const EREGION* selection) = 0;
 
     const stavio::DialogOutcome& LastDialog() const;
     std::vector<int32_t> AlertIds() const;
     std::string AllNotes() const;
-};
-
-// The real bundle, loaded by the host.
-class BundleHost : public DialogHostBase {
-public:
-    explicit BundleHost(stavio::Document doc, stavio::HostPose pose = stavio::HostPose::Newer,
-                        const std::vector<std::string>& grooves = {});
-    ~BundleHost() override;
-    int32_t Invoke(const EREGION* selection) override;
     // The plug-in's options word, through the pointer it handed to SX_Dialog.
     uint32_t DialogFlags() const;
-};
 
-// The plug-in's code linked into the test, started on the host's table with the bundle's
-// resource file current, and its remembered option reset as at load.
-class CoreHost : public DialogHostBase {
-public:
-    explicit CoreHost(stavio::Document doc, const std::vector<std::string>& grooves = {"Rock.mid"});
-    ~CoreHost() override;
-    int32_t Invoke(const EREGION* selection) override;
+private:
+    PlugIn plugIn_;
 };
 
 }   // namespace ui_test
