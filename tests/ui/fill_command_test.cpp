@@ -138,6 +138,17 @@ TEST_F(FillCommand, ReportsTheDialogTheStavesAndTheResult)
     EXPECT_TRUE(std::filesystem::is_regular_file(home_ / "config/tamberlyne/tamberlyne Prefs"));
     EXPECT_FALSE(std::filesystem::exists(home_ / "config/tamberlyne Prefs"));
 
+    // Notes replaced by as many other notes still change the staff: this score's drums hold six
+    // in measure 1, as this groove does.
+    std::filesystem::copy_file(BuildDir() + "/bin/Tamberlyne/Cha-Cha-Cha.mid", library_ + "/Funk.mid",
+                               std::filesystem::copy_options::overwrite_existing);
+    run = Fill(support::SourceDir() +
+               "/tests/musicxml/files/garage_demo.mxl --measures 1 --groove Funk --staff Drums "
+               "--yes --dry-run --library " +
+               library_);
+    EXPECT_EQ(run.status, 0) << run.err;
+    ExpectHas(run.out, {"Staff 2 \"Drums\" (changed)", "  notes and rests in measure 1: 6 (6 with notes)\n"});
+
     run = Fill("--measures 5-12 --groove Rock --staff 3 --library " + library_ + " --json");
     EXPECT_EQ(run.status, 1);
     EXPECT_EQ(run.out.rfind("{\"library\":", 0), 0u) << run.out;
