@@ -43,9 +43,9 @@ constexpr char kLoopback[] = "127.0.0.1";
 constexpr char kPluginBundleName[] = "Tamberlyne.bundle";
 constexpr char kDemoName[] = "Demo score";
 constexpr size_t kMostTabs = 32;
-// The server compresses only the content types it knows by their bare name, and it prefers
-// brotli at its slowest setting: the MusicXML of a 100-measure score took most of a second to
-// compress, for a page on the same machine. The type with its charset goes uncompressed.
+// The HTTP library compresses only the content types it knows by their bare name, and it
+// prefers brotli at its slowest setting: the score of a 100-measure fill took most of a second
+// to compress, for a page on the same machine. The type with its charset goes uncompressed.
 constexpr char kJson[] = "application/json; charset=utf-8";
 // A tab that runs the plug-in and has not asked for its state for this long is taken as closed.
 constexpr uint64_t kPageGoneMs = 60000;
