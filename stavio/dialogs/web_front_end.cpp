@@ -115,6 +115,28 @@ void WebFrontEnd::Publish(Asking asking, std::string json)
     asking_ = asking;
     pending_ = std::move(json);
     actions_.clear();
+    ++changes_;
+    changed_.notify_all();
+}
+
+uint64_t WebFrontEnd::Changes() const
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    return changes_;
+}
+
+void WebFrontEnd::WaitForChange(uint64_t seen, uint64_t longestMs)
+{
+    std::unique_lock<std::mutex> lock(mutex_);
+    changed_.wait_for(lock, std::chrono::milliseconds(longestMs),
+                      [this, seen] { return abandoned_ || changes_ != seen; });
+}
+
+void WebFrontEnd::CommandEnded()
+{
+    std::lock_guard<std::mutex> lock(mutex_);
+    ++changes_;
+    changed_.notify_all();
 }
 
 std::string WebFrontEnd::Pending() const
@@ -145,6 +167,7 @@ void WebFrontEnd::Abandon()
     std::lock_guard<std::mutex> lock(mutex_);
     abandoned_ = true;
     actionArrived_.notify_all();
+    changed_.notify_all();
 }
 
 void WebFrontEnd::Resume()

@@ -57,6 +57,13 @@ public:
     // every dialog is closed with its close box, so that the plug-in's command finishes.
     void Abandon();
     void Resume();   // for the next command, after Abandon
+    // A count that grows whenever what is asked changes and when a command ends: a page that
+    // waits on it learns of the change at once, without asking again and again.
+    uint64_t Changes() const;
+    // Waits until the count is no longer `seen`, or Abandon, for at most `longestMs`.
+    void WaitForChange(uint64_t seen, uint64_t longestMs);
+    // The host's command has finished and its result is in place (host's thread).
+    void CommandEnded();
 
     // The alerts shown during the host's commands, with their answers (host's thread only).
     std::vector<AlertRecord> TakeAlerts();
@@ -73,6 +80,8 @@ private:
 
     mutable std::mutex mutex_;
     std::condition_variable actionArrived_;
+    std::condition_variable changed_;
+    uint64_t changes_ = 0;
     Asking asking_ = Asking::Nothing;
     std::string pending_ = "null";
     std::deque<WebAction> actions_;

@@ -43,9 +43,14 @@ constexpr char kLoopback[] = "127.0.0.1";
 constexpr char kPluginBundleName[] = "Tamberlyne.bundle";
 constexpr char kDemoName[] = "Demo score";
 constexpr size_t kMostTabs = 32;
-constexpr char kJson[] = "application/json";
+// The HTTP library compresses only the content types it knows by their bare name, and it
+// prefers brotli at its slowest setting: the score of a 100-measure fill took most of a second
+// to compress, for a page on the same machine. The type with its charset goes uncompressed.
+constexpr char kJson[] = "application/json; charset=utf-8";
 // A tab that runs the plug-in and has not asked for its state for this long is taken as closed.
 constexpr uint64_t kPageGoneMs = 60000;
+// The longest the tab that runs the plug-in waits for its state to change before it is answered.
+constexpr uint64_t kLongestStateWaitMs = 5000;
 // The filled measures are heard at the tempo the command line's fill uses without a groove file.
 constexpr double kListenTempo = 120.0;
 
@@ -318,6 +323,7 @@ private:
             ServeAsset(request, response);
         });
         http_.Get("/api/state", [this](const httplib::Request& request, httplib::Response& response) {
+            WaitForStateChange(request);
             std::lock_guard<std::mutex> lock(mutex_);
             if (Tab* tab = TabOf(request, response)) {
                 State(request.get_param_value("session"), *tab, response);
@@ -465,8 +471,26 @@ private:
         response.set_content(std::move(bytes), "audio/wav");
     }
 
+    // The tab that runs the plug-in names the `changes` of the state it shows (&since=N): it is
+    // answered as soon as the plug-in asks something new or finishes, not on its next look.
+    void WaitForStateChange(const httplib::Request& request)
+    {
+        const std::string since = request.get_param_value("since");
+        if (since.empty() || since.size() > 19 || since.find_first_not_of("0123456789") != std::string::npos) {
+            return;
+        }
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            if (runningTab_.empty() || runningTab_ != request.get_param_value("session")) {
+                return;
+            }
+        }
+        frontEnd_.WaitForChange(std::stoull(since), kLongestStateWaitMs);
+    }
+
     void State(const std::string& id, const Tab& tab, httplib::Response& response)
     {
+        const uint64_t changes = frontEnd_.Changes();   // before the rest: a change after it is news
         const bool mine = runningTab_ == id;
         const auto running = tabs_.find(runningTab_);
         if (!mine && running != tabs_.end() && toolbox::NowMilliseconds() > running->second.lastSeen + kPageGoneMs) {
@@ -478,7 +502,7 @@ private:
              << ",\"ask\":" << (mine ? frontEnd_.Pending() : "null") << ",\"scoreName\":" << JsonQuoted(tab.score.name)
              << ",\"scoreVersion\":" << tab.scoreVersion << ",\"undo\":" << tab.document.UndoCount()
              << ",\"redo\":" << tab.document.RedoCount() << ",\"filled\":" << (tab.filled ? "true" : "false")
-             << ",\"lastRun\":" << tab.lastRun << "}";
+             << ",\"lastRun\":" << tab.lastRun << ",\"changes\":" << changes << "}";
         response.set_content(json.str(), kJson);
     }
 
@@ -545,22 +569,31 @@ private:
             }
         }
         dialogNotes += "]";
-        std::lock_guard<std::mutex> lock(mutex_);
-        runningTab_.clear();
-        const auto tab = tabs_.find(id);
-        if (tab == tabs_.end()) {
-            return;
+        {
+            std::lock_guard<std::mutex> lock(mutex_);
+            runningTab_.clear();
+            const auto tab = tabs_.find(id);
+            if (tab != tabs_.end()) {
+                RecordRun(tab->second, host, selection, result,
+                          "{\"result\":" + std::to_string(result) + ",\"changed\":" + (result == 1 ? "true" : "false") +
+                              ",\"alerts\":" + AlertsJson(alerts) + ",\"notes\":" + dialogNotes +
+                              ",\"milliseconds\":" + std::to_string(took.count()) + "}");
+            }
         }
+        frontEnd_.CommandEnded();   // the tab waiting for its state learns now that the run is over
+    }
+
+    static void RecordRun(Tab& tab, const Host& host, const std::optional<EREGION>& selection, int32_t result,
+                          std::string lastRun)
+    {
         if (result == 1) {
-            tab->second.document = host.document();
-            ++tab->second.scoreVersion;
+            tab.document = host.document();
+            ++tab.scoreVersion;
             // Without a selection the plug-in asks for one; the whole score is then what to hear.
-            tab->second.filled = selection ? std::pair<int32_t, int32_t>(selection->start.meas, selection->end.meas)
-                                           : std::pair<int32_t, int32_t>(1, tab->second.document.MeasureCount());
+            tab.filled = selection ? std::pair<int32_t, int32_t>(selection->start.meas, selection->end.meas)
+                                   : std::pair<int32_t, int32_t>(1, tab.document.MeasureCount());
         }
-        tab->second.lastRun = "{\"result\":" + std::to_string(result) +
-                              ",\"changed\":" + (result == 1 ? "true" : "false") + ",\"alerts\":" + AlertsJson(alerts) +
-                              ",\"notes\":" + dialogNotes + ",\"milliseconds\":" + std::to_string(took.count()) + "}";
+        tab.lastRun = std::move(lastRun);
     }
 
     void AnswerPlugin(const httplib::Request& request, httplib::Response& response)
@@ -789,10 +822,11 @@ int RunWebServer(const WebServerSettings& settings, std::ostream& out, std::ostr
         const std::string hostPort = std::string(kLoopback) + ":" + std::to_string(port);
         server.SetOrigin(hostPort);
         std::atomic<bool> signalled{false};
-        std::thread stopper([&server, &stopSignals, &signalled] {
+        std::thread stopper([&server, &frontEnd, &stopSignals, &signalled] {
             int signal = 0;
             sigwait(&stopSignals, &signal);
             signalled = true;
+            frontEnd.Abandon();   // a page waiting for its state is answered, so the server need not wait
             server.Http().stop();
         });
         out << "Tamberlyne is at http://" << hostPort << "/ (Ctrl-C stops it)" << std::endl;

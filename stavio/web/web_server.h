@@ -4,7 +4,9 @@
 // something, the page shows it (stavio/dialogs/web_front_end.h) and answers.
 //
 // API (every call names its tab with ?session=ID):
-//   GET  /api/state     what the tab should show: running, what the plug-in asks, undo/redo
+//   GET  /api/state     what the tab should show: running, what the plug-in asks, undo/redo,
+//                       and `changes`; with &since=CHANGES the tab that runs the plug-in gets
+//                       its answer when that count moves on (or after a few seconds)
 //   GET  /api/score     the tab's score (score_view.h), with its MusicXML for the engraver
 //   GET  /api/groove    the drum grid of a groove the plug-in lists (&name=GROOVE), as text
 //   POST /api/run       run the plug-in on measures first..last of staff (0: every staff)

@@ -66,40 +66,57 @@
       (selection.staff === 0 || selection.staff === slot);
   }
 
+  // What the engraver read of each note, by the note's id: its pitch or place and duration.
+  // One copy of the engraver's whole encoding, read in one go: asking the engraver note by note
+  // took over a second for a 100-measure score. Its attribute values are plain words and
+  // numbers, so a pattern reads them faster than an XML parser.
+  function writtenNotes(toolkit) {
+    const written = new Map();
+    for (const [, attributes] of toolkit.getMEI().matchAll(/<note\b([^>]*)>/g)) {
+      const note = {};
+      for (const [, name, value] of attributes.matchAll(/([\w.:-]+)="([^"]*)"/g)) note[name] = value;
+      written.set(note['xml:id'], `${note.pname || note.ploc || ''}${note.oct || note.oloc || ''}/${note.dur || ''}`);
+    }
+    return written;
+  }
+
   // The engraver draws measures in score order, each holding its staves in score order: the
   // n-th drawn measure is the score's measure n. Each staff of each measure gets a box on top
-  // that takes clicks and shows the selection.
+  // that takes clicks and shows the selection. Every place is measured before any box is added,
+  // so that the browser lays the drawing out once, not once per box.
   function markMeasures(toolkit) {
     const SVG = 'http://www.w3.org/2000/svg';
+    const written = writtenNotes(toolkit);
+    const staves = [];
     scoreArea.querySelectorAll('g.measure').forEach((measureGroup, index) => {
-      const measure = index + 1;
       measureGroup.querySelectorAll(':scope > g.staff').forEach((staffGroup, staffIndex) => {
-        const slot = staffIndex + 1;
-        staffGroup.dataset.measure = measure;
-        staffGroup.dataset.staff = slot;
-        staffGroup.querySelectorAll('g.note').forEach((note) => {
-          note.dataset.measure = measure;
-          note.dataset.staff = slot;
-          const written = toolkit.getElementAttr(note.id);   // the note as the engraver reads it
-          note.dataset.key = `${written.pname || written.ploc || ''}${written.oct || written.oloc || ''}/${written.dur || ''}`;
-        });
         const lines = [...staffGroup.querySelectorAll(':scope > path')].map((line) => line.getBBox());
         const area = lines.length ? lines.reduce((a, b) => {
           const x = Math.min(a.x, b.x);
           const y = Math.min(a.y, b.y);
           return { x, y, width: Math.max(a.x + a.width, b.x + b.width) - x, height: Math.max(a.y + a.height, b.y + b.height) - y };
         }) : staffGroup.getBBox();
-        const margin = Math.max(area.height / 3, 60);
-        const box = document.createElementNS(SVG, 'rect');
-        Object.entries({ x: area.x, y: area.y - margin, width: area.width, height: area.height + 2 * margin })
-          .forEach(([key, value]) => box.setAttribute(key, value));
-        box.setAttribute('class', `measure-box${selected(measure, slot) ? ' selected' : ''}`);
-        box.dataset.measure = measure;
-        box.dataset.staff = slot;
-        staffGroup.appendChild(box);
-        box.addEventListener('click', (event) => onMeasure(measure, slot, event.shiftKey));
+        staves.push({ staffGroup, measure: index + 1, slot: staffIndex + 1, area });
       });
     });
+    for (const { staffGroup, measure, slot, area } of staves) {
+      staffGroup.dataset.measure = measure;
+      staffGroup.dataset.staff = slot;
+      staffGroup.querySelectorAll('g.note').forEach((note) => {
+        note.dataset.measure = measure;
+        note.dataset.staff = slot;
+        note.dataset.key = written.get(note.id) || '/';
+      });
+      const margin = Math.max(area.height / 3, 60);
+      const box = document.createElementNS(SVG, 'rect');
+      Object.entries({ x: area.x, y: area.y - margin, width: area.width, height: area.height + 2 * margin })
+        .forEach(([key, value]) => box.setAttribute(key, value));
+      box.setAttribute('class', `measure-box${selected(measure, slot) ? ' selected' : ''}`);
+      box.dataset.measure = measure;
+      box.dataset.staff = slot;
+      staffGroup.appendChild(box);
+      box.addEventListener('click', (event) => onMeasure(measure, slot, event.shiftKey));
+    }
   }
 
   let engraved = null;   // the score version the drawing shows
@@ -107,7 +124,8 @@
     const toolkit = await loadEngraver();
     if (engraved !== scoreVersion) {
       const scale = 40;
-      toolkit.setOptions({ adjustPageHeight: true, breaks: 'auto', scale, footer: 'none',
+      // Without indenting, the drawing is half the text for the page to take in.
+      toolkit.setOptions({ adjustPageHeight: true, breaks: 'auto', scale, footer: 'none', svgFormatRaw: true,
         pageWidth: Math.max(Math.round((scoreArea.clientWidth - 20) * 100 / scale), 1500) });
       // A multi-measure rest is drawn measure by measure, so that each measure can be selected.
       toolkit.loadData(score.musicxml.replace(/<multiple-rest[^>]*>[^<]*<\/multiple-rest>/g, ''));
@@ -163,8 +181,10 @@
     $('demo').disabled = running;
   }
 
-  async function refresh() {
-    state = await call('GET', '/api/state');
+  // With `since` (the `changes` of the state shown), the server answers when the plug-in has
+  // asked something new or finished.
+  async function refresh(since) {
+    state = await call('GET', '/api/state', since === undefined ? {} : { since });
     if (state.scoreVersion !== scoreVersion) {
       score = await call('GET', '/api/score');
       scoreVersion = state.scoreVersion;
@@ -289,10 +309,11 @@
     if (polling) return;
     polling = true;
     try {
+      let since;
       for (;;) {
-        const current = await refresh();
+        const current = await refresh(since);
         if (!current.running) break;
-        await new Promise((resolve) => setTimeout(resolve, 100));
+        since = current.changes;
       }
       reportRun(state.lastRun);
       if (answeredAt && state.lastRun && state.lastRun.changed) {

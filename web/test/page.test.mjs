@@ -341,6 +341,31 @@ test('a 100-measure score: fill and redraw in the page (timed, printed)', async 
   await tab.close();
 });
 
+// The tab that runs the plug-in names the state it shows and is answered when the plug-in has
+// taken its next step, not before: a row clicked in the dialog comes back selected.
+test('the running tab\'s state request waits for the plug-in\'s next step', async () => {
+  const tab = await context.newPage();
+  await tab.goto(address);
+  await tab.waitForSelector('rect.measure-box');
+  await select(tab, DRUMS, 1, 2);
+  await tab.click('#run');
+  await tab.waitForSelector('#dialog-layer [role=dialog]');
+  const { shown, next, row } = await tab.evaluate(async () => {
+    const query = `session=${sessionStorage.getItem('tamberlyne-session')}`;
+    const state = (more) => fetch(`/api/state?${query}${more}`).then((response) => response.json());
+    const current = await state('');
+    const waiting = state(`&since=${current.changes}`);
+    const unselected = current.ask.lists[0].rows.findIndex((candidate) => !candidate.selected);
+    await fetch(`/api/answer?${query}&kind=row&item=0&number=${unselected}`, { method: 'POST' });
+    return { shown: current, next: await waiting, row: unselected };
+  });
+  assert.ok(next.changes > shown.changes);
+  assert.equal(next.ask.lists[0].rows[row].selected, true);
+  await tab.locator('#dialog-layer button').filter({ hasText: /^Cancel$/ }).click();
+  await waitUntilIdle(tab);
+  await tab.close();
+});
+
 test('requests cannot reach outside the page\'s files', async () => {
   assert.equal(await rawRequest('/'), 200);
   for (const attempt of ['/../../etc/passwd', '/%2e%2e/%2e%2e/etc/passwd', '/..%2f..%2fetc%2fpasswd', '//etc/passwd',
