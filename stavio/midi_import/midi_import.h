@@ -4,8 +4,8 @@
 // Groove bar 1 goes into the region's first measure, bar 2 into the next, and so on; bars
 // beyond the region are ignored. Each measure of the region is replaced whole: its old entries
 // go from every layer, the new ones are in layer 0, and a measure the file does not reach, or
-// where nothing sounds, gets one whole-measure rest. Nothing outside the region changes. Which hits
-// count and how bars are found: drum_groove.h; the grid: beat_quantiser.h; the entries:
+// where nothing sounds, gets one whole-measure rest. Nothing outside the region changes. Which
+// hits count and how bars are found: drum_groove.h; the grid: beat_quantiser.h; the entries:
 // measure_notation.h. Frames go through the document's frame store, which keeps the staff's
 // frame detail ('SDGF') in step.
 //
