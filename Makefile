@@ -58,10 +58,13 @@ deps:
 	    $$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends $$missing); \
 	fi
 	@# npm comes with some builds of nodejs and is a package of its own in Debian's
-	@command -v npm >/dev/null || { sudo=$$([ "$$(id -u)" = 0 ] || echo sudo); \
-	  DEBIAN_FRONTEND=noninteractive $$sudo apt-get install -y -qq --no-install-recommends npm; }
+	@command -v npm >/dev/null || { echo "Installing Debian packages: npm"; \
+	  sudo=$$([ "$$(id -u)" = 0 ] || echo sudo); \
+	  $(call quietly,apt-npm,$$sudo env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends npm); }
 	@# The page's engraver and the browser test's driver, pinned in web/package-lock.json
-	@[ web/node_modules/.package-lock.json -nt web/package-lock.json ] || (cd web && npm ci --no-audit --no-fund)
+	@[ web/node_modules/.package-lock.json -nt web/package-lock.json ] || { \
+	  echo "Installing the page's npm packages (web/package-lock.json)"; \
+	  $(call quietly,npm,(cd web && npm ci --no-audit --no-fund)); }
 
 build: deps
 	@$(call configure,$(BUILD),-DTAMBERLYNE_TESTS=OFF)
