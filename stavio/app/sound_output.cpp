@@ -144,10 +144,7 @@ int WriteSound(const Document& doc, int32_t first, int32_t last, double defaultT
         return kExitOk;
     }
     const double tempo = options.tempo.value_or(defaultTempo);
-    midi_export::ExportOptions range;
-    range.firstMeasure = first;
-    range.lastMeasure = last;
-    range.microsecondsPerQuarter = midi_export::MicrosecondsPerQuarter(tempo);
+    const midi_export::ExportOptions range = midi_export::MeasuresAtTempo(first, last, tempo);
     const toolbox::Result<std::vector<uint8_t>> midi = midi_export::ExportMidi(doc, range);
     if (!midi) {
         err << "tamberlyne: cannot export the MIDI: " << midi.Message() << "\n";

@@ -301,6 +301,15 @@ int32_t MicrosecondsPerQuarter(double quartersPerMinute)
     return static_cast<int32_t>(std::lround(60000000.0 / quartersPerMinute));
 }
 
+ExportOptions MeasuresAtTempo(int32_t first, int32_t last, double quartersPerMinute)
+{
+    ExportOptions options;
+    options.firstMeasure = first;
+    options.lastMeasure = last;
+    options.microsecondsPerQuarter = MicrosecondsPerQuarter(quartersPerMinute);
+    return options;
+}
+
 toolbox::Result<std::vector<uint8_t>> ExportMidi(const Document& doc, const ExportOptions& options)
 {
     int32_t first = 0;

@@ -33,6 +33,8 @@ struct ExportOptions {
 
 // Quarters a minute as the file's tempo (rounded to the microsecond); 0 for a tempo outside 1..1000.
 int32_t MicrosecondsPerQuarter(double quartersPerMinute);
+// Measures `first`..`last` at `quartersPerMinute` quarters a minute.
+ExportOptions MeasuresAtTempo(int32_t first, int32_t last, double quartersPerMinute);
 
 // The file's bytes; a failure, with a message for a person, when the range is not measures of
 // the document or the tempo is out of range.

@@ -449,10 +449,7 @@ private:
             Fail(response, 501, tools.Message());
             return;
         }
-        midi_export::ExportOptions range;
-        range.firstMeasure = first;
-        range.lastMeasure = last;
-        range.microsecondsPerQuarter = midi_export::MicrosecondsPerQuarter(tempo);
+        const midi_export::ExportOptions range = midi_export::MeasuresAtTempo(first, last, tempo);
         const toolbox::Result<std::vector<uint8_t>> midi = midi_export::ExportMidi(document, range);
         if (!midi) {
             Fail(response, 422, "cannot export the MIDI: " + midi.Message());
